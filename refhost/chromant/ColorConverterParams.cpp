@@ -1,0 +1,42 @@
+#include <cstring>
+
+#include "host/CHR/Conversion.h"
+#include "host/IL/ColorConvertParams.h"
+#include "refhost/chromant/Primaries.h"
+#include "refhost/chromant/ResultCodes.h"
+#include "refhost/orvmediatypes/H273.h"
+
+using orvmediatypes::color::ColorManagementSettings;
+using orvmediatypes::color::ColorSpace;
+
+namespace CHR {
+
+namespace {
+
+/// The parameters are few enough to be their own identity.
+orvcore::utility::Guid IdentityOf(const IL::ColorConvertParams& params, bool linear) {
+  orvcore::utility::Guid identity;
+  static_assert(sizeof(params.luminanceCoefficients) < sizeof(identity.bytes));
+  std::memcpy(identity.bytes.data(), params.luminanceCoefficients.data(),
+              sizeof(params.luminanceCoefficients));
+  identity.bytes.back() = linear ? 1 : 0;
+  return identity;
+}
+
+}  // namespace
+
+int GetColorConverterParamsForColorSpace(const ColorSpace& colorSpace, bool linear,
+                                         const ColorManagementSettings& /*settings*/,
+                                         std::shared_ptr<IL::ColorConvertParams>& params,
+                                         orvcore::utility::Guid& identity) {
+  const auto chromaticities = H273::ChromaticitiesOf(colorSpace);
+  if (!chromaticities.has_value()) return kNotSupported;
+  const Matrix3 toXyz = RgbToXyz(*chromaticities);
+  params = std::make_shared<IL::ColorConvertParams>();
+  params->luminanceCoefficients = {static_cast<float>(toXyz[3]), static_cast<float>(toXyz[4]),
+                                   static_cast<float>(toXyz[5])};
+  identity = IdentityOf(*params, linear);
+  return 0;
+}
+
+}  // namespace CHR

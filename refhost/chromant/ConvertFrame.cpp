@@ -1,0 +1,68 @@
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "host/CHR/Conversion.h"
+#include "refhost/chromant/PixelConverter.h"
+#include "refhost/chromant/PixelRows.h"
+#include "refhost/chromant/ResultCodes.h"
+
+using orvmediatypes::PixelFormat;
+using orvmediatypes::color::ColorManagementSettings;
+using orvmediatypes::color::ColorSpace;
+
+namespace CHR {
+
+namespace {
+
+/// Pixels converted at a time, on the stack.
+constexpr std::size_t kChunk = 256;
+
+bool HoldsRow(int rowBytes, int width, ComponentType type) {
+  return rowBytes >= static_cast<std::int64_t>(width) * static_cast<int>(PixelBytes(type));
+}
+
+void ConvertRow(const PixelConverter& converter, const std::byte* source, ComponentType sourceType,
+                std::byte* destination, ComponentType destinationType, std::size_t width) {
+  std::array<float, 4 * kChunk> pixels{};
+  for (std::size_t done = 0; done < width; done += kChunk) {
+    const std::size_t count = std::min(kChunk, width - done);
+    LoadPixels(sourceType, source + done * PixelBytes(sourceType), count, pixels.data());
+    converter.Convert(pixels.data(), pixels.data(), count);
+    StorePixels(destinationType, pixels.data(), count,
+                destination + done * PixelBytes(destinationType));
+  }
+}
+
+}  // namespace
+
+int ConvertFrame(const void* sourcePixels, void* destinationPixels, int width, int height,
+                 const ColorSpace& sourceColorSpace, PixelFormat sourceFormat, int sourceRowBytes,
+                 const ColorSpace& destinationColorSpace, PixelFormat destinationFormat,
+                 int destinationRowBytes, const ColorManagementSettings& settings) {
+  if (sourcePixels == nullptr || destinationPixels == nullptr) return kInvalidArgument;
+  if (width <= 0 || height <= 0) return kInvalidArgument;
+
+  const auto sourceType = ComponentTypeOf(sourceFormat);
+  const auto destinationType = ComponentTypeOf(destinationFormat);
+  if (!sourceType.has_value() || !destinationType.has_value()) return kNotSupported;
+  if (height > 1 && !(HoldsRow(sourceRowBytes, width, *sourceType) &&
+                      HoldsRow(destinationRowBytes, width, *destinationType))) {
+    return kInvalidArgument;
+  }
+
+  const auto converter = MakePixelConverter(sourceColorSpace, destinationColorSpace, settings);
+  if (converter == nullptr) return kNotSupported;
+
+  const auto* source = static_cast<const std::byte*>(sourcePixels);
+  auto* destination = static_cast<std::byte*>(destinationPixels);
+  for (int row = 0; row < height; ++row) {
+    ConvertRow(*converter, source + static_cast<std::ptrdiff_t>(row) * sourceRowBytes, *sourceType,
+               destination + static_cast<std::ptrdiff_t>(row) * destinationRowBytes,
+               *destinationType, static_cast<std::size_t>(width));
+  }
+  return 0;
+}
+
+}  // namespace CHR

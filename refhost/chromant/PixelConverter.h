@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "host/orvmediatypes/ColorManagementSettings.h"
+#include "host/orvmediatypes/ColorSpace.h"
+
+namespace CHR {
+
+/// Conversion of four-float pixels (blue, green, red, alpha; signal values of their colour space)
+/// from one colour space into another: decode to linear light, 3x3 matrix between primaries,
+/// encode. Nothing is clamped; alpha passes unchanged. Made once per pair of frames; `Convert` may
+/// be called from any number of threads.
+class PixelConverter {
+ public:
+  virtual ~PixelConverter() = default;
+
+  /// The two colour spaces are equivalent: `Convert` only copies.
+  virtual bool IsIdentity() const = 0;
+
+  /// `source` and `destination` may be the same memory, but must not overlap otherwise.
+  virtual void Convert(const float* source, float* destination, std::size_t pixels) const = 0;
+};
+
+/// Null when a colour space is empty, or its primaries or transfer are unknown here. The matrix
+/// (YCbCr) and range code points are not looked at: the pixels are RGB.
+std::unique_ptr<PixelConverter> MakePixelConverter(
+    const orvmediatypes::color::ColorSpace& source,
+    const orvmediatypes::color::ColorSpace& destination,
+    const orvmediatypes::color::ColorManagementSettings& settings);
+
+}  // namespace CHR

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace orvcore::config {
+
+/// A handle was dereferenced that is not usable.
+class NullPtrException : public std::runtime_error {
+ public:
+  explicit NullPtrException(const std::string& typeName);
+};
+
+}  // namespace orvcore::config

@@ -1,0 +1,7 @@
+#include "host/orvmediatypes/ToneMapControls.h"
+
+namespace orvmediatypes::color {
+
+std::int32_t ToneMapControls::GetVersion() const { return version; }
+
+}  // namespace orvmediatypes::color

@@ -1,0 +1,58 @@
+#include "host/PX/ToneMappingUtils.h"
+
+#include <cmath>
+#include <cstdint>
+
+#include "host/CHR/Conversion.h"
+
+using orvmediatypes::color::ColorManagementSettings;
+using orvmediatypes::color::ToneMapAlgorithmType;
+
+namespace PX::ToneMappingUtils {
+
+float ConvertPeakLinearSignalToLuminance(const ToneMapSettings& settings) {
+  // Records from before version 3 carry no colour-management settings of their own.
+  const ColorManagementSettings colorManagement = settings.controls.GetVersion() < 3
+                                                      ? ColorManagementSettings()
+                                                      : settings.colorManagementSettings;
+  const auto white = static_cast<std::uint32_t>(colorManagement.GetGraphicsWhiteLuminance());
+  // The peak of an empty source is linear already: the conversion leaves it as it is.
+  return CHR::ConvertSignalToLinearValue(settings.sourceColorSpace, colorManagement,
+                                         settings.controls.peak) *
+         static_cast<float>(white);
+}
+
+int AdjustToneMapSettingsVersionForNCMVersionHandle(int version) { return version; }
+
+void GetAdjustedToneMapAlgoAndKnee(float peak, ToneMapAlgorithmType& algorithmType, float& knee) {
+  algorithmType = ToneMapAlgorithmType::HuePreservationDesaturation;
+  if (!(peak > 0.0F)) return;
+  // 1 / (1 + a peak^b): half the destination's peak at twice that peak, a quarter at a hundred
+  // times.
+  const double b = std::log(3.0) / std::log(50.0);
+  const double a = std::pow(2.0, -b);
+  knee = static_cast<float>(1.0 / (1.0 + a * std::pow(static_cast<double>(peak), b)));
+}
+
+std::string GetLocalizedToneMappingMethodName(ToneMapAlgorithmType algorithmType, int /*form*/) {
+  switch (algorithmType) {
+    case ToneMapAlgorithmType::None:
+      return "None";
+    case ToneMapAlgorithmType::Automatic:
+      return "Automatic";
+    case ToneMapAlgorithmType::ITU2390MaxRGB:
+      return "BT.2390 (maximum of RGB)";
+    case ToneMapAlgorithmType::ITU2390RGBByChannel:
+      return "BT.2390 (each channel)";
+    case ToneMapAlgorithmType::ITU2446A:
+      return "BT.2446 method A";
+    case ToneMapAlgorithmType::HuePreservationDesaturation:
+      return "Hue-preserving desaturation";
+    case ToneMapAlgorithmType::CARToneCurve:
+      return "CAR tone curve";
+    default:
+      return "Unknown tone-mapping method " + std::to_string(static_cast<int>(algorithmType));
+  }
+}
+
+}  // namespace PX::ToneMappingUtils

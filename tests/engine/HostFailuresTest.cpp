@@ -1,0 +1,161 @@
+#include <map>
+
+#include "engine/Quillon.h"
+#include "tests/engine/Pipeline.h"
+
+/// Every single host call of whole runs, made to throw, to yield nothing or to fail, in turn.
+
+namespace {
+
+using pipeline::Frames;
+using scripted::Host;
+using scripted::Inventory;
+using scripted::Recycler;
+using scripted::TakeInventory;
+
+/// One way through the engine.
+struct Road {
+  const char* name;
+  Frames (*makeFrames)();
+  int version;
+  int toneMapAlgorithm;
+  int gamutAlgorithm;
+  bool applicable;
+  bool hasSubExecutor;
+  int result;
+};
+
+const Road kRoads[] = {
+    {"copy", pipeline::MakeDirectFrames, 3, 5, 1, false, true, 0},
+    {"direct, hue preserving and Reinhard", pipeline::MakeDirectFrames, 3, 5, 1, true, true, 0},
+    {"direct, automatic and desaturation", pipeline::MakeDirectFrames, 2, 1, 2, true, true, 0},
+    {"copied, hue preserving, inline", pipeline::MakeCopiedFrames, 2, 5, 1, true, false, 0},
+    {"copied, unknown tone map", pipeline::MakeCopiedFrames, 3, 7, 2, true, true,
+     static_cast<int>(0xA00F000CU)},
+    {"direct, unknown gamut compression", pipeline::MakeDirectFrames, 3, 5, 7, true, true,
+     static_cast<int>(0xA00F000CU)},
+    {"direct, BT.2390", pipeline::MakeDirectFrames, 3, 2, 0, true, true,
+     static_cast<int>(0xA00F000CU)},
+    {"direct, BT.2446 A", pipeline::MakeDirectFrames, 3, 4, 0, true, true,
+     static_cast<int>(0xA00F000CU)},
+    {"direct, CAR", pipeline::MakeDirectFrames, 3, 6, 0, true, true, static_cast<int>(0xA00F000CU)},
+};
+
+/// An operation and which of its calls.
+struct Place {
+  std::string operation;
+  int nth;
+};
+
+class HostFailures : public scripted::HostTest {
+ protected:
+  /// Runs a road from the start. `arrange` plans the failures.
+  template <class Arrange>
+  int Run(const Road& road, Arrange arrange) {
+    host.Reset();
+    auto record = scripted::MakeRecord(road.toneMapAlgorithm, road.gamutAlgorithm);
+    record.toneMapSettings.controls.version = road.version;
+    record.toneMapSettings.destinationColorSpace =
+        orvmediatypes::color::ColorSpace(scripted::Colors(1, 1, 300));
+    host.results.gamutMappingApplicable = road.applicable;
+    host.results.toneMappingApplicable = road.applicable;
+    host.results.gamutCompressionApplicable = road.applicable && road.gamutAlgorithm != 0;
+    host.results.hasSubExecutor = road.hasSubExecutor;
+    host.results.convertFrame = [](const scripted::Conversion& conversion) {
+      if (conversion.destination != nullptr) conversion.destination[0] = 4.0F;
+    };
+    // A change at every run: each site asks anew.
+    host.results.traceChangeCount = ++changeCount_;
+    Frames frames = road.makeFrames();
+    const scripted::RecordWatch watch(record);
+    arrange();
+    return Quillon::ApplyGamutMapping(frames.source, record, frames.destination);
+  }
+
+  std::vector<Place> PlacesOf(const Road& road) {
+    EXPECT_EQ(Run(road, [] {}), road.result);
+    std::map<std::string, int> counts;
+    std::vector<Place> places;
+    for (const std::string& operation : host.Operations()) {
+      places.push_back({operation, ++counts[operation]});
+    }
+    return places;
+  }
+
+ private:
+  std::int32_t changeCount_ = 1;
+};
+
+/// Releases and queries never throw.
+bool MayThrow(const std::string& operation) {
+  return operation.find("QueryInterface") == std::string::npos && !operation.ends_with("Release") &&
+         !operation.ends_with("DisposeObject") && !operation.ends_with("DestroyBlock");
+}
+
+bool IsRelease(const std::string& operation) {
+  return operation.ends_with("Release") || operation.ends_with("DisposeObject") ||
+         operation.ends_with("DestroyBlock");
+}
+
+TEST_F(HostFailures, AnExceptionFromAnyCallPassesWithNothingLeaked) {
+  int tried = 0;
+  for (const Road& road : kRoads) {
+    for (const Place& place : PlacesOf(road)) {
+      if (!MayThrow(place.operation)) continue;
+      SCOPED_TRACE(std::string(road.name) + ", " + place.operation + " " +
+                   std::to_string(place.nth));
+      const Inventory before = TakeInventory();
+      const auto plan = [&] { host.FailWithException(place.operation, place.nth); };
+      EXPECT_THROW(Run(road, plan), scripted::HostException);
+      EXPECT_EQ(TakeInventory(), before);
+      ++tried;
+    }
+  }
+  EXPECT_GT(tried, 200);
+}
+
+TEST_F(HostFailures, NothingFromAnyCallNeitherCrashesNorLeaks) {
+  int tried = 0;
+  for (const Road& road : kRoads) {
+    for (const Place& place : PlacesOf(road)) {
+      if (IsRelease(place.operation)) continue;
+      SCOPED_TRACE(std::string(road.name) + ", " + place.operation + " " +
+                   std::to_string(place.nth));
+      const Inventory before = TakeInventory();
+      try {
+        Run(road, [&] { host.FailWithNothing(place.operation, place.nth); });
+      } catch (const scripted::NullHandleException&) {
+        // What dereferencing the empty handle raises.
+      }
+      EXPECT_EQ(TakeInventory(), before);
+      ++tried;
+    }
+  }
+  EXPECT_GT(tried, 200);
+}
+
+TEST_F(HostFailures, AFailedAllocationPassesWithNothingLeaked) {
+  for (const Road& road : kRoads) {
+    if (road.result != 0 || !road.applicable) continue;
+    Run(road, [] { Recycler::Instance().FailAllocation(0); });
+    const int allocations = Recycler::Instance().Allocations();
+    EXPECT_GT(allocations, 0) << road.name;
+    for (int nth = 1; nth <= allocations; ++nth) {
+      SCOPED_TRACE(std::string(road.name) + ", allocation " + std::to_string(nth));
+      const Inventory before = TakeInventory();
+      EXPECT_THROW(Run(road, [&] { Recycler::Instance().FailAllocation(nth); }), std::bad_alloc);
+      Recycler::Instance().FailAllocation(0);
+      EXPECT_EQ(TakeInventory(), before);
+    }
+  }
+}
+
+TEST_F(HostFailures, AFailedOnePixelConversionIsNotAFailureOfTheCall) {
+  for (int nth = 2; nth <= 3; ++nth) {  // the first linearises the frame
+    host.Reset();
+    const Road& road = kRoads[1];
+    EXPECT_EQ(Run(road, [&] { host.FailWithCode("CHR::ConvertFrame", -5, nth); }), 0);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+/// H.273 code points of an RGB picture.
+struct Cicp {
+  std::uint8_t primaries;
+  std::uint8_t transfer;
+};
+
+/// The same pixels (red, green, blue) converted by zimg, signals in and signals out, linear 1.0 at
+/// this white. Components are float, or full-range 8-bit or 16-bit integers.
+template <class Component>
+std::vector<std::array<Component, 3>> ConvertedByZimg(
+    const std::vector<std::array<Component, 3>>& pixels, Cicp from, Cicp to, double whiteNits);

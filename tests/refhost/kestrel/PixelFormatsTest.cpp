@@ -1,0 +1,81 @@
+#include <set>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "refhost/kestrel/PixelFormats.h"
+#include "tests/refhost/kestrel/Frames.h"
+
+using KS::ChromaFormat;
+using KS::DescribeFormat;
+
+namespace {
+
+std::uint32_t DepthCode(PixelFormat format) { return format.descriptor >> 1U & 7U; }
+std::uint32_t LayoutCode(PixelFormat format) { return format.descriptor >> 19U & 3U; }
+
+TEST(PixelFormats, AreAllDifferent) {
+  std::set<std::pair<std::uint32_t, std::uint32_t>> formats;
+  for (const auto& list : {InterleavedFormats(), YCbCrFormats()}) {
+    for (const auto& [name, format] : list) formats.emplace(format.fourCC, format.descriptor);
+  }
+  EXPECT_EQ(formats.size(), 4U + 24U);
+}
+
+TEST(PixelFormats, PutLayoutAndDepthIntoTheDescriptor) {
+  EXPECT_EQ(LayoutCode(KS::kBgraHalf), 1U);
+  EXPECT_EQ(DepthCode(KS::kBgraHalf), 3U);
+  EXPECT_EQ(DepthCode(KS::kBgraFloat), 5U);
+  EXPECT_EQ(LayoutCode(KS::PlanarYCbCr(ChromaFormat::C422, 10)), 2U);
+  EXPECT_EQ(LayoutCode(KS::SemiPlanarYCbCr(ChromaFormat::C422, 10)), 3U);
+  EXPECT_EQ(DepthCode(KS::PlanarYCbCr(ChromaFormat::C420, 8)), 0U);
+  EXPECT_EQ(DepthCode(KS::PlanarYCbCr(ChromaFormat::C420, 10)), 1U);
+  EXPECT_EQ(DepthCode(KS::PlanarYCbCr(ChromaFormat::C420, 12)), 6U);
+  EXPECT_EQ(DepthCode(KS::PlanarYCbCr(ChromaFormat::C420, 16)), 2U);
+}
+
+TEST(DescribeFormat, TellsInterleavedFormatsApart) {
+  const auto half = DescribeFormat(KS::kBgraHalf).value();
+  EXPECT_FALSE(half.IsYCbCr());
+  EXPECT_EQ(half.sampleType, KS::SampleType::Half);
+  EXPECT_EQ(half.bytesPerSample, 2);
+  EXPECT_EQ(half.planeCount, 1);
+  EXPECT_EQ(half.SamplesPerPosition(0), 4);
+  EXPECT_EQ(DescribeFormat(KS::kBgra16)->sampleType, KS::SampleType::UnsignedInteger);
+  EXPECT_EQ(DescribeFormat(KS::kBgra8)->bytesPerSample, 1);
+  EXPECT_EQ(DescribeFormat(KS::kBgraFloat)->bytesPerSample, 4);
+}
+
+TEST(DescribeFormat, TellsPlanesDepthAndChroma) {
+  const auto planar = DescribeFormat(KS::PlanarYCbCr(ChromaFormat::C420, 12)).value();
+  EXPECT_TRUE(planar.IsYCbCr());
+  EXPECT_EQ(planar.bits, 12);
+  EXPECT_EQ(planar.bytesPerSample, 2);
+  EXPECT_EQ(planar.planeCount, 3);
+  EXPECT_EQ(planar.ChromaShiftX(), 1);
+  EXPECT_EQ(planar.ChromaShiftY(), 1);
+  EXPECT_EQ(planar.SamplesPerPosition(1), 1);
+
+  const auto semiPlanar = DescribeFormat(KS::SemiPlanarYCbCr(ChromaFormat::C422, 8)).value();
+  EXPECT_EQ(semiPlanar.planeCount, 2);
+  EXPECT_EQ(semiPlanar.ChromaShiftX(), 1);
+  EXPECT_EQ(semiPlanar.ChromaShiftY(), 0);
+  EXPECT_EQ(semiPlanar.SamplesPerPosition(0), 1);
+  EXPECT_EQ(semiPlanar.SamplesPerPosition(1), 2);
+
+  const auto full = DescribeFormat(KS::PlanarYCbCr(ChromaFormat::C444, 16)).value();
+  EXPECT_EQ(full.ChromaShiftX(), 0);
+  EXPECT_EQ(full.ChromaShiftY(), 0);
+}
+
+TEST(DescribeFormat, KnowsNothingElse) {
+  EXPECT_FALSE(DescribeFormat({}).has_value());
+  EXPECT_FALSE(DescribeFormat({KS::kBgraFloat.fourCC, 0x0008013BU}).has_value());
+  EXPECT_FALSE(DescribeFormat({KS::kBgraFloat.fourCC + 1, KS::kBgraFloat.descriptor}).has_value());
+  for (const int bits : {0, -1, 9, 14, 32}) {
+    EXPECT_FALSE(DescribeFormat(KS::PlanarYCbCr(ChromaFormat::C420, bits)).has_value()) << bits;
+    EXPECT_FALSE(DescribeFormat(KS::SemiPlanarYCbCr(ChromaFormat::C444, bits)).has_value()) << bits;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,31 @@
+#include "tonemap/Algorithms.h"
+
+#include <algorithm>
+#include <array>
+
+#include "tonemap/CarToneCurve.h"
+#include "tonemap/HuePreservation.h"
+#include "tonemap/Itu2390.h"
+#include "tonemap/Itu2446A.h"
+
+namespace Quillon {
+
+using orvmediatypes::color::ToneMapAlgorithmType;
+
+const ToneMapAlgorithm* FindToneMapAlgorithm(ToneMapAlgorithmType algorithmType) {
+  using enum ToneMapAlgorithmType;
+  // Deliberate: BT.2446 A declares five parameters and has four.
+  static const std::array<ToneMapAlgorithm, 5> kAlgorithms = {{
+      {ITU2390MaxRGB, 13, 13, GetITU2390SupportParams, {}},
+      {ITU2390RGBByChannel, 13, 13, GetITU2390SupportParams, {}},
+      {ITU2446A, 5, 4, GetITU2446ASupportParams, {}},
+      {HuePreservationDesaturation, 3, 3, GetHuePreservationSupportParams,
+       HuePreservationToneMap{}},
+      {CARToneCurve, 7, 7, GetCARToneCurveSupportParams, {}},
+  }};
+  const auto* found = std::find_if(kAlgorithms.begin(), kAlgorithms.end(),
+                                   [&](const auto& entry) { return entry.type == algorithmType; });
+  return found == kAlgorithms.end() ? nullptr : found;
+}
+
+}  // namespace Quillon

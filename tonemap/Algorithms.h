@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+#include "base/SupportVector.h"
+#include "host/PX/ToneMappingUtils.h"
+
+namespace Quillon {
+
+/// Tone maps one pixel of four floats in place: linear light, 1.0 at reference white, blue, green
+/// and red changed and alpha not. The parameter vector is that of `GetToneMappingSupportParams`.
+using ToneMapPixelFunction =
+    std::function<void(float* pixel, const SupportVector& params,
+                       const PX::ToneMappingUtils::ToneMapSettings& settings)>;
+
+/// What the engine knows of one tone-map algorithm. Every choice by algorithm reads this table.
+struct ToneMapAlgorithm {
+  orvmediatypes::color::ToneMapAlgorithmType type;
+  /// Declared length of the support parameters: what the size query answers.
+  int paramsSize;
+  /// How many of them the curve reads.
+  std::size_t paramsRead;
+  /// Fills the support parameters.
+  void (*buildParams)(PX::ToneMappingUtils::ToneMapSettings& settings, SupportVector& params);
+  /// The curve; empty where there is none yet.
+  ToneMapPixelFunction curve;
+};
+
+/// The algorithm's entry, or null for a value that names none (the automatic choice among them).
+const ToneMapAlgorithm* FindToneMapAlgorithm(
+    orvmediatypes::color::ToneMapAlgorithmType algorithmType);
+
+}  // namespace Quillon

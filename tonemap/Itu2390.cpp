@@ -1,0 +1,123 @@
+#include "tonemap/Itu2390.h"
+
+#include <array>
+
+#include "base/WorkingColorManagement.h"
+#include "host/CHR/Conversion.h"
+#include "host/PX/ColorSpaceUtils.h"
+#include "host/PX/ColorSpaces.h"
+#include "tonemap/ColorSpaceMatch.h"
+#include "tonemap/PeakLuminance.h"
+#include "tonemap/PqTransfer.h"
+#include "tonemap/SupportParams.h"
+
+namespace Quillon {
+
+using orvmediatypes::color::ColorManagementSettings;
+using orvmediatypes::color::ColorSpace;
+using orvmediatypes::color::ToneMapAlgorithmType;
+using PX::ToneMappingUtils::ToneMapSettings;
+
+namespace {
+
+constexpr float kOldPeakSignal = 1.09F;      // super-white of a narrow-range SDR signal
+constexpr float kOldHlgPeakSignal = 0.752F;  // PQ code value of 1000 nits
+constexpr float kOldReferenceWhite = 1000.0F;
+
+/// Two pixels of four floats: black, then peak.
+using BlackAndPeak = std::array<float, 8>;
+constexpr std::size_t kBlack = 0;
+constexpr std::size_t kPeak = 4;
+
+int ConvertToPQ(const BlackAndPeak& from, BlackAndPeak& to, const ColorSpace& colorSpace,
+                const ColorManagementSettings& colorManagement) {
+  constexpr int kRowBytes = sizeof(BlackAndPeak);
+  return CHR::ConvertFrame(from.data(), to.data(), 2, 1, colorSpace,
+                           orvmediatypes::kLinearFloatBGRA, kRowBytes, PX::ColorSpaces::OR2100PQ(),
+                           orvmediatypes::kLinearFloatBGRA, kRowBytes, colorManagement);
+}
+
+/// The source's and the destination's black and peak, entries 0 to 3. False when a conversion
+/// failed.
+bool AppendBlacksAndPeaks(const ToneMapSettings& settings, bool colorManaged,
+                          SupportVector& params) {
+  const float defaultPeak = colorManaged ? 1.0F : kOldPeakSignal;
+  const float otherChannels = colorManaged ? 1.0F : 0.0F;
+  BlackAndPeak from = {0.0F, 0.0F, 0.0F, 1.0F, defaultPeak, otherChannels, otherChannels, 1.0F};
+  BlackAndPeak to = from;
+
+  if (!colorManaged) {
+    params.push_back(0.0F);
+    params.push_back(PX::ColorSpaceUtils::IsRec2100HLGColorSpace(settings.sourceColorSpace)
+                         ? kOldHlgPeakSignal
+                         : 1.0F);
+  } else {
+    if (!MatchesBT2100PQ(settings.sourceColorSpace) &&
+        ConvertToPQ(from, to, settings.sourceColorSpace, settings.colorManagementSettings) < 0) {
+      return false;
+    }
+    params.push_back(to[kBlack]);
+    params.push_back(to[kPeak]);
+  }
+
+  const float peak = GetPeakSignalFromMetaData(settings.destinationColorSpace, defaultPeak);
+  const std::size_t channels = colorManaged ? 3 : 1;
+  for (std::size_t channel = 0; channel < channels; ++channel) {
+    from[kPeak + channel] = peak;
+    to[kPeak + channel] = peak;
+  }
+  if (!MatchesBT2100PQ(settings.destinationColorSpace) &&
+      ConvertToPQ(from, to, settings.destinationColorSpace, settings.colorManagementSettings) < 0) {
+    return false;
+  }
+  params.push_back(to[kBlack]);
+  params.push_back(to[kPeak]);
+  return true;
+}
+
+float ReferenceWhite(const ToneMapSettings& settings, bool colorManaged) {
+  const ColorSpace& destination = settings.destinationColorSpace;
+  const bool hasGraphicsWhite = PX::ColorSpaceUtils::IsSDRColorSpace(destination) ||
+                                (colorManaged && PX::ColorSpaceUtils::IsHDRColorSpace(destination));
+  if (hasGraphicsWhite) {
+    return static_cast<float>(
+        static_cast<std::uint32_t>(settings.colorManagementSettings.GetGraphicsWhiteLuminance()));
+  }
+  return colorManaged ? 1.0F : kOldReferenceWhite;
+}
+
+/// A PQ code value in nits.
+float DecodePQ(float signal) {
+  std::array<float, 3> pixel = {signal, 1.0F, 1.0F};
+  if (kPqSignalToLinear) kPqSignalToLinear(pixel.data(), 1.0F);
+  return pixel[0];
+}
+
+}  // namespace
+
+void GetITU2390SupportParams(ToneMapSettings& settings, SupportVector& params) {
+  const bool colorManaged = settings.controls.GetVersion() >= kColorManagedVersion;
+  params.clear();
+  params.reserve(GetToneMappingSupportParamsSize(ToneMapAlgorithmType::ITU2390MaxRGB));
+  if (!AppendBlacksAndPeaks(settings, colorManaged, params)) return;
+
+  const float referenceWhite = ReferenceWhite(settings, colorManaged);
+  params.push_back(referenceWhite);
+
+  const float range = params[1] - params[0];
+  const float minLum = (params[2] - params[0]) / range;
+  const float maxLum = (params[3] - params[0]) / range;
+  const float kneeStart = 1.5F * maxLum - 0.5F;
+  params.push_back(range);
+  params.push_back(minLum);
+  params.push_back(maxLum);
+  params.push_back(kneeStart);
+  params.push_back(DecodePQ(kneeStart) / referenceWhite);
+
+  for (const float weight : GetDestinationLuminanceWeights(settings.destinationColorSpace,
+                                                           settings.colorManagementSettings)) {
+    params.push_back(weight);
+  }
+}
+
+}  // namespace Quillon

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "base/SupportVector.h"
+#include "host/PX/ToneMappingUtils.h"
+
+namespace Quillon {
+
+/// Support parameters of BT.2446 method A (Report ITU-R BT.2446-1, clause 4):
+///   0  rho of the HDR peak
+///   1  rho of the SDR peak
+///   2  output scale
+///   3  SDR peak over reference white
+/// The settings' peak is the HDR peak in nits.
+void GetITU2446ASupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
+                              SupportVector& params);
+
+}  // namespace Quillon

@@ -1,0 +1,14 @@
+#include "tonemap/PqTransfer.h"
+
+namespace Quillon {
+
+namespace {
+constexpr int kSt2084Transfer = 16;  // ITU-T H.273, table 3
+}  // namespace
+
+const CHR::TransferFunction kPqSignalToLinear =
+    CHR::GetSignalToLinearTransferFn(kSt2084Transfer, 0);
+const CHR::TransferFunction kPqLinearToSignal =
+    CHR::GetLinearToSignalTransferFn(kSt2084Transfer, 0);
+
+}  // namespace Quillon

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "host/CHR/TransferFunctions.h"
+
+namespace Quillon {
+
+/// The process-wide SMPTE ST 2084 functions of the host, obtained when the library is loaded: PQ
+/// code value to nits and back. Empty when the host has none.
+extern const CHR::TransferFunction kPqSignalToLinear;
+extern const CHR::TransferFunction kPqLinearToSignal;
+
+}  // namespace Quillon

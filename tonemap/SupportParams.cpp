@@ -1,0 +1,57 @@
+#include "tonemap/SupportParams.h"
+
+#include <memory>
+
+#include "base/ResultCodes.h"
+#include "base/Trace.h"
+#include "host/CHR/Conversion.h"
+#include "host/IL/ColorConvertParams.h"
+#include "tonemap/Algorithms.h"
+#include "tonemap/HuePreservation.h"
+#include "tonemap/PeakLuminance.h"
+
+namespace Quillon {
+
+using orvmediatypes::color::ToneMapAlgorithmType;
+
+void GetToneMappingSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
+                                 SupportVector& params) {
+  settings.controls.version = PX::ToneMappingUtils::AdjustToneMapSettingsVersionForNCMVersionHandle(
+      settings.controls.version);
+  settings.controls.peak = AdjustedPeakBasedOnInputColorSpace(settings);
+
+  if (settings.algorithmType == ToneMapAlgorithmType::Automatic) {
+    GetHuePreservationSupportParams(settings, params);
+    return;
+  }
+  const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
+  if (algorithm == nullptr) {
+    TraceFailure([&](auto& message) {
+      message << "GetToneMappingSupportParams : Not implemented for input algorithms : "
+              << static_cast<int>(settings.algorithmType);
+    });
+    return;
+  }
+  algorithm->buildParams(settings, params);
+}
+
+int GetToneMappingSupportParamsSize(ToneMapAlgorithmType algorithmType) {
+  const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(algorithmType);
+  if (algorithm != nullptr) return algorithm->paramsSize;
+  TraceFailure([&](auto& message) {
+    message << "GetToneMappingSupportParamsSize : Invalid Tone Map Method Algorithm Type : "
+            << PX::ToneMappingUtils::GetLocalizedToneMappingMethodName(algorithmType, 1);
+  });
+  return kUnknownAlgorithmSize;
+}
+
+std::array<float, 3> GetDestinationLuminanceWeights(
+    const orvmediatypes::color::ColorSpace& destination,
+    const orvmediatypes::color::ColorManagementSettings& colorManagement) {
+  std::shared_ptr<IL::ColorConvertParams> params;
+  orvcore::utility::Guid identity;
+  CHR::GetColorConverterParamsForColorSpace(destination, true, colorManagement, params, identity);
+  return params != nullptr ? params->luminanceCoefficients : std::array<float, 3>{};
+}
+
+}  // namespace Quillon
