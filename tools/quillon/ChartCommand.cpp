@@ -1,0 +1,88 @@
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+
+#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/ChartScene.h"
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/Commands.h"
+#include "tools/quillon/Frames.h"
+#include "tools/quillon/LightLevels.h"
+#include "tools/quillon/io/WriteStill.h"
+
+using orvmediatypes::color::ColorDescription;
+using orvmediatypes::color::ColorSpace;
+
+namespace {
+
+constexpr int kWhite = 203;
+
+struct ChartOptions {
+  std::filesystem::path output;
+  int width = 1920;
+  int height = 1080;
+  bool overwrite = false;
+};
+
+void ParseSize(const std::string& text, ChartOptions& options) {
+  constexpr int kLargestSide = 16384;
+  const auto read = [&](std::string_view part, int& side) {
+    const auto [rest, error] = std::from_chars(part.data(), part.data() + part.size(), side);
+    return error == std::errc() && rest == part.data() + part.size() && side >= 1 &&
+           side <= kLargestSide;
+  };
+  const std::string_view view = text;
+  const std::size_t cross = view.find('x');
+  if (cross == std::string_view::npos || !read(view.substr(0, cross), options.width) ||
+      !read(view.substr(cross + 1), options.height)) {
+    throw CLI::ValidationError("--size", "'" + text + "' is not a size such as 1920x1080");
+  }
+}
+
+/// BT.2100 PQ with the mastering display that the scene is made for.
+ColorSpace ChartPQ() {
+  ColorDescription description = ColorSpaceOfName("bt2100-pq");
+  if (const auto primaries = H273::ChromaticitiesOf(ColorSpace(description))) {
+    description.masteringChromaticities = *primaries;
+  }
+  description.masteringMaxLuminance = static_cast<float>(kChartPeakNits);
+  description.masteringMinLuminance = 0.0001F;
+  return ColorSpace(description);
+}
+
+void RunChart(const ChartOptions& options) {
+  CheckStillTarget(options.output, options.overwrite);
+  const PX::VideoFrameRef scene = RenderChart(options.width, options.height, kWhite);
+  const LightLevels levels = MeasureLightLevels(scene, kWhite);
+
+  StillOutput output;
+  output.frame = ConvertToFloat(scene, ChartPQ(), kWhite);
+  output.settings = ColorManagementFor(kWhite);
+  output.light = {static_cast<float>(levels.peakNits), static_cast<float>(levels.averageNits)};
+  output.overwrite = options.overwrite;
+  WriteStill(output, options.output);
+  std::cout << options.output.string() << ": HDR chart, " << options.width << 'x' << options.height
+            << ", BT.2020, peak " << levels.peakNits << " nits, average " << levels.averageNits
+            << " nits\n";
+}
+
+}  // namespace
+
+Subcommand AddChartCommand(CLI::App& app) {
+  const auto options = std::make_shared<ChartOptions>();
+  CLI::App& chart = *app.add_subcommand("chart", "Write a synthetic HDR picture to try mapping on");
+  chart
+      .add_option(
+          "OUTPUT", options->output,
+          "Picture to write: EXR (linear light, 1.0 = 203 nits), or PNG or AVIF (BT.2100 PQ)")
+      ->required();
+  chart
+      .add_option_function<std::string>(
+          "--size", [options](const std::string& text) { ParseSize(text, *options); },
+          "Width and height in pixels (1920x1080 when not given)")
+      ->type_name("WxH");
+  chart.add_flag("--overwrite", options->overwrite, "Replace an output that exists");
+  return [options] { RunChart(*options); };
+}

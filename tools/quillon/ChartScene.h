@@ -1,0 +1,11 @@
+#pragma once
+
+#include "host/PX/IVideoFrame.h"
+
+/// Peak of the chart's scene in nits.
+inline constexpr double kChartPeakNits = 4000.0;
+
+/// Renders a synthetic HDR scene as a float BGRA frame in linear BT.2020 light whose 1.0 is `white`
+/// nits: a grey ramp evenly spaced in PQ, flat patches of known luminance, saturated ramps and a
+/// hue sweep out to the BT.2020 boundary, a highlight with a saturated glow, and a dark corner.
+PX::VideoFrameRef RenderChart(int width, int height, int white);

@@ -1,0 +1,110 @@
+#include "tools/quillon/ColorSpaceNames.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+
+#include "tools/quillon/ExitCodes.h"
+
+using orvmediatypes::color::ColorDescription;
+
+namespace {
+
+struct NamedSpace {
+  std::string_view name;
+  std::string_view alias;  // FFmpeg's name; empty where it has none
+  std::string_view title;
+  std::uint8_t primaries;
+  std::uint8_t transfer;
+  std::uint8_t matrix;
+};
+
+constexpr std::array<NamedSpace, 6> kSpaces = {{
+    {"srgb", "iec61966-2-1", "sRGB", 1, 13, 1},
+    {"bt709", "", "BT.709", 1, 1, 1},
+    {"p3-d65", "smpte432", "P3-D65 with the sRGB curve", 12, 13, 1},
+    {"bt2020", "bt2020-10", "BT.2020", 9, 14, 9},
+    {"bt2100-pq", "smpte2084", "BT.2100 PQ", 9, 16, 9},
+    {"bt2100-hlg", "arib-std-b67", "BT.2100 HLG", 9, 18, 9},
+}};
+
+std::string_view TransferTitle(std::uint8_t transfer) {
+  switch (transfer) {
+    case 8:
+      return "linear light";
+    case 16:
+      return "PQ";
+    case 18:
+      return "HLG";
+    default:
+      return "";
+  }
+}
+
+/// Primaries, transfer, matrix.
+using CodePoints = std::array<std::uint8_t, 3>;
+
+ColorDescription Description(const CodePoints& points) {
+  ColorDescription description;
+  description.primaries = points[0];
+  description.transfer = points[1];
+  description.matrix = points[2];
+  return description;
+}
+
+std::optional<CodePoints> ParseCodePoints(std::string_view text) {
+  CodePoints points{};
+  const char* next = text.data();
+  const char* const end = next + text.size();
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (i > 0 && (next == end || *next++ != '/')) return std::nullopt;
+    const auto [rest, error] = std::from_chars(next, end, points[i]);
+    if (error != std::errc()) return std::nullopt;
+    next = rest;
+  }
+  return next == end ? std::optional(points) : std::nullopt;
+}
+
+}  // namespace
+
+ColorDescription ColorSpaceOfName(std::string_view name) {
+  const auto* found = std::find_if(kSpaces.begin(), kSpaces.end(), [&](const NamedSpace& space) {
+    return space.name == name || (!space.alias.empty() && space.alias == name);
+  });
+  if (found == kSpaces.end()) {
+    throw CommandError(ExitCode::Usage, "'" + std::string(name) +
+                                            "' is no colour space known here; known are " +
+                                            ColorSpaceNames());
+  }
+  return Description({found->primaries, found->transfer, found->matrix});
+}
+
+std::string ColorSpaceNames() {
+  std::string names;
+  for (const NamedSpace& space : kSpaces) {
+    if (!names.empty()) names += ' ';
+    names += space.name;
+  }
+  return names;
+}
+
+ColorDescription ColorSpaceOfCicp(std::string_view text) {
+  if (const auto points = ParseCodePoints(text)) return Description(*points);
+  throw CommandError(ExitCode::Usage,
+                     "'" + std::string(text) + "' is not three code points P/T/M such as 9/16/9");
+}
+
+std::string DescribeColorSpace(const ColorDescription& description) {
+  std::string title(TransferTitle(description.transfer));
+  for (const NamedSpace& space : kSpaces) {
+    if (space.primaries == description.primaries && space.transfer == description.transfer) {
+      title = space.title;
+    }
+  }
+  const std::string points = "CICP " + std::to_string(description.primaries) + '/' +
+                             std::to_string(description.transfer) + '/' +
+                             std::to_string(description.matrix);
+  return title.empty() ? points : title + " (" + points + ')';
+}

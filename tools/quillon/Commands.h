@@ -1,0 +1,13 @@
+#pragma once
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+/// Each adds its subcommand with its options to the command line and returns what to run once the
+/// command line has been read. What runs throws CommandError, StillError or a host's exception.
+using Subcommand = std::function<void()>;
+Subcommand AddMapCommand(CLI::App& app);
+Subcommand AddChartCommand(CLI::App& app);

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <ostream>
+
+#include "tools/quillon/MapPlan.h"
+
+/// Writes everything that was resolved for a picture: colour spaces, peaks in nits and in linear
+/// light, white, algorithm and knee after the automatic choice, and the curve's support parameters
+/// by name.
+void ExplainPlan(std::ostream& out, const MapPlan& plan);

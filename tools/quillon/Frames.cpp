@@ -1,0 +1,51 @@
+#include "tools/quillon/Frames.h"
+
+#include <cstdint>
+
+#include "host/KS/CreateFrames.h"
+#include "host/KS/FrameInterfaces.h"
+#include "host/KS/FrameManipulators.h"
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/ExitCodes.h"
+
+using orvmediatypes::color::ColorManagementSettings;
+using orvmediatypes::color::ColorSpace;
+
+namespace {
+constexpr orvmediatypes::RenderQuality kQuality = 4;
+}
+
+ColorManagementSettings ColorManagementFor(int white) {
+  return ColorManagementSettings(static_cast<orvmediatypes::color::GraphicsWhiteLuminance>(white));
+}
+
+PX::VideoFrameRef MakeFloatFrame(int width, int height, const ColorSpace& colorSpace) {
+  PX::VideoFrameRef frame;
+  if (KS::CreateVideoFrame(frame, orvmediatypes::kLinearFloatBGRA, width, height, {}, colorSpace,
+                           false, false) < 0) {
+    throw CommandError(ExitCode::NotSupported, "no frame of " + std::to_string(width) + "x" +
+                                                   std::to_string(height) + " can be made");
+  }
+  return frame;
+}
+
+PX::VideoFrameRef ConvertToFloat(const PX::VideoFrameRef& frame, const ColorSpace& colorSpace,
+                                 int white) {
+  const orvcore::geom::Bounds bounds = frame->GetBounds();
+  PX::VideoFrameRef converted = MakeFloatFrame(bounds.width, bounds.height, colorSpace);
+  if (KS::VideoFrameManipulators::CopyFrame(frame, converted, kQuality, ColorManagementFor(white)) <
+      0) {
+    throw CommandError(ExitCode::NotSupported,
+                       "no conversion from " +
+                           DescribeColorSpace(frame->GetColorSpace().Description()) + " to " +
+                           DescribeColorSpace(colorSpace.Description()));
+  }
+  return converted;
+}
+
+FloatPixels ViewFloatPixels(const PX::VideoFrameRef& frame) {
+  const auto memory = orvcore::classref::InterfaceCast<KS::IVideoFrameMemoryAccess>(frame);
+  const orvcore::geom::Bounds bounds = frame->GetBounds();
+  return {static_cast<float*>(memory->GetData()), bounds.width, bounds.height,
+          memory->GetRowBytes() / static_cast<std::ptrdiff_t>(sizeof(float))};
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+
+#include "host/PX/IVideoFrame.h"
+#include "host/orvmediatypes/ColorManagementSettings.h"
+
+/// Colour-management settings with graphics white at a whole number of nits.
+orvmediatypes::color::ColorManagementSettings ColorManagementFor(int white);
+
+/// A new float BGRA frame in system memory, contents undefined. Throws CommandError.
+PX::VideoFrameRef MakeFloatFrame(int width, int height,
+                                 const orvmediatypes::color::ColorSpace& colorSpace);
+
+/// The frame as a new float BGRA frame in another colour space. Throws CommandError.
+PX::VideoFrameRef ConvertToFloat(const PX::VideoFrameRef& frame,
+                                 const orvmediatypes::color::ColorSpace& colorSpace, int white);
+
+/// The pixels of a float BGRA frame, valid while the frame lives.
+struct FloatPixels {
+  float* first = nullptr;
+  int width = 0;
+  int height = 0;
+  std::ptrdiff_t stride = 0;  // in floats
+
+  float* Row(int y) const { return first + y * stride; }
+};
+FloatPixels ViewFloatPixels(const PX::VideoFrameRef& frame);

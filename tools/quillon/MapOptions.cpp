@@ -1,0 +1,43 @@
+#include "tools/quillon/MapOptions.h"
+
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/ExitCodes.h"
+
+using orvmediatypes::color::ToneMapAlgorithmType;
+
+namespace {
+
+constexpr std::uint8_t kTransferPQ = 16;
+constexpr std::uint8_t kTransferHLG = 18;
+
+void Refuse(bool condition, const std::string& sentence) {
+  if (condition) throw CommandError(ExitCode::Usage, sentence);
+}
+
+void CheckToneMapOptions(const MapOptions& options) {
+  const bool none = options.algorithm == ToneMapAlgorithmType::None;
+  const char* const noEffect = " has no effect with --algorithm none; leave it out";
+  Refuse(none && options.peakSource != PeakSource::Default, std::string("--peak") + noEffect);
+  Refuse(none && options.gain.has_value(), std::string("--gain") + noEffect);
+  Refuse(none && options.colorPreservation.has_value(), std::string("--preserve") + noEffect);
+
+  const bool hasKnee = options.algorithm == ToneMapAlgorithmType::HuePreservationDesaturation ||
+                       options.algorithm == ToneMapAlgorithmType::CARToneCurve;
+  Refuse(options.knee.has_value() && options.algorithm == ToneMapAlgorithmType::Automatic,
+         "--knee has no effect with --algorithm auto, which chooses the knee itself; add "
+         "--algorithm hue");
+  Refuse(options.knee.has_value() && !hasKnee,
+         "--knee has no effect with this algorithm; it belongs to hue and car");
+}
+
+}  // namespace
+
+void CheckMapOptions(const MapOptions& options) {
+  CheckToneMapOptions(options);
+  const bool hdr =
+      options.destination.transfer == kTransferPQ || options.destination.transfer == kTransferHLG;
+  Refuse(options.targetPeakNits.has_value() && !hdr,
+         "--target-peak is for PQ and HLG destinations; an SDR destination's 1.0 is the white of "
+         "--white (" +
+             std::to_string(options.white) + " nits)");
+}

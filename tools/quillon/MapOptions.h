@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "host/orvmediatypes/AlgorithmTypes.h"
+#include "host/orvmediatypes/ColorSpace.h"
+
+/// Where the source peak comes from.
+enum class PeakSource { Default, Number, Metadata, Measure };
+
+/// What `quillon map` was asked for, each value checked on its own.
+struct MapOptions {
+  std::filesystem::path input;
+  std::filesystem::path output;
+  orvmediatypes::color::ColorDescription destination;
+  /// Overrides the input's own tags; range and chroma location stay those of the input.
+  std::optional<orvmediatypes::color::ColorDescription> source;
+  /// Whether `source` tells the YCbCr matrix too; else the input's own matrix stays.
+  bool sourceTellsMatrix = false;
+  PeakSource peakSource = PeakSource::Default;
+  double peakNits = 0.0;  ///< where `peakSource` is `Number`
+  std::optional<int> targetPeakNits;
+  int white = 203;
+  orvmediatypes::color::ToneMapAlgorithmType algorithm =
+      orvmediatypes::color::ToneMapAlgorithmType::Automatic;
+  orvmediatypes::color::GamutCompressionAlgorithmType gamut =
+      orvmediatypes::color::GamutCompressionAlgorithmType::None;
+  std::optional<float> knee;
+  std::optional<float> gain;
+  std::optional<float> colorPreservation;
+  std::optional<int> depth;
+  std::optional<int> threads;
+  bool explain = false;
+  bool overwrite = false;
+  bool quiet = false;
+};
+
+/// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
+void CheckMapOptions(const MapOptions& options);

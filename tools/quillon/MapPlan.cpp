@@ -1,0 +1,122 @@
+#include "tools/quillon/MapPlan.h"
+
+#include <array>
+#include <cmath>
+
+#include "host/CHR/Applicability.h"
+#include "host/CHR/Conversion.h"
+#include "host/PX/ColorSpaceUtils.h"
+#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/Frames.h"
+#include "tools/quillon/SourcePeak.h"
+
+using orvmediatypes::color::ColorDescription;
+using orvmediatypes::color::ColorSpace;
+using PX::ToneMappingUtils::ToneMapSettings;
+
+namespace {
+
+ColorDescription TaggedSource(const MapOptions& options, const Still& still) {
+  const ColorDescription file = still.frame->GetColorSpace().Description();
+  if (!options.source.has_value()) return file;
+  ColorDescription tagged = file;
+  tagged.primaries = options.source->primaries;
+  tagged.transfer = options.source->transfer;
+  tagged.chromaticities = {};
+  const bool fileTellsMatrix = file.matrix != 0 && file.matrix != H273::kUnspecified;
+  if (options.sourceTellsMatrix || !fileTellsMatrix) tagged.matrix = options.source->matrix;
+  return tagged;
+}
+
+void RequireTags(const MapOptions& options, const ColorDescription& tagged) {
+  const bool knowsTransfer = tagged.transfer != 0 && tagged.transfer != H273::kUnspecified;
+  if (knowsTransfer && H273::ChromaticitiesOf(ColorSpace(tagged)).has_value()) return;
+  throw CommandError(ExitCode::CannotRead,
+                     options.input.string() + " does not say which colour space it is in (" +
+                         DescribeColorSpace(tagged) + "); tell with --from NAME (" +
+                         ColorSpaceNames() + ") or --from-cicp P/T/M");
+}
+
+/// The colour space that the engine works from. Scene-linear and PQ pictures are mapped in BT.2020
+/// primaries whatever their container, so that one colour maps alike from every file.
+ColorSpace EngineSource(const ColorDescription& tagged) {
+  ColorDescription source;
+  source.transfer = tagged.transfer;
+  source.primaries = tagged.primaries;
+  source.chromaticities = tagged.chromaticities;
+  if (tagged.transfer == H273::kTransferLinear || tagged.transfer == H273::kTransferPQ) {
+    source.primaries = H273::kPrimariesBT2020;
+    source.chromaticities = {};
+  }
+  return ColorSpace(source);
+}
+
+ColorSpace EngineDestination(const MapOptions& options) {
+  ColorDescription destination = options.destination;
+  destination.peakLuminance = options.targetPeakNits.value_or(0);
+  return ColorSpace(destination);
+}
+
+/// The peak as a signal value of the source.
+float EncodePeak(const SourcePeak& peak, const ColorSpace& source, int white) {
+  const auto linear = static_cast<float>(peak.nits / white);
+  std::array<float, 4> pixel = {linear, linear, linear, 1.0F};
+  const int result = CHR::ConvertFrame(
+      pixel.data(), pixel.data(), 1, 1, CHR::ORVColorSpaceToEquivalentLinearColorSpace(source),
+      orvmediatypes::kLinearFloatBGRA, sizeof(pixel), source, orvmediatypes::kLinearFloatBGRA,
+      sizeof(pixel), ColorManagementFor(white));
+  if (result < 0 || !std::isfinite(pixel[0])) {
+    throw CommandError(ExitCode::NotSupported, "a peak of " + std::to_string(peak.nits) +
+                                                   " nits cannot be expressed in " +
+                                                   DescribeColorSpace(source.Description()));
+  }
+  return pixel[0];
+}
+
+ToneMapSettings ToneMapSettingsFor(const MapOptions& options, const ColorSpace& source,
+                                   const SourcePeak& peak) {
+  ToneMapSettings settings;
+  settings.sourceColorSpace = source;
+  settings.destinationColorSpace = EngineDestination(options);
+  settings.colorManagementSettings = ColorManagementFor(options.white);
+  settings.controls.peak = EncodePeak(peak, source, options.white);
+  settings.controls.peakGain = options.gain.value_or(settings.controls.peakGain);
+  settings.controls.colorPreservation =
+      options.colorPreservation.value_or(settings.controls.colorPreservation);
+  settings.knee = options.knee.value_or(settings.knee);
+  settings.algorithmType = options.algorithm;
+  return settings;
+}
+
+double DestinationPeakNits(const ColorSpace& destination, int white) {
+  const int nits = PX::ColorSpaceUtils::GetPeakLuminance(destination);
+  return nits > 0 ? nits : white;
+}
+
+}  // namespace
+
+MapPlan PlanMap(const MapOptions& options, const Still& still) {
+  MapPlan plan;
+  plan.white = options.white;
+  plan.taggedSource = TaggedSource(options, still);
+  RequireTags(options, plan.taggedSource);
+
+  const PX::VideoFrameRef& picture = still.frame;
+  picture->SetColorSpace(ColorSpace(plan.taggedSource));
+  const ColorSpace source = EngineSource(plan.taggedSource);
+  plan.source = ConvertToFloat(picture, source, options.white);
+
+  const SourcePeak peak = ChooseSourcePeak(options, still, plan.taggedSource, plan.source);
+  plan.sourcePeakNits = peak.nits;
+  plan.peakOrigin = peak.origin;
+
+  plan.settings.algorithmType = options.gamut;
+  plan.settings.toneMapSettings = ToneMapSettingsFor(options, source, peak);
+  plan.destinationPeakNits =
+      DestinationPeakNits(plan.settings.toneMapSettings.destinationColorSpace, options.white);
+  plan.toneMapApplies = CHR::IsToneMappingApplicable(plan.settings.toneMapSettings);
+  plan.gamutApplies = CHR::IsGamutCompressionApplicable(plan.settings);
+  return plan;
+}

@@ -1,0 +1,83 @@
+#include "tools/quillon/MapStill.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "engine/Quillon.h"
+#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/EngineMessages.h"
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/Explain.h"
+#include "tools/quillon/Frames.h"
+#include "tools/quillon/LightLevels.h"
+#include "tools/quillon/MapPlan.h"
+#include "tools/quillon/io/WriteStill.h"
+
+namespace {
+
+std::string HexCode(int code) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<std::uint32_t>(code));
+  return text;
+}
+
+PX::VideoFrameRef ApplyPlan(const MapPlan& plan) {
+  const FloatPixels pixels = ViewFloatPixels(plan.source);
+  PX::VideoFrameRef destination = MakeFloatFrame(
+      pixels.width, pixels.height, plan.settings.toneMapSettings.destinationColorSpace);
+
+  const EngineMessages messages;
+  const int result = Quillon::ApplyGamutMapping(plan.source, plan.settings, destination);
+  if (result < 0) {
+    const std::string said = messages.Joined();
+    throw CommandError(ExitCode::EngineRefused, "the engine refused with " + HexCode(result) +
+                                                    (said.empty() ? "" : ": " + said));
+  }
+  return destination;
+}
+
+/// A PQ file tells the light levels that it now has; other files carry none.
+ContentLight LightOfResult(const PX::VideoFrameRef& result, int white) {
+  if (result->GetColorSpace().Description().transfer != H273::kTransferPQ) return {};
+  const LightLevels levels = MeasureLightLevels(result, white);
+  return {static_cast<float>(levels.peakNits), static_cast<float>(levels.averageNits)};
+}
+
+void Summarise(std::ostream& out, const MapOptions& options, const MapPlan& plan) {
+  out << options.input.string() << " -> " << options.output.string() << ": "
+      << DescribeColorSpace(plan.taggedSource) << ", peak " << plan.sourcePeakNits << " nits ("
+      << plan.peakOrigin << ") to " << DescribeColorSpace(options.destination) << ", peak "
+      << plan.destinationPeakNits << " nits\n";
+}
+
+void NoteOptionsWithoutEffect(std::ostream& notes, const MapOptions& options, const MapPlan& plan) {
+  if (plan.toneMapApplies) return;
+  if (!options.gain && !options.knee && !options.colorPreservation) return;
+  notes << "note: the source peak (" << plan.sourcePeakNits
+        << " nits), with its gain, is not above the destination's (" << plan.destinationPeakNits
+        << " nits): nothing is tone mapped, and --gain, --knee and --preserve have no effect\n";
+}
+
+}  // namespace
+
+void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes) {
+  CheckStillTarget(options.output, options.overwrite);
+  const Still still = ReadStill(options.input);
+  const MapPlan plan = PlanMap(options, still);
+  if (options.explain) ExplainPlan(out, plan);
+  if (!options.quiet) {
+    for (const std::string& remark : still.remarks) notes << "note: " << remark << '\n';
+    NoteOptionsWithoutEffect(notes, options, plan);
+  }
+
+  StillOutput output;
+  output.frame = ApplyPlan(plan);
+  output.settings = ColorManagementFor(options.white);
+  output.light = LightOfResult(output.frame, options.white);
+  output.depth = options.depth;
+  output.overwrite = options.overwrite;
+  WriteStill(output, options.output);
+  if (!options.quiet && !options.explain) Summarise(out, options, plan);
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+/// What the outermost boxes of an ISO base media file (ISO/IEC 14496-12, 4.2) say without decoding.
+struct AvifBoxes {
+  /// Every box lies within the file, and the last one ends with it.
+  bool complete = false;
+  /// The file type names the brand of pictures with a gain map ("tmap", ISO 21496-1).
+  bool hasGainMap = false;
+};
+
+AvifBoxes ScanAvifBoxes(std::span<const std::uint8_t> file);

@@ -1,0 +1,39 @@
+#include <utility>
+#include <vector>
+
+#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/io/ColorTags.h"
+#include "tools/quillon/io/FramePixels.h"
+#include "tools/quillon/io/RadianceHeader.h"
+#include "tools/quillon/io/RadiancePixels.h"
+#include "tools/quillon/io/StillReaders.h"
+
+Still ReadRadiance(const StillSource& source) {
+  RadianceHeader header = ParseRadianceHeader(source);
+  orvmediatypes::color::ColorDescription description =
+      RgbDescription(H273::kPrimariesBT709, H273::kTransferLinear);
+  if (header.primaries && !SetPrimaries(description, *header.primaries)) {
+    header.remarks.emplace_back("the PRIMARIES line describes no colours and was ignored");
+  }
+  Still still;
+  still.frame = MakeFrame(source, orvmediatypes::kLinearFloatBGRA, header.width, header.height,
+                          orvmediatypes::color::ColorSpace(description));
+  still.remarks = std::move(header.remarks);
+  const auto [redScale, greenScale, blueScale] = header.scale;
+
+  const FramePixels pixels = PixelsOf(still.frame);
+  RadianceScanlines scanlines(source, header.pixelOffset);
+  std::vector<Rgbe> row(static_cast<std::size_t>(header.width));
+  for (int y = 0; y < pixels.height; ++y) {
+    scanlines.ReadRow(row);
+    float* to = pixels.Row<float>(y);
+    for (const Rgbe& pixel : row) {
+      const float unit = pixel.Unit();
+      *to++ = static_cast<float>(pixel.blue) * unit / static_cast<float>(blueScale);
+      *to++ = static_cast<float>(pixel.green) * unit / static_cast<float>(greenScale);
+      *to++ = static_cast<float>(pixel.red) * unit / static_cast<float>(redScale);
+      *to++ = 1.0F;
+    }
+  }
+  return still;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/PX/IVideoFrame.h"
+
+/// Content light levels (CTA-861.3) in nits; 0: not given.
+struct ContentLight {
+  float maxCLL = 0.0F;
+  float maxFALL = 0.0F;
+  friend bool operator==(const ContentLight&, const ContentLight&) = default;
+};
+
+/// A still picture as a file gives it.
+struct Still {
+  /// In system memory, alpha 1 throughout. EXR, Radiance and narrow-range RGB come as float BGRA,
+  /// PNG as 8-bit or 16-bit BGRA, AVIF as planar YCbCr of its own depth and chroma format (4:0:0 as
+  /// 4:2:0 with neutral chroma) or, where it holds RGB or is to be turned, as float BGRA.
+  ///
+  /// The colour space is what the file says: primaries and transfer are 0 where it says nothing,
+  /// and then the matrix, range and chroma location of YCbCr samples are still given. Primaries
+  /// that have no H.273 code point are 2 with coordinates.
+  PX::VideoFrameRef frame;
+  ContentLight light;
+  /// Sentences for the user on what was left out or taken for granted.
+  std::vector<std::string> remarks;
+};
+
+/// Reads an EXR, Radiance HDR, PNG or AVIF file, told apart by its first bytes. At most 65535
+/// pixels wide and high and 2^28 pixels in all. Throws StillError.
+Still ReadStill(const std::filesystem::path& path);
