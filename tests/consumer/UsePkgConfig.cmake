@@ -1,0 +1,25 @@
+# Compiles the consumer together with every installed header by what pkg-config says, and runs it.
+set(ENV{PKG_CONFIG_PATH} ${INSTALLED}/${LIB_DIR}/pkgconfig)
+execute_process(
+  COMMAND ${PKG_CONFIG} --cflags --libs quillon
+  OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+separate_arguments(flags UNIX_COMMAND "${flags}")
+if(SANITIZE)
+  list(APPEND flags -fsanitize=${SANITIZE})
+endif()
+
+file(GLOB_RECURSE headers RELATIVE ${INSTALLED}/${INCLUDE_DIR}/quillon
+  ${INSTALLED}/${INCLUDE_DIR}/quillon/*.h)
+if(NOT headers)
+  message(FATAL_ERROR "no headers are installed")
+endif()
+list(TRANSFORM headers REPLACE "(.+)" "#include \"\\1\"\n")
+list(JOIN headers "" text)
+file(WRITE ${WORK_DIR}/all_headers.cpp "${text}")
+
+execute_process(
+  COMMAND ${CXX} -std=c++20 -Wall -Wextra -Wpedantic -Werror
+    ${PROJECT_DIR}/main.cpp ${WORK_DIR}/all_headers.cpp ${flags} -o ${WORK_DIR}/pkgconfig-consumer
+  COMMAND_ERROR_IS_FATAL ANY)
+set(ENV{LD_LIBRARY_PATH} ${INSTALLED}/${LIB_DIR})
+execute_process(COMMAND ${WORK_DIR}/pkgconfig-consumer COMMAND_ERROR_IS_FATAL ANY)

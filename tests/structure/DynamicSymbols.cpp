@@ -1,0 +1,36 @@
+#include "tests/structure/DynamicSymbols.h"
+
+#include <cstdio>
+#include <sstream>
+#include <stdexcept>
+
+namespace {
+
+std::string OutputOf(const std::string& command) {
+  FILE* pipe = popen(command.c_str(), "r");
+  if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
+  std::string output;
+  char buffer[4096];
+  while (const std::size_t got = fread(buffer, 1, sizeof buffer, pipe)) output.append(buffer, got);
+  if (pclose(pipe) != 0) throw std::runtime_error("failed: " + command);
+  return output;
+}
+
+}  // namespace
+
+std::vector<DynamicSymbol> ReadDynamicSymbols(const std::string& library) {
+  std::istringstream lines(OutputOf(QUILLON_NM " -D -C --defined-only '" + library + "'"));
+  std::vector<DynamicSymbol> symbols;
+  std::string line;
+  while (std::getline(lines, line)) {
+    // "<address> <type> <name>"; a demangled name has spaces of its own.
+    std::istringstream fields(line);
+    std::string address;
+    DynamicSymbol symbol;
+    if (!(fields >> address >> symbol.type >> std::ws) || !std::getline(fields, symbol.name)) {
+      throw std::runtime_error("not a line of nm: " + line);
+    }
+    symbols.push_back(symbol);
+  }
+  return symbols;
+}

@@ -1,0 +1,85 @@
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+#include <set>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "tests/structure/IncludeOrder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using ::testing::IsSupersetOf;
+
+/// A source tree of one file, gone with the object.
+class PlantedTree {
+ public:
+  PlantedTree(const std::string& file, const std::string& text) {
+    fs::create_directories((root_ / file).parent_path());
+    std::ofstream(root_ / file) << text;
+  }
+  ~PlantedTree() { fs::remove_all(root_); }
+  PlantedTree(const PlantedTree&) = delete;
+  PlantedTree& operator=(const PlantedTree&) = delete;
+
+  const fs::path& Root() const { return root_; }
+
+ private:
+  fs::path root_ = fs::temp_directory_path() / ("quillon-tree-" + std::to_string(getpid()));
+};
+
+bool AllRunDown(const fs::path& root) {
+  for (const Include& include : ReadIncludes(root)) {
+    if (!RunsDown(include)) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+TEST(IncludeOrder, RunsDownEverywhereInTheEngine) {
+  std::set<std::string> foldersRead;
+  for (const Include& include : ReadIncludes(QUILLON_SOURCE_DIR)) {
+    EXPECT_TRUE(RunsDown(include)) << include.file << " includes " << include.target;
+    foldersRead.insert(include.file.substr(0, include.file.find('/')));
+  }
+  EXPECT_THAT(foldersRead, IsSupersetOf({"engine", "cpu", "tonemap", "curves", "base", "host"}));
+}
+
+TEST(IncludeOrder, FindsAPlantedBackEdge) {
+  const PlantedTree tree("tonemap/deep/Planted.h",
+                         "#pragma once\n#include <vector>\n  #  include \"cpu/QuillonImpl.h\"\n");
+  EXPECT_FALSE(AllRunDown(tree.Root()));
+}
+
+TEST(IncludeOrder, FindsAPlantedIncludeOfTheReferenceHost) {
+  const PlantedTree tree("engine/Planted.cpp", "#include \"refhost/orvmediatypes/H273.h\"\n");
+  EXPECT_FALSE(AllRunDown(tree.Root()));
+}
+
+TEST(IncludeOrder, TakesAPlantedForwardEdge) {
+  const PlantedTree tree("engine/Planted.cpp",
+                         "#include \"host/KS/CreateFrames.h\"\n// #include \"refhost/X.h\"\n");
+  EXPECT_EQ(ReadIncludes(tree.Root()).size(), 1U);
+  EXPECT_TRUE(AllRunDown(tree.Root()));
+}
+
+TEST(IncludeOrder, IsTheStatedOne) {
+  EXPECT_TRUE(RunsDown({"gpu/A.cpp", "cpu/GamutCompression.h"}));
+  EXPECT_FALSE(RunsDown({"cpu/A.cpp", "gpu/KernelCache.h"}));
+  EXPECT_FALSE(RunsDown({"curves/A.h", "base/Trace.h"}));
+  EXPECT_FALSE(RunsDown({"base/A.h", "curves/Three.h"}));
+  EXPECT_FALSE(RunsDown({"host/A.h", "base/ResultCodes.h"}));
+  EXPECT_FALSE(RunsDown({"cpu/A.cpp", "kernels/ToneMapMain.h"}));
+  EXPECT_FALSE(RunsDown({"cpu/A.cpp", "tools/quillon/Frames.h"}));
+}
+
+TEST(IncludeOrder, RefusesIncludesNotWrittenFromTheRoot) {
+  EXPECT_FALSE(RunsDown({"cpu/A.cpp", "QuillonImpl.h"}));
+  EXPECT_FALSE(RunsDown({"cpu/A.cpp", "base/../engine/Quillon.h"}));
+}

@@ -1,0 +1,32 @@
+#include <algorithm>
+#include <type_traits>
+
+#include <gtest/gtest.h>
+
+#include "engine/Quillon.h"
+#include "tests/structure/DynamicSymbols.h"
+
+static_assert(std::is_same_v<decltype(&Quillon::ApplyGamutMapping),
+                             int (*)(const orvcore::classref::InterfaceRef<PX::IVideoFrame>&,
+                                     const PX::GamutMappingUtils::GamutMappingSettings&,
+                                     orvcore::classref::InterfaceRef<PX::IVideoFrame>&)>);
+
+TEST(OneExport, IsApplyGamutMapping) {
+  const std::vector<DynamicSymbol> symbols = ReadDynamicSymbols(QUILLON_LIBRARY);
+  for (const DynamicSymbol& symbol : symbols) {
+    EXPECT_EQ(symbol.name,
+              "Quillon::ApplyGamutMapping(orvcore::classref::InterfaceRef<PX::IVideoFrame> const&, "
+              "PX::GamutMappingUtils::GamutMappingSettings const&, "
+              "orvcore::classref::InterfaceRef<PX::IVideoFrame>&)");
+    EXPECT_EQ(symbol.type, 'T') << symbol.name;
+  }
+  EXPECT_EQ(symbols.size(), 1U);
+}
+
+TEST(OneExport, IsSoughtAmongAllDynamicSymbols) {
+  const std::vector<DynamicSymbol> symbols = ReadDynamicSymbols(QUILLON_ORVCORE_LIBRARY);
+  EXPECT_GT(symbols.size(), 1U);
+  EXPECT_TRUE(std::any_of(symbols.begin(), symbols.end(), [](const DynamicSymbol& symbol) {
+    return symbol.type == 'T' && symbol.name.starts_with("orvcore::debug::TraceEnabled(");
+  }));
+}
