@@ -7,6 +7,7 @@
 #include "refhost/chromant/PixelConverter.h"
 #include "refhost/chromant/PixelRows.h"
 #include "refhost/chromant/ResultCodes.h"
+#include "refhost/orvcore/Bands.h"
 
 using orvmediatypes::PixelFormat;
 using orvmediatypes::color::ColorManagementSettings;
@@ -18,6 +19,7 @@ namespace {
 
 /// Pixels converted at a time, on the stack.
 constexpr std::size_t kChunk = 256;
+constexpr int kBandRows = 32;
 
 bool HoldsRow(int rowBytes, int width, ComponentType type) {
   return rowBytes >= static_cast<std::int64_t>(width) * static_cast<int>(PixelBytes(type));
@@ -55,13 +57,18 @@ int ConvertFrame(const void* sourcePixels, void* destinationPixels, int width, i
   const auto converter = MakePixelConverter(sourceColorSpace, destinationColorSpace, settings);
   if (converter == nullptr) return kNotSupported;
 
+  const bool inPlace = sourcePixels == destinationPixels && *sourceType == *destinationType;
+  if (inPlace && converter->IsIdentity()) return 0;
+
   const auto* source = static_cast<const std::byte*>(sourcePixels);
   auto* destination = static_cast<std::byte*>(destinationPixels);
-  for (int row = 0; row < height; ++row) {
-    ConvertRow(*converter, source + static_cast<std::ptrdiff_t>(row) * sourceRowBytes, *sourceType,
-               destination + static_cast<std::ptrdiff_t>(row) * destinationRowBytes,
-               *destinationType, static_cast<std::size_t>(width));
-  }
+  orvcore::threads::RunInBands(height, kBandRows, [&](int first, int last) {
+    for (std::ptrdiff_t row = first; row < last; ++row) {
+      ConvertRow(*converter, source + row * sourceRowBytes, *sourceType,
+                 destination + row * destinationRowBytes, *destinationType,
+                 static_cast<std::size_t>(width));
+    }
+  });
   return 0;
 }
 

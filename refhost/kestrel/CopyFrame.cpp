@@ -1,9 +1,7 @@
-#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "host/KS/FrameManipulators.h"
-#include "host/orvcore/Threads.h"
 #include "refhost/chromant/PixelConverter.h"
 #include "refhost/kestrel/BandCopy.h"
 #include "refhost/kestrel/FrameView.h"
@@ -11,6 +9,7 @@
 #include "refhost/kestrel/PlaneCopy.h"
 #include "refhost/kestrel/ResultCodes.h"
 #include "refhost/kestrel/YCbCrCopy.h"
+#include "refhost/orvcore/Bands.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorManagementSettings;
@@ -18,8 +17,6 @@ using orvmediatypes::color::ColorManagementSettings;
 namespace KS::VideoFrameManipulators {
 
 namespace {
-
-constexpr int kMostBandsAtOnce = 16;
 
 /// Whether equal R'G'B' signals are equal colours, also where no one knows which colours.
 bool MeanTheSame(const ColorDescription& one, const ColorDescription& other) {
@@ -58,17 +55,9 @@ std::unique_ptr<const BandCopy> MakeBandCopy(const FrameView& source,
   return std::make_unique<InterleavedCopy>(source, destination, std::move(converter));
 }
 
-/// Bands are the picture's, not the machine's: what is in a row does not hang on threads.
 void RunBands(const BandCopy& copy, int height) {
-  const int bands = (height - 1) / kBandRows + 1;
-  const auto executor = orvcore::threads::CreateSubExecutor(
-      orvcore::threads::CreateCPUBoundExecutor(), std::min(bands, kMostBandsAtOnce));
-  for (int band = 0; band < bands; ++band) {
-    const int first = band * kBandRows;
-    const int last = first + std::min(kBandRows, height - first);
-    executor->Queue([&copy, first, last] { copy.CopyRows(first, last); }, 0);
-  }
-  executor->WaitForAll();
+  orvcore::threads::RunInBands(height, kBandRows,
+                               [&copy](int first, int last) { copy.CopyRows(first, last); });
 }
 
 /// A frame of its own with the same samples.

@@ -46,7 +46,7 @@ int CreateVideoFrame(PX::VideoFrameRef& frame, orvmediatypes::PixelFormat format
                                                .height = height,
                                                .aspect = aspect,
                                                .colorSpace = colorSpace});
-  if (result == 0 && clear) Clear(frame, *DescribeFormat(format));
+  if (result == 0 && clear) Clear(frame, DescribeFormat(format).value());
   return result;
 }
 

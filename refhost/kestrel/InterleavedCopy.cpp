@@ -28,7 +28,7 @@ InterleavedCopy::InterleavedCopy(const FrameView& source, const FrameView& desti
 
 void InterleavedCopy::CopyRows(int first, int last) const {
   constexpr std::size_t kChunk = 256;
-  std::array<float, 4 * kChunk> pixels;
+  std::array<float, 4 * kChunk> pixels{};
   const auto width = static_cast<std::size_t>(source_.width);
   for (int row = first; row < last; ++row) {
     const std::byte* from = source_.Row(0, row);

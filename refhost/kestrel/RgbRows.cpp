@@ -10,7 +10,7 @@ namespace {
 
 /// Pixels worked on at a time, on the stack.
 constexpr int kChunk = 256;
-using Pixels = std::array<float, 4 * kChunk>;
+using Pixels = std::array<float, std::size_t{4} * kChunk>;
 
 struct RgbRow {
   float* red;
@@ -61,7 +61,7 @@ void Convert(const CHR::PixelConverter* converter, Pixels& pixels, int count) {
 void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter* converter,
               CHR::ComponentType type, std::byte* stored) {
   const RgbRow from = RowOf(rgb, row);
-  Pixels pixels;
+  Pixels pixels{};
   for (int first = 0; first < width; first += kChunk) {
     const int count = std::min(kChunk, width - first);
     Interleave(from, first, count, pixels.data());
@@ -74,7 +74,7 @@ void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConve
 void LoadRow(const std::byte* stored, CHR::ComponentType type, const CHR::PixelConverter* converter,
              int width, const PlanarBuffer& rgb, int row) {
   const RgbRow to = RowOf(rgb, row);
-  Pixels pixels;
+  Pixels pixels{};
   for (int first = 0; first < width; first += kChunk) {
     const int count = std::min(kChunk, width - first);
     CHR::LoadPixels(type, stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type),
@@ -87,7 +87,7 @@ void LoadRow(const std::byte* stored, CHR::ComponentType type, const CHR::PixelC
 
 void ConvertRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter& converter) {
   const RgbRow planes = RowOf(rgb, row);
-  Pixels pixels;
+  Pixels pixels{};
   for (int first = 0; first < width; first += kChunk) {
     const int count = std::min(kChunk, width - first);
     Interleave(planes, first, count, pixels.data());

@@ -147,7 +147,7 @@ class FrameBlock final : public orvcore::classref::ControlBlock {
     frame_.emplace(std::forward<Arguments>(arguments)...);
   }
 
-  SystemFrame* Frame() { return &*frame_; }
+  SystemFrame* Frame() { return frame_.has_value() ? &*frame_ : nullptr; }
   void DisposeObject() noexcept override { frame_.reset(); }
   void DestroyBlock() noexcept override { const std::unique_ptr<FrameBlock> self(this); }
 
@@ -161,15 +161,15 @@ bool AttachMemory(const SystemFrameLayout& layout, int planeCount, Planes& plane
                   std::unique_ptr<orvcore::allocator::RecycledMemory>& memory) {
   const auto block = LayOutBlock(planes);
   if (!block.has_value()) return false;
-  if (!layout.borrowed.has_value()) {
+  const auto count = static_cast<std::size_t>(planeCount);
+  if (layout.borrowed.has_value()) {
+    for (std::size_t i = 0; i < count; ++i) planes[i].data = layout.borrowed->planes[i];
+  } else {
     memory = std::make_unique<orvcore::allocator::RecycledMemory>(block->bytes);
+    for (std::size_t i = 0; i < count; ++i) planes[i].data = memory->Data() + block->offsets[i];
   }
-  for (std::size_t i = 0; i < static_cast<std::size_t>(planeCount); ++i) {
-    planes[i].data = memory != nullptr ? memory->Data() + block->offsets[i]  //
-                                       : layout.borrowed->planes[i];
-    if (planes[i].data == nullptr) return false;
-  }
-  return true;
+  return std::all_of(planes.begin(), planes.begin() + planeCount,
+                     [](const Plane& plane) { return plane.data != nullptr; });
 }
 
 }  // namespace

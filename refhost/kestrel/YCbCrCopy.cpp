@@ -40,9 +40,9 @@ int PictureRow(const FrameView& frame, int row) { return std::min(row, frame.hei
 
 class YCbCrToInterleaved final : public BandCopy {
  public:
-  YCbCrToInterleaved(YCbCrSide source, const FrameView& destination, const RowWindow& window,
+  YCbCrToInterleaved(const YCbCrSide& source, const FrameView& destination, const RowWindow& window,
                      Graph toRgb, Converter converter)
-      : source_(std::move(source)),
+      : source_(source),
         destination_(destination),
         window_(window),
         toRgb_(std::move(toRgb)),
@@ -71,10 +71,10 @@ class YCbCrToInterleaved final : public BandCopy {
 
 class InterleavedToYCbCr final : public BandCopy {
  public:
-  InterleavedToYCbCr(const FrameView& source, YCbCrSide destination, const RowWindow& window,
+  InterleavedToYCbCr(const FrameView& source, const YCbCrSide& destination, const RowWindow& window,
                      Graph fromRgb, Converter converter)
       : source_(source),
-        destination_(std::move(destination)),
+        destination_(destination),
         window_(window),
         fromRgb_(std::move(fromRgb)),
         converter_(std::move(converter)) {}
@@ -103,11 +103,9 @@ class InterleavedToYCbCr final : public BandCopy {
 /// The same colours on both sides.
 class YCbCrToYCbCr final : public BandCopy {
  public:
-  YCbCrToYCbCr(YCbCrSide source, YCbCrSide destination, const RowWindow& window, Graph direct)
-      : source_(std::move(source)),
-        destination_(std::move(destination)),
-        window_(window),
-        direct_(std::move(direct)) {}
+  YCbCrToYCbCr(const YCbCrSide& source, const YCbCrSide& destination, const RowWindow& window,
+               Graph direct)
+      : source_(source), destination_(destination), window_(window), direct_(std::move(direct)) {}
 
   void CopyRows(int first, int last) const override {
     const PlanarBuffer from(source_.format);
@@ -127,10 +125,10 @@ class YCbCrToYCbCr final : public BandCopy {
 
 class ConvertedYCbCr final : public BandCopy {
  public:
-  ConvertedYCbCr(YCbCrSide source, YCbCrSide destination, const RowWindow& window, Graph toRgb,
-                 Graph fromRgb, Converter converter)
-      : source_(std::move(source)),
-        destination_(std::move(destination)),
+  ConvertedYCbCr(const YCbCrSide& source, const YCbCrSide& destination, const RowWindow& window,
+                 Graph toRgb, Graph fromRgb, Converter converter)
+      : source_(source),
+        destination_(destination),
         window_(window),
         toRgb_(std::move(toRgb)),
         fromRgb_(std::move(fromRgb)),
@@ -168,25 +166,55 @@ class ConvertedYCbCr final : public BandCopy {
   Converter converter_;
 };
 
-std::unique_ptr<const BandCopy> BetweenYCbCr(YCbCrSide source, YCbCrSide destination,
-                                             const RowWindow& window, Converter converter) {
-  if (converter == nullptr) {
-    // A matrix that derives from the primaries needs them on both sides, where they are the same.
-    auto& sourcePrimaries = source.format.color_primaries;
-    auto& destinationPrimaries = destination.format.color_primaries;
-    if (sourcePrimaries == ZIMG_PRIMARIES_UNSPECIFIED) sourcePrimaries = destinationPrimaries;
-    destinationPrimaries = sourcePrimaries;
-    Graph direct = ZimgGraph::Build(source.format, destination.format);
-    if (direct == nullptr) return nullptr;
-    return std::make_unique<YCbCrToYCbCr>(std::move(source), std::move(destination), window,
-                                          std::move(direct));
-  }
-  Graph toRgb = ZimgGraph::Build(source.format, FloatRgbLike(source.format));
-  Graph fromRgb = ZimgGraph::Build(FloatRgbLike(destination.format), destination.format);
+/// The same colours on both sides.
+std::unique_ptr<const BandCopy> MakeDirectCopy(YCbCrSide source, YCbCrSide destination,
+                                               const RowWindow& window) {
+  // A matrix that derives from the primaries needs them on both sides, where they are the same.
+  auto& sourcePrimaries = source.format.color_primaries;
+  auto& destinationPrimaries = destination.format.color_primaries;
+  if (sourcePrimaries == ZIMG_PRIMARIES_UNSPECIFIED) sourcePrimaries = destinationPrimaries;
+  destinationPrimaries = sourcePrimaries;
+  Graph direct = ZimgGraph::Build(source.format, destination.format);
+  if (direct == nullptr) return nullptr;
+  return std::make_unique<YCbCrToYCbCr>(source, destination, window, std::move(direct));
+}
+
+Graph BuildToRgb(const YCbCrSide& side) {
+  return ZimgGraph::Build(side.format, FloatRgbLike(side.format));
+}
+
+Graph BuildFromRgb(const YCbCrSide& side) {
+  return ZimgGraph::Build(FloatRgbLike(side.format), side.format);
+}
+
+std::unique_ptr<const BandCopy> MakeCopyToInterleaved(const YCbCrSide& source,
+                                                      const FrameView& destination,
+                                                      const RowWindow& window,
+                                                      Converter converter) {
+  Graph toRgb = BuildToRgb(source);
+  if (toRgb == nullptr) return nullptr;
+  return std::make_unique<YCbCrToInterleaved>(source, destination, window, std::move(toRgb),
+                                              std::move(converter));
+}
+
+std::unique_ptr<const BandCopy> MakeCopyFromInterleaved(const FrameView& source,
+                                                        const YCbCrSide& destination,
+                                                        const RowWindow& window,
+                                                        Converter converter) {
+  Graph fromRgb = BuildFromRgb(destination);
+  if (fromRgb == nullptr) return nullptr;
+  return std::make_unique<InterleavedToYCbCr>(source, destination, window, std::move(fromRgb),
+                                              std::move(converter));
+}
+
+std::unique_ptr<const BandCopy> MakeConvertedCopy(const YCbCrSide& source,
+                                                  const YCbCrSide& destination,
+                                                  const RowWindow& window, Converter converter) {
+  Graph toRgb = BuildToRgb(source);
+  Graph fromRgb = BuildFromRgb(destination);
   if (toRgb == nullptr || fromRgb == nullptr) return nullptr;
-  return std::make_unique<ConvertedYCbCr>(std::move(source), std::move(destination), window,
-                                          std::move(toRgb), std::move(fromRgb),
-                                          std::move(converter));
+  return std::make_unique<ConvertedYCbCr>(source, destination, window, std::move(toRgb),
+                                          std::move(fromRgb), std::move(converter));
 }
 
 }  // namespace
@@ -197,25 +225,20 @@ std::unique_ptr<const BandCopy> MakeYCbCrCopy(const FrameView& source,
                                               const ColorDescription& destinationColors,
                                               Converter converter) {
   const RowWindow window(source, destination);
-  std::optional<YCbCrSide> from;
-  std::optional<YCbCrSide> to;
-  if (source.info.IsYCbCr() && !(from = MakeSide(source, sourceColors, window))) return nullptr;
-  if (destination.info.IsYCbCr() && !(to = MakeSide(destination, destinationColors, window))) {
-    return nullptr;
+  if (!source.info.IsYCbCr()) {
+    const auto to = MakeSide(destination, destinationColors, window);
+    if (!to.has_value()) return nullptr;
+    return MakeCopyFromInterleaved(source, *to, window, std::move(converter));
   }
-  if (from.has_value() && to.has_value()) {
-    return BetweenYCbCr(*std::move(from), *std::move(to), window, std::move(converter));
+  const auto from = MakeSide(source, sourceColors, window);
+  if (!from.has_value()) return nullptr;
+  if (!destination.info.IsYCbCr()) {
+    return MakeCopyToInterleaved(*from, destination, window, std::move(converter));
   }
-  if (from.has_value()) {
-    Graph toRgb = ZimgGraph::Build(from->format, FloatRgbLike(from->format));
-    if (toRgb == nullptr) return nullptr;
-    return std::make_unique<YCbCrToInterleaved>(*std::move(from), destination, window,
-                                                std::move(toRgb), std::move(converter));
-  }
-  Graph fromRgb = ZimgGraph::Build(FloatRgbLike(to->format), to->format);
-  if (fromRgb == nullptr) return nullptr;
-  return std::make_unique<InterleavedToYCbCr>(source, *std::move(to), window, std::move(fromRgb),
-                                              std::move(converter));
+  const auto to = MakeSide(destination, destinationColors, window);
+  if (!to.has_value()) return nullptr;
+  if (converter == nullptr) return MakeDirectCopy(*from, *to, window);
+  return MakeConvertedCopy(*from, *to, window, std::move(converter));
 }
 
 }  // namespace KS

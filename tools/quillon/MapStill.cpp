@@ -52,6 +52,12 @@ void Summarise(std::ostream& out, const MapOptions& options, const MapPlan& plan
       << plan.destinationPeakNits << " nits\n";
 }
 
+void NoteOtherWhite(std::ostream& notes, const MapOptions& options, const Still& still) {
+  if (still.whiteNits <= 0.0F || still.whiteNits == static_cast<float>(options.white)) return;
+  notes << "note: the file says that its 1.0 is " << still.whiteNits << " nits; it is mapped as "
+        << options.white << " nits, which --white changes\n";
+}
+
 void NoteOptionsWithoutEffect(std::ostream& notes, const MapOptions& options, const MapPlan& plan) {
   if (plan.toneMapApplies) return;
   if (!options.gain && !options.knee && !options.colorPreservation) return;
@@ -69,6 +75,7 @@ void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes)
   if (options.explain) ExplainPlan(out, plan);
   if (!options.quiet) {
     for (const std::string& remark : still.remarks) notes << "note: " << remark << '\n';
+    NoteOtherWhite(notes, options, still);
     NoteOptionsWithoutEffect(notes, options, plan);
   }
 

@@ -9,6 +9,7 @@
 #include "refhost/chromant/HalfFloat.h"
 #include "tests/refhost/chromant/Samples.h"
 
+using orvmediatypes::kLinearFloatBGRA;
 using orvmediatypes::PixelFormat;
 using orvmediatypes::color::ColorSpace;
 
@@ -288,6 +289,24 @@ TEST(ConvertFrame, KeepsInfiniteGreyAndNaNToItsOwnPixel) {
             (Rgb{kInfinity, kInfinity, kInfinity}));
   EXPECT_TRUE(std::isnan(result[1][0]));
   EXPECT_EQ(result[2], (Rgb{0.0F, 0.0F, 0.0F}));
+}
+
+TEST(ConvertFrame, GivesATallFrameWhatItGivesEachOfItsRows) {
+  constexpr int kWidth = 3;
+  constexpr int kHeight = 101;
+  std::vector<float> frame;
+  for (int i = 0; i < kWidth * kHeight * 4; ++i) frame.push_back(static_cast<float>(i % 97) / 96);
+  std::vector<float> byRows = frame;
+  constexpr int kRowBytes = kWidth * 16;
+  const auto convert = [&](float* pixels, int height) {
+    return CHR::ConvertFrame(pixels, pixels, kWidth, height, Space(9, 16), kLinearFloatBGRA,
+                             kRowBytes, Space(1, 13), kLinearFloatBGRA, kRowBytes, {});
+  };
+  EXPECT_EQ(convert(frame.data(), kHeight), 0);
+  for (int row = 0; row < kHeight; ++row) {
+    EXPECT_EQ(convert(byRows.data() + std::ptrdiff_t{row} * kWidth * 4, 1), 0);
+  }
+  EXPECT_EQ(frame, byRows);
 }
 
 TEST(HalfFloat, KeepsEveryHalfThroughFloat) {

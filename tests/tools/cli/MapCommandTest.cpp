@@ -247,6 +247,14 @@ TEST_F(MapCommand, NotesThatDialsHaveNoEffectOnAnSdrPicture) {
   EXPECT_THAT(run.err, HasSubstr("nothing is tone mapped"));
 }
 
+TEST_F(MapCommand, NotesThatTheFileMeansAnotherWhite) {
+  const std::string chart = Chart("c.exr");  // says 203 nits
+  EXPECT_THAT(RunQuillon({"map", chart, folder_ / "203.png"}).err, IsEmpty());
+  const RunResult run = RunQuillon({"map", "--white", "100", chart, folder_ / "100.png"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.err, HasSubstr("its 1.0 is 203 nits"));
+}
+
 TEST_F(MapCommand, KeepsAnSdrPictureAsItIs) {
   ASSERT_EQ(RunQuillon({"map", Chart("c.exr"), folder_ / "sdr.png"}).exitCode, 0);
   ASSERT_EQ(RunQuillon({"map", folder_ / "sdr.png", folder_ / "again.png"}).exitCode, 0);

@@ -19,6 +19,7 @@ using orvmediatypes::color::ColorSpace;
 namespace {
 
 constexpr int kSpeed = 6;
+constexpr int kQuantizer = 1;  // of 0 to 63: no loss to be seen
 
 struct DestroyEncoder {
   void operator()(avifEncoder* encoder) const { avifEncoderDestroy(encoder); }
@@ -95,7 +96,8 @@ int DepthOf(const StillOutput& output, const std::filesystem::path& path, int tr
 
 std::vector<std::uint8_t> EncodeAvif(const StillOutput& output, const std::filesystem::path& path) {
   ColorDescription description = RequireCodePoints(output, path);
-  description.matrix = MatrixFor(description.primaries);
+  const bool namesMatrix = description.matrix != 0 && description.matrix != H273::kUnspecified;
+  if (!namesMatrix) description.matrix = MatrixFor(description.primaries);
   description.fullRange = true;
   const int depth = DepthOf(output, path, description.transfer);
   const PX::VideoFrameRef frame = ConvertForFile(
@@ -106,7 +108,7 @@ std::vector<std::uint8_t> EncodeAvif(const StillOutput& output, const std::files
   if (!encoder) throw std::bad_alloc();
   encoder->maxThreads = static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, 16U));
   encoder->speed = kSpeed;
-  encoder->minQuantizer = encoder->maxQuantizer = std::clamp(output.avifQuantizer, 0, 63);
+  encoder->minQuantizer = encoder->maxQuantizer = kQuantizer;
   EncodedData encoded;
   const avifResult result = avifEncoderWrite(encoder.get(), image.get(), &encoded.data);
   if (result != AVIF_RESULT_OK) FailEncoding(path, result, *encoder);

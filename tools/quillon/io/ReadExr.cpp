@@ -77,17 +77,12 @@ ColorSpace ReadColorSpace(const Imf::Header& header, std::vector<std::string>& r
   return ColorSpace(description);
 }
 
-void RemarkOnHeader(const Imf::Header& header, std::vector<std::string>& remarks) {
+void RemarkOnAspect(const Imf::Header& header, std::vector<std::string>& remarks) {
+  const float aspect = header.pixelAspectRatio();
+  if (aspect == 1.0F) return;
   std::ostringstream text;
-  if (Imf::hasWhiteLuminance(header)) {
-    text << "the file says that 1.0 is " << Imf::whiteLuminance(header) << " nits";
-    remarks.push_back(text.str());
-  }
-  if (const float aspect = header.pixelAspectRatio(); aspect != 1.0F) {
-    text.str("");
-    text << "pixel aspect ratio " << aspect << " ignored";
-    remarks.push_back(text.str());
-  }
+  text << "pixel aspect ratio " << aspect << " ignored";
+  remarks.push_back(text.str());
 }
 
 void RequireFullSampling(const StillSource& source, const Imf::Header& header) {
@@ -246,7 +241,8 @@ Still ReadPart(const StillSource& source, Imf::MultiPartInputFile& file, int par
   }
   ReadWindow(MakeBandReader(source, file, part, model), display, data, pixels);
   if (MakeOpaque(pixels, 1.0F)) still.remarks.emplace_back(kAlphaDropped);
-  RemarkOnHeader(header, still.remarks);
+  RemarkOnAspect(header, still.remarks);
+  if (Imf::hasWhiteLuminance(header)) still.whiteNits = Imf::whiteLuminance(header);
   return still;
 }
 

@@ -24,6 +24,8 @@ struct Still {
   /// that have no H.273 code point are 2 with coordinates.
   PX::VideoFrameRef frame;
   ContentLight light;
+  /// Luminance in nits that the file gives its linear 1.0; 0: not given.
+  float whiteNits = 0.0F;
   /// Sentences for the user on what was left out or taken for granted.
   std::vector<std::string> remarks;
 };

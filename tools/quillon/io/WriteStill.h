@@ -20,8 +20,6 @@ struct StillOutput {
   /// default) or 32 (float). AVIF: 10 (the default), 12, or 8 for colour spaces other than PQ and
   /// HLG.
   std::optional<int> depth;
-  /// AV1 quantizer of AVIF, 0 (no loss but by rounding to YCbCr) to 63. The default is nearly that.
-  int avifQuantizer = 1;
   /// Replace a file that stands under the name already.
   bool overwrite = false;
 };
