@@ -5,7 +5,9 @@
 // the parameter vector. Numbers as strtof reads them. Prints e0,e1,e2,e3 as hex floats, row by row.
 // Exit code 2, and the row's number, for a row that cannot be run.
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -52,8 +54,8 @@ std::vector<float> ParseColumns(const std::string& line) {
 Row ParseRow(const std::string& line) {
   const std::vector<float> columns = ParseColumns(line);
   if (columns.size() < kFixedColumns) throw std::runtime_error("fewer than 8 columns");
-  if (!(columns[0] >= 0.0F && columns[0] <= kDesaturation))
-    throw std::runtime_error("no such type");
+  const bool isType = columns[0] >= 0.0F && columns[0] <= kDesaturation;
+  if (!isType || columns[0] != std::trunc(columns[0])) throw std::runtime_error("no such type");
   Row row;
   row.type = static_cast<int>(columns[0]);
   row.pixel = {columns[1], columns[2], columns[3], columns[4]};
