@@ -46,7 +46,8 @@ int CreateVideoFrame(PX::VideoFrameRef& frame, orvmediatypes::PixelFormat format
                                                .height = height,
                                                .aspect = aspect,
                                                .colorSpace = colorSpace});
-  if (result == 0 && clear) Clear(frame, DescribeFormat(format).value());
+  const auto info = DescribeFormat(format);
+  if (result == 0 && clear && info.has_value()) Clear(frame, *info);
   return result;
 }
 

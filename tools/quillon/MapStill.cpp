@@ -23,7 +23,7 @@ std::string HexCode(int code) {
   return text;
 }
 
-PX::VideoFrameRef ApplyPlan(const MapPlan& plan) {
+PX::VideoFrameRef ApplyPlan(const MapPlan& plan, const std::filesystem::path& input) {
   const FloatPixels pixels = ViewFloatPixels(plan.source);
   PX::VideoFrameRef destination = MakeFloatFrame(
       pixels.width, pixels.height, plan.settings.toneMapSettings.destinationColorSpace);
@@ -32,7 +32,8 @@ PX::VideoFrameRef ApplyPlan(const MapPlan& plan) {
   const int result = Quillon::ApplyGamutMapping(plan.source, plan.settings, destination);
   if (result < 0) {
     const std::string said = messages.Joined();
-    throw CommandError(ExitCode::EngineRefused, "the engine refused with " + HexCode(result) +
+    throw CommandError(ExitCode::EngineRefused, input.string() + ": the engine refused with " +
+                                                    HexCode(result) +
                                                     (said.empty() ? "" : ": " + said));
   }
   return destination;
@@ -80,7 +81,7 @@ void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes)
   }
 
   StillOutput output;
-  output.frame = ApplyPlan(plan);
+  output.frame = ApplyPlan(plan, options.input);
   output.settings = ColorManagementFor(options.white);
   output.light = LightOfResult(output.frame, options.white);
   output.depth = options.depth;

@@ -25,7 +25,7 @@ std::size_t MemoryOfCopy(const PX::VideoFrameRef& from, const PX::VideoFrameRef&
 
 PX::VideoFrameRef Cleared(PixelFormat format, const ColorDescription& colors) {
   PX::VideoFrameRef frame = MakeFrame(format, kWidth, kHeight, colors);
-  for (int plane = 0; plane < KS::DescribeFormat(format)->planeCount; ++plane) {
+  for (int plane = 0; plane < InfoOf(format).planeCount; ++plane) {
     const KS::Plane at = PlaneOf(frame, plane);
     auto* bytes = static_cast<std::byte*>(at.data);
     std::fill_n(bytes, std::ptrdiff_t{at.rowBytes} * at.height, std::byte{0});

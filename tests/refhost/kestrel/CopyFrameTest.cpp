@@ -41,7 +41,7 @@ Sample SampleAt(const PX::VideoFrameRef& frame, int index) {
 template <std::size_t N>
 PX::VideoFrameRef FrameOf(const std::array<float, N>& values) {
   static_assert(N % 4 == 0);
-  const PX::VideoFrameRef frame = MakeFrame(KS::kBgraFloat, N / 4, 1, kSrgb);
+  PX::VideoFrameRef frame = MakeFrame(KS::kBgraFloat, N / 4, 1, kSrgb);
   std::memcpy(RowOf(frame, 0, 0), values.data(), sizeof(values));
   return frame;
 }
@@ -86,7 +86,7 @@ class PlainFrame final : public orvcore::classref::IObject,
   struct PixelView final : KS::IVideoFrame2DPixelMemoryAccess {
     explicit PixelView(const PlainFrame& frame) : owner(frame) {}
     std::int32_t GetRowCount() const override { return owner.GetBounds().height; }
-    std::int32_t GetRowBytes() const override { return owner.rowBytes2D.value(); }
+    std::int32_t GetRowBytes() const override { return owner.rowBytes2D.value_or(0); }
     const PlainFrame& owner;
   };
 

@@ -16,12 +16,8 @@ namespace {
 
 constexpr std::byte kGuard{0xC7};
 
-KS::FormatInfo InfoOf(const PX::VideoFrameRef& frame) {
-  return KS::DescribeFormat(frame->GetPixelFormat()).value();
-}
-
 std::size_t RowSize(const PX::VideoFrameRef& frame, int plane) {
-  const KS::FormatInfo info = InfoOf(frame);
+  const KS::FormatInfo info = InfoOf(frame->GetPixelFormat());
   return static_cast<std::size_t>(PlaneOf(frame, plane).width * info.SamplesPerPosition(plane) *
                                   info.bytesPerSample);
 }
@@ -29,10 +25,10 @@ std::size_t RowSize(const PX::VideoFrameRef& frame, int plane) {
 /// Where the codes of one component are stored.
 struct ComponentPlace {
   KS::Plane plane;
-  int offset;
-  int step;
-  std::size_t bytes;
-  unsigned shift;
+  int offset = 0;
+  int step = 1;
+  std::size_t bytes = 1;
+  unsigned shift = 0;
 
   std::byte* At(int x, int y) const {
     return static_cast<std::byte*>(plane.data) + std::ptrdiff_t{plane.rowBytes} * y +
@@ -50,7 +46,7 @@ struct ComponentPlace {
 };
 
 ComponentPlace PlaceOf(const PX::VideoFrameRef& frame, int component) {
-  const KS::FormatInfo info = InfoOf(frame);
+  const KS::FormatInfo info = InfoOf(frame->GetPixelFormat());
   const auto bytes = static_cast<std::size_t>(info.bytesPerSample);
   if (info.layout == KS::FrameLayout::PlanarYCbCr) {
     return {PlaneOf(frame, component), 0, 1, bytes, 0};
@@ -81,6 +77,10 @@ std::vector<NamedFormat> YCbCrFormats() {
   return formats;
 }
 
+KS::FormatInfo InfoOf(PixelFormat format) {
+  return KS::DescribeFormat(format).value_or(KS::FormatInfo{});
+}
+
 ColorDescription Rgb(int primaries, int transfer) {
   ColorDescription colors;
   colors.primaries = static_cast<std::uint8_t>(primaries);
@@ -106,7 +106,7 @@ PX::VideoFrameRef MakeFrame(PixelFormat format, int width, int height,
 
 GuardedFrame::GuardedFrame(PixelFormat format, int width, int height,
                            const ColorDescription& colors) {
-  const KS::FormatInfo info = KS::DescribeFormat(format).value();
+  const KS::FormatInfo info = InfoOf(format);
   KS::SystemFrameLayout layout{.format = format,
                                .width = width,
                                .height = height,
@@ -193,7 +193,7 @@ unsigned LargestCodeDifference(const PX::VideoFrameRef& a, const PX::VideoFrameR
 
 void FillWithNoise(const PX::VideoFrameRef& frame, unsigned seed) {
   std::mt19937 random(seed);
-  const KS::FormatInfo info = InfoOf(frame);
+  const KS::FormatInfo info = InfoOf(frame->GetPixelFormat());
   if (info.IsYCbCr()) {
     std::uniform_int_distribution<unsigned> codes(0, (1U << static_cast<unsigned>(info.bits)) - 1U);
     for (int component = 0; component < 3; ++component) {
@@ -243,7 +243,7 @@ void FillWithGradient(const PX::VideoFrameRef& frame) {
 
 std::vector<std::byte> Samples(const PX::VideoFrameRef& frame) {
   std::vector<std::byte> samples;
-  for (int plane = 0; plane < InfoOf(frame).planeCount; ++plane) {
+  for (int plane = 0; plane < InfoOf(frame->GetPixelFormat()).planeCount; ++plane) {
     for (int row = 0; row < PlaneOf(frame, plane).height; ++row) {
       const std::byte* first = RowOf(frame, plane, row);
       samples.insert(samples.end(), first, first + RowSize(frame, plane));

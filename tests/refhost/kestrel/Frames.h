@@ -20,6 +20,9 @@ struct NamedFormat {
 std::vector<NamedFormat> InterleavedFormats();
 std::vector<NamedFormat> YCbCrFormats();
 
+/// What is known of a format; a depth of 0 when nothing is.
+KS::FormatInfo InfoOf(PixelFormat format);
+
 /// R'G'B' with H.273 primaries and transfer.
 ColorDescription Rgb(int primaries, int transfer);
 /// sRGB colours as luma and chroma.

@@ -35,19 +35,19 @@ TEST(PixelFormats, PutLayoutAndDepthIntoTheDescriptor) {
 }
 
 TEST(DescribeFormat, TellsInterleavedFormatsApart) {
-  const auto half = DescribeFormat(KS::kBgraHalf).value();
+  const auto half = InfoOf(KS::kBgraHalf);
   EXPECT_FALSE(half.IsYCbCr());
   EXPECT_EQ(half.sampleType, KS::SampleType::Half);
   EXPECT_EQ(half.bytesPerSample, 2);
   EXPECT_EQ(half.planeCount, 1);
   EXPECT_EQ(half.SamplesPerPosition(0), 4);
-  EXPECT_EQ(DescribeFormat(KS::kBgra16)->sampleType, KS::SampleType::UnsignedInteger);
-  EXPECT_EQ(DescribeFormat(KS::kBgra8)->bytesPerSample, 1);
-  EXPECT_EQ(DescribeFormat(KS::kBgraFloat)->bytesPerSample, 4);
+  EXPECT_EQ(InfoOf(KS::kBgra16).sampleType, KS::SampleType::UnsignedInteger);
+  EXPECT_EQ(InfoOf(KS::kBgra8).bytesPerSample, 1);
+  EXPECT_EQ(InfoOf(KS::kBgraFloat).bytesPerSample, 4);
 }
 
 TEST(DescribeFormat, TellsPlanesDepthAndChroma) {
-  const auto planar = DescribeFormat(KS::PlanarYCbCr(ChromaFormat::C420, 12)).value();
+  const auto planar = InfoOf(KS::PlanarYCbCr(ChromaFormat::C420, 12));
   EXPECT_TRUE(planar.IsYCbCr());
   EXPECT_EQ(planar.bits, 12);
   EXPECT_EQ(planar.bytesPerSample, 2);
@@ -56,14 +56,14 @@ TEST(DescribeFormat, TellsPlanesDepthAndChroma) {
   EXPECT_EQ(planar.ChromaShiftY(), 1);
   EXPECT_EQ(planar.SamplesPerPosition(1), 1);
 
-  const auto semiPlanar = DescribeFormat(KS::SemiPlanarYCbCr(ChromaFormat::C422, 8)).value();
+  const auto semiPlanar = InfoOf(KS::SemiPlanarYCbCr(ChromaFormat::C422, 8));
   EXPECT_EQ(semiPlanar.planeCount, 2);
   EXPECT_EQ(semiPlanar.ChromaShiftX(), 1);
   EXPECT_EQ(semiPlanar.ChromaShiftY(), 0);
   EXPECT_EQ(semiPlanar.SamplesPerPosition(0), 1);
   EXPECT_EQ(semiPlanar.SamplesPerPosition(1), 2);
 
-  const auto full = DescribeFormat(KS::PlanarYCbCr(ChromaFormat::C444, 16)).value();
+  const auto full = InfoOf(KS::PlanarYCbCr(ChromaFormat::C444, 16));
   EXPECT_EQ(full.ChromaShiftX(), 0);
   EXPECT_EQ(full.ChromaShiftY(), 0);
 }

@@ -92,7 +92,7 @@ TEST(SystemFrame, PacksTheRowsOfInterleavedFormats) {
 TEST(SystemFrame, AlignsThePlanesAndRowsOfYCbCrFormats) {
   for (const auto& [name, format] : YCbCrFormats()) {
     const PX::VideoFrameRef frame = MakeFrame(format, 71, 5, kSrgb);
-    for (int i = 0; i < KS::DescribeFormat(format)->planeCount; ++i) {
+    for (int i = 0; i < InfoOf(format).planeCount; ++i) {
       const KS::Plane plane = PlaneOf(frame, i);
       EXPECT_EQ(plane.rowBytes % 64, 0) << name;
       EXPECT_EQ(reinterpret_cast<std::uintptr_t>(plane.data) % 64, 0U) << name;
@@ -125,7 +125,7 @@ TEST(SystemFrame, GivesItsMemoryBackWithItsLastReference) {
   auto memory = InterfaceCast<KS::IVideoFrameMemoryAccess>(frame);
   frame = {};
   EXPECT_GE(orvcore::allocator::GetRecyclerStatistics().inUse - before, 640U * 480U * 16U);
-  std::memset(memory->GetData(), 0, 640 * 480 * 16);
+  std::memset(memory->GetData(), 0, std::size_t{640} * 480 * 16);
   memory = {};
   EXPECT_EQ(orvcore::allocator::GetRecyclerStatistics().inUse, before);
 }
@@ -256,7 +256,7 @@ TEST(CreateVideoFrame, ClearsToZeroWithNeutralChroma) {
   for (const auto& [name, format] : YCbCrFormats()) {
     PX::VideoFrameRef frame;
     ASSERT_EQ(KS::CreateVideoFrame(frame, format, 5, 3, {}, {}, true, false), 0);
-    const unsigned neutral = 1U << (static_cast<unsigned>(KS::DescribeFormat(format)->bits) - 1U);
+    const unsigned neutral = 1U << (static_cast<unsigned>(InfoOf(format).bits) - 1U);
     EXPECT_EQ(Code(frame, 0, 4, 2), 0U) << name;
     EXPECT_EQ(Code(frame, 1, 2, 1), neutral) << name;
     EXPECT_EQ(Code(frame, 2, 0, 0), neutral) << name;

@@ -52,8 +52,7 @@ TEST(YCbCrCopy, BringsSmoothPicturesThroughEveryFormat) {
     const PX::VideoFrameRef back = MakeFrame(KS::kBgraFloat, 64, 64, kSrgb);
     ASSERT_EQ(Copy(from, video), 0);
     ASSERT_EQ(Copy(video, back), 0);
-    const float step =
-        1.0F / (219.0F * static_cast<float>(1 << (KS::DescribeFormat(format)->bits - 8)));
+    const float step = 1.0F / (219.0F * static_cast<float>(1 << (InfoOf(format).bits - 8)));
     // Away from the edges a ramp survives halved chroma.
     for (int y = 4; y < 60; ++y) {
       for (int x = 4; x < 60; ++x) {

@@ -5,11 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include "host/KS/FrameManipulators.h"
 #include "tests/refhost/kestrel/Frames.h"
 
 using KS::ChromaFormat;
-using orvmediatypes::color::ColorSpace;
 
 // Flat patches against the formulae of ITU-R BT.601, BT.709 and BT.2100, written out.
 
@@ -60,7 +58,7 @@ void ExpectCodes(const NamedFormat& format, const Color& color, const Matrix& ma
                 static_cast<float>(color.blue));
   const PX::VideoFrameRef to = MakeFrame(format.format, 9, 7, YCbCr(matrix.codePoint, fullRange));
   ASSERT_EQ(Copy(from, to), 0);
-  const int bits = KS::DescribeFormat(format.format)->bits;
+  const int bits = InfoOf(format.format).bits;
   const auto exact = ExactCodes(color, matrix, bits, fullRange);
   // Half a code, and the error of single precision where codes have 16 bits.
   constexpr double kTolerance = 0.52;

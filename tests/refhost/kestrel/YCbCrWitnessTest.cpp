@@ -48,7 +48,7 @@ struct Picture {
 };
 
 zimg_image_format WitnessFormat(const PX::VideoFrameRef& frame) {
-  const KS::FormatInfo info = KS::DescribeFormat(frame->GetPixelFormat()).value();
+  const KS::FormatInfo info = InfoOf(frame->GetPixelFormat());
   const ColorDescription colors = frame->GetColorSpace().Description();
   const orvcore::geom::Bounds bounds = frame->GetBounds();
   zimg_image_format format;
