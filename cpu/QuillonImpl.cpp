@@ -49,8 +49,11 @@ int PrepareToneMap(PX::ToneMappingUtils::ToneMapSettings& settings, FrameSteps& 
   if (!CHR::IsToneMappingApplicable(settings)) return kSuccess;
   GetToneMappingSupportParams(settings, steps.toneMapParams);
   const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
-  if (algorithm == nullptr || !algorithm->curve) return kNotSupported;
+  if (algorithm == nullptr) return kNotSupported;
   if (steps.toneMapParams.size() < algorithm->paramsRead) return kDegenerateParameters;
+  if (algorithm->prepare != nullptr && !algorithm->prepare(steps.toneMapParams)) {
+    return kDegenerateParameters;
+  }
   steps.toneMap = algorithm->curve;
   return kSuccess;
 }

@@ -16,12 +16,13 @@ const ToneMapAlgorithm* FindToneMapAlgorithm(ToneMapAlgorithmType algorithmType)
   using enum ToneMapAlgorithmType;
   // Deliberate: BT.2446 A declares five parameters and has four.
   static const std::array<ToneMapAlgorithm, 5> kAlgorithms = {{
-      {ITU2390MaxRGB, 13, 13, GetITU2390SupportParams, {}},
-      {ITU2390RGBByChannel, 13, 13, GetITU2390SupportParams, {}},
-      {ITU2446A, 5, 4, GetITU2446ASupportParams, {}},
-      {HuePreservationDesaturation, 3, 3, GetHuePreservationSupportParams,
+      {ITU2390MaxRGB, 13, 13, GetITU2390SupportParams, PrepareITU2390, ITU2390MaxRGBToneMap{}},
+      {ITU2390RGBByChannel, 13, 13, GetITU2390SupportParams, PrepareITU2390,
+       ITU2390RGBByChannelToneMap{}},
+      {ITU2446A, 5, 4, GetITU2446ASupportParams, nullptr, ITU2446AToneMap{}},
+      {HuePreservationDesaturation, 3, 3, GetHuePreservationSupportParams, nullptr,
        HuePreservationToneMap{}},
-      {CARToneCurve, 7, 7, GetCARToneCurveSupportParams, {}},
+      {CARToneCurve, 7, 7, GetCARToneCurveSupportParams, nullptr, CARToneMap{}},
   }};
   const auto* found = std::find_if(kAlgorithms.begin(), kAlgorithms.end(),
                                    [&](const auto& entry) { return entry.type == algorithmType; });

@@ -23,7 +23,9 @@ struct ToneMapAlgorithm {
   std::size_t paramsRead;
   /// Fills the support parameters.
   void (*buildParams)(PX::ToneMappingUtils::ToneMapSettings& settings, SupportVector& params);
-  /// The curve; empty where there is none yet.
+  /// Readies what the curve shares between frames; false when the parameters are degenerate. Null
+  /// where there is neither.
+  bool (*prepare)(const SupportVector& params);
   ToneMapPixelFunction curve;
 };
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "curves/Car.h"
+#include "curves/HighlightDesaturation.h"
 #include "host/CHR/Conversion.h"
 #include "tonemap/PeakLuminance.h"
 #include "tonemap/SupportParams.h"
@@ -65,6 +67,13 @@ void GetCARToneCurveSupportParams(const ColorSpace& destination,
   for (const float weight : GetDestinationLuminanceWeights(destination, colorManagement)) {
     params.push_back(weight);
   }
+}
+
+void CARToneMap::operator()(float* pixel, const SupportVector& params,
+                            const PX::ToneMappingUtils::ToneMapSettings& settings) const {
+  DesaturateHighlight(pixel, settings.controls.peakGain, params[0], settings.controls.peak,
+                      settings.controls.colorPreservation, params[4], params[5], params[6]);
+  ToneMapCar(pixel, params[0], params[1], params[2], params[3]);
 }
 
 void GetCARToneCurveSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,

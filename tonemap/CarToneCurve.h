@@ -30,4 +30,10 @@ void GetCARToneCurveSupportParams(
 void GetCARToneCurveSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
                                   SupportVector& params);
 
+/// The curve bound to its parameters.
+struct CARToneMap {
+  void operator()(float* pixel, const SupportVector& params,
+                  const PX::ToneMappingUtils::ToneMapSettings& settings) const;
+};
+
 }  // namespace Quillon

@@ -1,13 +1,17 @@
 #include "tonemap/Itu2390.h"
 
 #include <array>
+#include <cmath>
 
 #include "base/WorkingColorManagement.h"
+#include "curves/Bt2390.h"
+#include "curves/HighlightDesaturation.h"
 #include "host/CHR/Conversion.h"
 #include "host/PX/ColorSpaceUtils.h"
 #include "host/PX/ColorSpaces.h"
 #include "tonemap/ColorSpaceMatch.h"
 #include "tonemap/PeakLuminance.h"
+#include "tonemap/PqTables.h"
 #include "tonemap/PqTransfer.h"
 #include "tonemap/SupportParams.h"
 
@@ -93,7 +97,47 @@ float DecodePQ(float signal) {
   return pixel[0];
 }
 
+using ApplyEetf = void (*)(float* pq, Bt2390Params params);
+
+/// Highlights desaturated in linear light, then the EETF on PQ code values.
+void ToneMap(float* pixel, const SupportVector& params, const ToneMapSettings& settings,
+             ApplyEetf applyEetf) {
+  DesaturateHighlight(pixel, settings.controls.peakGain, params[9], settings.controls.peak,
+                      settings.controls.colorPreservation, params[10], params[11], params[12]);
+  const float kneeStart = params[8];
+  if (kneeStart >= 1.0F) return;
+  const float white = params[4];
+  std::array<float, 3> pq = {white * pixel[0], white * pixel[1], white * pixel[2]};
+  EncodePQByTable(pq.data());
+  applyEetf(pq.data(), {.sourceBlack = params[0],
+                        .sourceRange = params[5],
+                        .kneeStart = kneeStart,
+                        .minLum = params[6],
+                        .maxLum = params[7]});
+  DecodePQByTable(pq.data());
+  for (std::size_t channel = 0; channel < pq.size(); ++channel)
+    pixel[channel] = pq[channel] / white;
+}
+
 }  // namespace
+
+bool PrepareITU2390(const SupportVector& params) {
+  constexpr float kTolerance = 1e-15F;
+  const float range = params[5];
+  const float kneeStart = params[8];
+  if (range < kTolerance || std::abs(1.0F - kneeStart) < kTolerance) return false;
+  return WarmPQTables();
+}
+
+void ITU2390MaxRGBToneMap::operator()(float* pixel, const SupportVector& params,
+                                      const ToneMapSettings& settings) const {
+  ToneMap(pixel, params, settings, EetfMaxRGB);
+}
+
+void ITU2390RGBByChannelToneMap::operator()(float* pixel, const SupportVector& params,
+                                            const ToneMapSettings& settings) const {
+  ToneMap(pixel, params, settings, EetfByChannel);
+}
 
 void GetITU2390SupportParams(ToneMapSettings& settings, SupportVector& params) {
   const bool colorManaged = settings.controls.GetVersion() >= kColorManagedVersion;

@@ -18,4 +18,20 @@ namespace Quillon {
 void GetITU2390SupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
                              SupportVector& params);
 
+/// Whether the curves can run on these parameters: the source has a range and the knee starts below
+/// its peak. Readies the PQ tables on this thread when they can.
+bool PrepareITU2390(const SupportVector& params);
+
+/// The EETF on the largest of red, green and blue, bound to its parameters.
+struct ITU2390MaxRGBToneMap {
+  void operator()(float* pixel, const SupportVector& params,
+                  const PX::ToneMappingUtils::ToneMapSettings& settings) const;
+};
+
+/// The EETF on each channel, bound to its parameters.
+struct ITU2390RGBByChannelToneMap {
+  void operator()(float* pixel, const SupportVector& params,
+                  const PX::ToneMappingUtils::ToneMapSettings& settings) const;
+};
+
 }  // namespace Quillon

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "curves/Bt2446A.h"
 #include "host/CHR/Conversion.h"
 #include "host/PX/ColorSpaceUtils.h"
 #include "host/PX/ColorSpaces.h"
@@ -45,6 +46,12 @@ float FullScaleInPQ(const ToneMapSettings& settings) {
 }
 
 }  // namespace
+
+void ITU2446AToneMap::operator()(float* pixel, const SupportVector& params,
+                                 const ToneMapSettings& settings) const {
+  ToneMapBt2446A(pixel, settings.controls.peakGain, params[0], params[1], params[2], params[3],
+                 settings.controls.colorPreservation);
+}
 
 void GetITU2446ASupportParams(ToneMapSettings& settings, SupportVector& params) {
   params.clear();

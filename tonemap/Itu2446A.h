@@ -14,4 +14,10 @@ namespace Quillon {
 void GetITU2446ASupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
                               SupportVector& params);
 
+/// The curve bound to its parameters.
+struct ITU2446AToneMap {
+  void operator()(float* pixel, const SupportVector& params,
+                  const PX::ToneMappingUtils::ToneMapSettings& settings) const;
+};
+
 }  // namespace Quillon

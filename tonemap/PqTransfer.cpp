@@ -6,8 +6,11 @@ namespace {
 constexpr int kSt2084Transfer = 16;  // ITU-T H.273, table 3
 }  // namespace
 
-const CHR::TransferFunction kPqSignalToLinear =
-    CHR::GetSignalToLinearTransferFn(kSt2084Transfer, 0);
+CHR::TransferFunction ObtainPqSignalToLinear() {
+  return CHR::GetSignalToLinearTransferFn(kSt2084Transfer, 0);
+}
+
+const CHR::TransferFunction kPqSignalToLinear = ObtainPqSignalToLinear();
 const CHR::TransferFunction kPqLinearToSignal =
     CHR::GetLinearToSignalTransferFn(kSt2084Transfer, 0);
 

@@ -9,4 +9,7 @@ namespace Quillon {
 extern const CHR::TransferFunction kPqSignalToLinear;
 extern const CHR::TransferFunction kPqLinearToSignal;
 
+/// Asks the host for its decoding function anew.
+CHR::TransferFunction ObtainPqSignalToLinear();
+
 }  // namespace Quillon

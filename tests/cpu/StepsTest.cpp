@@ -2,7 +2,6 @@
 
 #include "cpu/QuillonImpl.h"
 #include "tests/cpu/Gain.h"
-#include "tests/cpu/UnboundCurves.h"
 
 namespace {
 
@@ -199,20 +198,20 @@ TEST_F(Steps, RefuseAnUnknownToneMapWithTheBuildersMessageAlone) {
   }
 }
 
-TEST_F(Steps, BuildTheParametersOfEveryKnownAlgorithmBeforeTheyLookForItsCurve) {
+TEST_F(Steps, RunTheCurveOfEveryAlgorithm) {
   for (const int algorithm : {2, 3, 4, 6}) {
     SCOPED_TRACE(algorithm);
     host.Reset();
     SetToneMap(algorithm);
-    host.results.convertFrame = [](const scripted::Conversion& conversion) {
-      if (conversion.width == 2) conversion.destination[4] = 0.5F;
+    host.results.convertFrame = [peak = 1.0F](const scripted::Conversion& conversion) mutable {
+      if (conversion.width == 2) conversion.destination[4] = peak -= 0.25F;
     };
-    EXPECT_EQ(Run(), unbound::kSoundParameters);
+    EXPECT_EQ(Run(), 0);
     EXPECT_THAT(host.Messages(), IsEmpty());
     EXPECT_THAT(host.CallsTo({"PX::ToneMappingUtils::Adjust"}),
                 ElementsAre("PX::ToneMappingUtils::AdjustToneMapSettingsVersionForNCMVersionHandle("
                             "3)"));
-    if (unbound::kSoundParameters < 0) ExpectNoThreadAndNoPixelTouched();
+    EXPECT_NE(pixel, kPixel);
   }
 }
 
@@ -231,10 +230,9 @@ struct Resolution {
 TEST_F(Steps, RunWhateverTheAutomaticChoiceResolvesTo) {
   // The vector has the three entries of the hue-preserving curve, fewer than the others read.
   for (const Resolution& resolution :
-       {Resolution{5, 0}, Resolution{2, unbound::kUnfitParameters},
-        Resolution{3, unbound::kUnfitParameters}, Resolution{4, unbound::kUnfitParameters},
-        Resolution{6, unbound::kUnfitParameters}, Resolution{1, kUnknown}, Resolution{0, kUnknown},
-        Resolution{7, kUnknown}, Resolution{-5, kUnknown}}) {
+       {Resolution{5, 0}, Resolution{2, kDegenerate}, Resolution{3, kDegenerate},
+        Resolution{4, kDegenerate}, Resolution{6, kDegenerate}, Resolution{1, kUnknown},
+        Resolution{0, kUnknown}, Resolution{7, kUnknown}, Resolution{-5, kUnknown}}) {
     SCOPED_TRACE(resolution.algorithm);
     host.Reset();
     SetToneMap(1);
@@ -278,7 +276,7 @@ TEST_F(Steps, RefuseParametersThatAFailedConversionLeftShort) {
       SetToneMap(algorithm);
       // Two one-pixel conversions for the peak come first.
       host.FailWithCode("CHR::ConvertFrame", -3, 2 + failing);
-      EXPECT_EQ(Run(), unbound::kUnfitParameters);
+      EXPECT_EQ(Run(), kDegenerate);
       EXPECT_THAT(host.Messages(), IsEmpty());
       ExpectNoThreadAndNoPixelTouched();
     }
@@ -305,7 +303,7 @@ TEST_F(Steps, RefuseBT2390ParametersWithoutRangeOrKnee) {
         conversion.destination[0] = source ? c.sourceBlack : c.destinationBlack;
         conversion.destination[4] = source ? c.sourcePeak : c.destinationPeak;
       };
-      EXPECT_EQ(Run(), unbound::kUnfitParameters);
+      EXPECT_EQ(Run(), kDegenerate);
       EXPECT_EQ(conversions, 2);
       ExpectNoThreadAndNoPixelTouched();
     }
@@ -322,7 +320,5 @@ TEST_F(Steps, ShareNothingBetweenCalls) {
   EXPECT_EQ(Run(), 0);
   EXPECT_EQ(pixel, kPixel);
 }
-
-static_assert(unbound::kUnfitParameters == kUnknown || unbound::kUnfitParameters == kDegenerate);
 
 }  // namespace

@@ -83,7 +83,7 @@ void RunRow(Row& row) {
   }
   const auto type = static_cast<orvmediatypes::color::ToneMapAlgorithmType>(row.type);
   const Quillon::ToneMapAlgorithm* algorithm = Quillon::FindToneMapAlgorithm(type);
-  if (algorithm == nullptr || !algorithm->curve) throw std::runtime_error("no curve of this type");
+  if (algorithm == nullptr) throw std::runtime_error("no curve of this type");
   RequireParams(row, algorithm->paramsRead);
   algorithm->curve(row.pixel.data(), row.params, row.settings);
 }

@@ -1,7 +1,7 @@
 #include <cmath>
 
+#include "base/ResultCodes.h"
 #include "cpu/QuillonImpl.h"
-#include "tests/cpu/UnboundCurves.h"
 #include "tests/host/HostTest.h"
 #include "tests/vectors/Table.h"
 #include "tonemap/CarToneCurve.h"
@@ -179,7 +179,7 @@ TEST_F(Bt2390Vectors, EnginesAnswerToTheParameters) {
     std::array<float, 4> pixel = {1.0F, 1.0F, 1.0F, 1.0F};
     EXPECT_EQ(Quillon::QuillonImpl().GenerateGamutMappedFrame(pixel.data(), pixel.data(), 1, 1, 4,
                                                               4, record),
-              isSound ? unbound::kSoundParameters : unbound::kUnfitParameters)
+              isSound ? Quillon::kSuccess : Quillon::kDegenerateParameters)
         << "row " << row.Text("id");
   }
   EXPECT_EQ(refused, 3);

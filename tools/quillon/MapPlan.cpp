@@ -14,6 +14,7 @@
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
+using orvmediatypes::color::ToneMapAlgorithmType;
 using PX::ToneMappingUtils::ToneMapSettings;
 
 namespace {
@@ -39,17 +40,25 @@ void RequireTags(const MapOptions& options, const ColorDescription& tagged) {
                          ColorSpaceNames() + ") or --from-cicp P/T/M");
 }
 
+bool IsBT2390(ToneMapAlgorithmType algorithm) {
+  return algorithm == ToneMapAlgorithmType::ITU2390MaxRGB ||
+         algorithm == ToneMapAlgorithmType::ITU2390RGBByChannel;
+}
+
 /// The colour space that the engine works from. Scene-linear and PQ pictures are mapped in BT.2020
-/// primaries whatever their container, so that one colour maps alike from every file.
-ColorSpace EngineSource(const ColorDescription& tagged) {
+/// primaries whatever their container, so that one colour maps alike from every file. BT.2390 takes
+/// full scale for the source's peak, which linear light has not: it gets linear pictures as PQ.
+ColorSpace EngineSource(const ColorDescription& tagged, ToneMapAlgorithmType algorithm) {
   ColorDescription source;
   source.transfer = tagged.transfer;
   source.primaries = tagged.primaries;
   source.chromaticities = tagged.chromaticities;
-  if (tagged.transfer == H273::kTransferLinear || tagged.transfer == H273::kTransferPQ) {
+  const bool linear = tagged.transfer == H273::kTransferLinear;
+  if (linear || tagged.transfer == H273::kTransferPQ) {
     source.primaries = H273::kPrimariesBT2020;
     source.chromaticities = {};
   }
+  if (linear && IsBT2390(algorithm)) source.transfer = H273::kTransferPQ;
   return ColorSpace(source);
 }
 
@@ -105,7 +114,7 @@ MapPlan PlanMap(const MapOptions& options, const Still& still) {
 
   const PX::VideoFrameRef& picture = still.frame;
   picture->SetColorSpace(ColorSpace(plan.taggedSource));
-  const ColorSpace source = EngineSource(plan.taggedSource);
+  const ColorSpace source = EngineSource(plan.taggedSource, options.algorithm);
   plan.source = ConvertToFloat(picture, source, options.white);
 
   const SourcePeak peak = ChooseSourcePeak(options, still, plan.taggedSource, plan.source);

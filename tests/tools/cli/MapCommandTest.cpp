@@ -112,6 +112,29 @@ TEST_F(MapCommand, ExplainsEverySettingItResolved) {
   }
 }
 
+TEST_F(MapCommand, MapsByEveryAlgorithmFromLinearLightAndFromPq) {
+  for (const std::string& chart : {Chart("c.exr"), Chart("c.png")}) {
+    for (const char* algorithm : {"auto", "bt2390-maxrgb", "bt2390-rgb", "bt2446a", "hue", "car"}) {
+      const std::string out = folder_ / (std::string(algorithm) + ".png");
+      const RunResult run =
+          RunQuillon({"map", "--overwrite", "--algorithm", algorithm, chart, out});
+      ASSERT_EQ(run.exitCode, 0) << algorithm << ": " << run.err;
+      // The flat patches of 1 to 4000 nits rise, and 203 nits are neither black nor white.
+      int last = -1;
+      for (int patch = 1; patch < 9; ++patch) {
+        const int level =
+            PixelAt(out, static_cast<int>(96 * (0.02 + 0.96 * (patch + 0.5) / 9)), 13)[1];
+        EXPECT_GE(level, last) << algorithm << ", patch " << patch;
+        last = level;
+        if (patch == 5) {
+          EXPECT_GT(level, 100) << algorithm;
+          EXPECT_LT(level, 255) << algorithm;
+        }
+      }
+    }
+  }
+}
+
 TEST_F(MapCommand, AcceptsTheNamesThatFFmpegUses) {
   const std::string chart = Chart("c.png");
   for (const char* name : {"iec61966-2-1", "bt709", "bt2020", "smpte2084", "arib-std-b67"}) {

@@ -1,0 +1,77 @@
+#include "tonemap/PqTables.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+#include "curves/Three.h"
+#include "tonemap/PqTransfer.h"
+
+namespace Quillon {
+
+namespace {
+
+constexpr float kMostNits = 10000.0F;
+constexpr float kDecodeStep = 1.0F / 8191.0F;
+
+template <std::size_t Size>
+using Table = std::array<float, Size>;
+
+/// Entry i is the function's value at i steps.
+template <std::size_t Size>
+Table<Size> BuildTable(const CHR::TransferFunction& function, float step) {
+  Table<Size> table;
+  for (std::size_t i = 0; i < Size; ++i) {
+    const float at = static_cast<float>(i) * step;
+    std::array<float, 3> pixel = {at, at, at};
+    function(pixel.data(), 1.0F);
+    table[i] = pixel[0];
+  }
+  return table;
+}
+
+const Table<10000>& EncodeTable() {
+  static const Table<10000> kTable = BuildTable<10000>(kPqLinearToSignal, 1.0F);
+  return kTable;
+}
+
+const Table<8191>& DecodeTable() {
+  static const Table<8191> kTable = BuildTable<8191>(ObtainPqSignalToLinear(), kDecodeStep);
+  return kTable;
+}
+
+/// Clamped before the conversion to an index.
+template <std::size_t Size>
+float EntryAt(const Table<Size>& table, float place) {
+  if (!(place >= 1.0F)) return table[0];
+  return table[static_cast<std::size_t>(std::min(place, static_cast<float>(Size - 1)))];
+}
+
+bool IsWithin(const float* pixel, float most) {
+  return !(LargestOfThree(pixel[0], pixel[1], pixel[2]) > most) &&
+         !(SmallestOfThree(pixel[0], pixel[1], pixel[2]) < 0.0F);
+}
+
+}  // namespace
+
+void EncodePQByTable(float* pixel) {
+  if (!IsWithin(pixel, kMostNits)) return kPqLinearToSignal(pixel, 1.0F);
+  for (int i = 0; i < 3; ++i) pixel[i] = EntryAt(EncodeTable(), pixel[i]);
+}
+
+void DecodePQByTable(float* pixel) {
+  if (!IsWithin(pixel, 1.0F)) return kPqSignalToLinear(pixel, 1.0F);
+  for (int i = 0; i < 3; ++i) pixel[i] = EntryAt(DecodeTable(), pixel[i] / kDecodeStep);
+}
+
+bool WarmPQTables() {
+  if (!kPqSignalToLinear || !kPqLinearToSignal) return false;
+  std::array<float, 3> scratch = {1.0F, 1.0F, 1.0F};
+  EncodePQByTable(scratch.data());
+  scratch = {1.0F, 1.0F, 1.0F};
+  DecodePQByTable(scratch.data());
+  return true;
+}
+
+}  // namespace Quillon
