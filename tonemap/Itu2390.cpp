@@ -10,6 +10,7 @@
 #include "host/PX/ColorSpaceUtils.h"
 #include "host/PX/ColorSpaces.h"
 #include "tonemap/ColorSpaceMatch.h"
+#include "tonemap/GraphicsWhite.h"
 #include "tonemap/PeakLuminance.h"
 #include "tonemap/PqTables.h"
 #include "tonemap/PqTransfer.h"
@@ -83,10 +84,7 @@ float ReferenceWhite(const ToneMapSettings& settings, bool colorManaged) {
   const ColorSpace& destination = settings.destinationColorSpace;
   const bool hasGraphicsWhite = PX::ColorSpaceUtils::IsSDRColorSpace(destination) ||
                                 (colorManaged && PX::ColorSpaceUtils::IsHDRColorSpace(destination));
-  if (hasGraphicsWhite) {
-    return static_cast<float>(
-        static_cast<std::uint32_t>(settings.colorManagementSettings.GetGraphicsWhiteLuminance()));
-  }
+  if (hasGraphicsWhite) return GraphicsWhiteNits(settings.colorManagementSettings);
   return colorManaged ? 1.0F : kOldReferenceWhite;
 }
 

@@ -8,6 +8,7 @@
 #include "host/PX/ColorSpaceUtils.h"
 #include "host/PX/ColorSpaces.h"
 #include "tonemap/ColorSpaceMatch.h"
+#include "tonemap/GraphicsWhite.h"
 #include "tonemap/SupportParams.h"
 
 namespace Quillon {
@@ -29,8 +30,7 @@ float ReferenceWhite(const ToneMapSettings& settings) {
       !PX::ColorSpaceUtils::IsHDRColorSpace(destination)) {
     return 1.0F;
   }
-  return static_cast<float>(
-      static_cast<std::uint32_t>(settings.colorManagementSettings.GetGraphicsWhiteLuminance()));
+  return GraphicsWhiteNits(settings.colorManagementSettings);
 }
 
 /// The destination's full-scale white as a PQ code value; 1 when the conversion fails.

@@ -5,10 +5,10 @@
 #include "base/Trace.h"
 #include "base/WorkingColorManagement.h"
 #include "host/CHR/Conversion.h"
-#include "host/CHR/TransferFunctions.h"
 #include "host/PX/ColorSpaceUtils.h"
 #include "host/PX/ColorSpaces.h"
 #include "tonemap/ColorSpaceMatch.h"
+#include "tonemap/PqTransfer.h"
 
 namespace Quillon {
 
@@ -18,8 +18,6 @@ using orvmediatypes::color::ColorSpace;
 using orvmediatypes::color::ToneMapAlgorithmType;
 
 namespace {
-
-constexpr int kSt2084Transfer = 16;  // ITU-T H.273, table 3
 
 using Pixel = std::array<float, 4>;
 
@@ -70,7 +68,7 @@ float GetPeakSignalFromMetaData(const ColorSpace& colorSpace, float defaultSigna
   }
   const auto peak = static_cast<float>(nits);
   Pixel pixel = {peak, peak, peak, 0.0F};
-  const CHR::TransferFunction encode = CHR::GetLinearToSignalTransferFn(kSt2084Transfer, 0);
+  const CHR::TransferFunction encode = ObtainPqLinearToSignal();
   if (!encode) return defaultSignal;
   encode(pixel.data(), 1.0F);
   if (MatchesBT2100PQ(colorSpace)) return pixel[0];

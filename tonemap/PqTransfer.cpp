@@ -10,8 +10,11 @@ CHR::TransferFunction ObtainPqSignalToLinear() {
   return CHR::GetSignalToLinearTransferFn(kSt2084Transfer, 0);
 }
 
+CHR::TransferFunction ObtainPqLinearToSignal() {
+  return CHR::GetLinearToSignalTransferFn(kSt2084Transfer, 0);
+}
+
 const CHR::TransferFunction kPqSignalToLinear = ObtainPqSignalToLinear();
-const CHR::TransferFunction kPqLinearToSignal =
-    CHR::GetLinearToSignalTransferFn(kSt2084Transfer, 0);
+const CHR::TransferFunction kPqLinearToSignal = ObtainPqLinearToSignal();
 
 }  // namespace Quillon

@@ -9,7 +9,8 @@ namespace Quillon {
 extern const CHR::TransferFunction kPqSignalToLinear;
 extern const CHR::TransferFunction kPqLinearToSignal;
 
-/// Asks the host for its decoding function anew.
+/// Ask the host anew.
 CHR::TransferFunction ObtainPqSignalToLinear();
+CHR::TransferFunction ObtainPqLinearToSignal();
 
 }  // namespace Quillon

@@ -32,8 +32,10 @@ ColorDescription TaggedSource(const MapOptions& options, const Still& still) {
 }
 
 void RequireTags(const MapOptions& options, const ColorDescription& tagged) {
-  const bool knowsTransfer = tagged.transfer != 0 && tagged.transfer != H273::kUnspecified;
-  if (knowsTransfer && H273::ChromaticitiesOf(ColorSpace(tagged)).has_value()) return;
+  const auto tells = [](std::uint8_t point) { return point != 0 && point != H273::kUnspecified; };
+  const bool tellsPrimaries =
+      tells(tagged.primaries) || H273::ChromaticitiesOf(ColorSpace(tagged)).has_value();
+  if (tells(tagged.transfer) && tellsPrimaries) return;
   throw CommandError(ExitCode::CannotRead,
                      options.input.string() + " does not say which colour space it is in (" +
                          DescribeColorSpace(tagged) + "); tell with --from NAME (" +
@@ -66,6 +68,18 @@ ColorSpace EngineDestination(const MapOptions& options) {
   ColorDescription destination = options.destination;
   destination.peakLuminance = options.targetPeakNits.value_or(0);
   return ColorSpace(destination);
+}
+
+void RequireDestination(const ColorSpace& source, const ColorSpace& destination, int white) {
+  std::array<float, 4> pixel{};
+  if (CHR::ConvertFrame(pixel.data(), pixel.data(), 1, 1, source, orvmediatypes::kLinearFloatBGRA,
+                        sizeof(pixel), destination, orvmediatypes::kLinearFloatBGRA, sizeof(pixel),
+                        ColorManagementFor(white)) >= 0) {
+    return;
+  }
+  throw CommandError(ExitCode::NotSupported, "no conversion to " +
+                                                 DescribeColorSpace(destination.Description()) +
+                                                 "; choose one of " + ColorSpaceNames());
 }
 
 /// The peak as a signal value of the source.
@@ -115,6 +129,7 @@ MapPlan PlanMap(const MapOptions& options, const Still& still) {
   const PX::VideoFrameRef& picture = still.frame;
   picture->SetColorSpace(ColorSpace(plan.taggedSource));
   const ColorSpace source = EngineSource(plan.taggedSource, options.algorithm);
+  RequireDestination(source, EngineDestination(options), options.white);
   plan.source = ConvertToFloat(picture, source, options.white);
 
   const SourcePeak peak = ChooseSourcePeak(options, still, plan.taggedSource, plan.source);

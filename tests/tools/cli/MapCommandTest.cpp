@@ -250,6 +250,19 @@ TEST_F(MapCommand, TellsWhichOutputFormatsThereAre) {
   EXPECT_THAT(run.err, HasSubstr(".png"));
 }
 
+TEST_F(MapCommand, TellsThatAColourSpaceIsNotKnown) {
+  const std::string chart = Chart("c.png");
+  const std::vector<std::pair<std::string, std::string>> unknown = {
+      {"--to-cicp", "9/99/9"}, {"--to-cicp", "2/2/2"}, {"--from-cicp", "99/16/9"}};
+  for (const auto& [option, points] : unknown) {
+    const RunResult run = RunQuillon({"map", option, points, chart, folder_ / "out.png"});
+    EXPECT_EQ(run.exitCode, 4) << points;
+    EXPECT_THAT(run.err, HasSubstr(points));
+  }
+  EXPECT_EQ(RunQuillon({"map", "--from-cicp", "9/2/9", chart, folder_ / "out.png"}).exitCode, 3);
+  EXPECT_THAT(folder_.Names(), ElementsAre("c.png"));
+}
+
 TEST_F(MapCommand, TellsWhatTheEngineRefused) {
   // A picture mapped to its own peak: the curve has no range to work in.
   const RunResult run =
