@@ -81,7 +81,7 @@ TEST_F(Bands, GiveTheLastOneTheRemainder) {
     const std::vector<Touched> bands = Run(c.height, 2, 8);
     ASSERT_EQ(bands.size(), 16U);
     for (int band = 0; band < 15; ++band) {
-      EXPECT_EQ(bands[static_cast<std::size_t>(band)], (Touched{band * c.rows * 8L, c.rows * 2L}));
+      EXPECT_EQ(bands[static_cast<std::size_t>(band)], (Touched{8L * band * c.rows, 2L * c.rows}));
     }
     EXPECT_EQ(bands[15], (Touched{15L * c.rows * 8L, c.lastRows * 2L}));
   }
@@ -176,7 +176,7 @@ TEST_F(Bands, RunInlineInOnePieceWithoutASubExecutor) {
   // One packed walk from the first pixel: 17 rows of 2 pixels, and nothing past them.
   for (std::size_t place = 0; place < memory_.size(); ++place) {
     const bool color = place % 4 != 3;
-    ASSERT_EQ(memory_[place], place < 17 * 8 && color ? 2.0F : 1.0F) << "float " << place;
+    ASSERT_EQ(memory_[place], place < 136 && color ? 2.0F : 1.0F) << "float " << place;
   }
 }
 

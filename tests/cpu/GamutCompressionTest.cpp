@@ -16,7 +16,7 @@ Pixel Reinhard(Pixel pixel, float limit) {
   return pixel;
 }
 
-Pixel Desaturation(Pixel pixel, SupportVector weights) {
+Pixel Desaturation(Pixel pixel, const SupportVector& weights) {
   Quillon::GamutCompressionDesaturation{}(pixel.data(), weights, {});
   return pixel;
 }

@@ -14,7 +14,7 @@ class WarmUp : public scripted::HostTest {
       if (conversion.width == 2) conversion.destination[4] = peak -= 0.25F;
     };
     const auto record = scripted::MakeRecord(2);
-    std::vector<float> frame(20 * 4, 0.5F);
+    std::vector<float> frame(80, 0.5F);
     return Quillon::QuillonImpl().GenerateGamutMappedFrame(frame.data(), frame.data(), 20, 1, 4, 4,
                                                            record);
   }

@@ -9,7 +9,6 @@
 namespace {
 
 using pipeline::Frames;
-using scripted::Host;
 using scripted::Inventory;
 using scripted::Recycler;
 using scripted::TakeInventory;

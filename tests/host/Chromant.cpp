@@ -33,7 +33,7 @@ std::string DescribePixels(const void* pixels, int width, int height) {
   if (const std::string name = scripted::NameOfPixels(pixels); !name.empty()) {
     return name + ".pixels";
   }
-  const auto count = static_cast<std::size_t>(4 * width * height);
+  const auto count = 4 * static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
   return Describe(std::span(static_cast<const float*>(pixels), count));
 }
 

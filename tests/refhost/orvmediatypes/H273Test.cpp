@@ -10,7 +10,6 @@
 using orvmediatypes::color::Chromaticities;
 using orvmediatypes::color::Chromaticity;
 using orvmediatypes::color::ColorDescription;
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 

@@ -17,7 +17,6 @@
 #include "tools/quillon/io/StillOutputs.h"
 
 using orvmediatypes::color::Chromaticities;
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
