@@ -152,6 +152,7 @@ BandReader MakeLuminanceChromaReader(const StillSource& source) {
     const std::int64_t offset = (y * width + data.min.x) * std::int64_t{sizeof(Imf::Rgba)};
     const auto base = reinterpret_cast<std::uintptr_t>(input->pixels.data()) -
                       static_cast<std::uintptr_t>(offset);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the arithmetic must not be a pointer's
     input->file.setFrameBuffer(reinterpret_cast<Imf::Rgba*>(base), 1,
                                static_cast<std::size_t>(width));
     input->file.readPixels(y, y + count - 1);

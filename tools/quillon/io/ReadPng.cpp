@@ -13,7 +13,6 @@
 #include "tools/quillon/io/PngHandle.h"
 #include "tools/quillon/io/StillReaders.h"
 
-using orvmediatypes::color::Chromaticities;
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 

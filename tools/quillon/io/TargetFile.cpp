@@ -26,6 +26,7 @@ fs::path FolderOf(const fs::path& path) {
 }
 
 /// A new file of a name of its own; removed again unless it is renamed.
+// NOLINTBEGIN(cppcoreguidelines-owning-memory): this class is the owner of its C stream
 class TemporaryFile {
  public:
   explicit TemporaryFile(const fs::path& target) {
@@ -72,6 +73,7 @@ class TemporaryFile {
   fs::path path_;
   std::FILE* file_ = nullptr;
 };
+// NOLINTEND(cppcoreguidelines-owning-memory)
 
 }  // namespace
 
