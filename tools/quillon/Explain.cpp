@@ -1,7 +1,6 @@
 #include "tools/quillon/Explain.h"
 
 #include <array>
-#include <cmath>
 #include <iomanip>
 #include <span>
 #include <string_view>
@@ -47,11 +46,6 @@ std::span<const std::string_view> ParameterNames(ToneMapAlgorithmType algorithm)
     default:
       return kHueNames;
   }
-}
-
-bool HasKnee(ToneMapAlgorithmType algorithm) {
-  return algorithm == ToneMapAlgorithmType::HuePreservationDesaturation ||
-         algorithm == ToneMapAlgorithmType::CARToneCurve;
 }
 
 std::ostream& Label(std::ostream& out, std::string_view label) {

@@ -1,14 +1,11 @@
 #include "tools/quillon/MapOptions.h"
 
-#include "tools/quillon/ColorSpaceNames.h"
+#include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/ExitCodes.h"
 
 using orvmediatypes::color::ToneMapAlgorithmType;
 
 namespace {
-
-constexpr std::uint8_t kTransferPQ = 16;
-constexpr std::uint8_t kTransferHLG = 18;
 
 void Refuse(bool condition, const std::string& sentence) {
   if (condition) throw CommandError(ExitCode::Usage, sentence);
@@ -21,21 +18,24 @@ void CheckToneMapOptions(const MapOptions& options) {
   Refuse(none && options.gain.has_value(), std::string("--gain") + noEffect);
   Refuse(none && options.colorPreservation.has_value(), std::string("--preserve") + noEffect);
 
-  const bool hasKnee = options.algorithm == ToneMapAlgorithmType::HuePreservationDesaturation ||
-                       options.algorithm == ToneMapAlgorithmType::CARToneCurve;
   Refuse(options.knee.has_value() && options.algorithm == ToneMapAlgorithmType::Automatic,
          "--knee has no effect with --algorithm auto, which chooses the knee itself; add "
          "--algorithm hue");
-  Refuse(options.knee.has_value() && !hasKnee,
+  Refuse(options.knee.has_value() && !HasKnee(options.algorithm),
          "--knee has no effect with this algorithm; it belongs to hue and car");
 }
 
 }  // namespace
 
+bool HasKnee(ToneMapAlgorithmType algorithm) {
+  return algorithm == ToneMapAlgorithmType::HuePreservationDesaturation ||
+         algorithm == ToneMapAlgorithmType::CARToneCurve;
+}
+
 void CheckMapOptions(const MapOptions& options) {
   CheckToneMapOptions(options);
-  const bool hdr =
-      options.destination.transfer == kTransferPQ || options.destination.transfer == kTransferHLG;
+  const bool hdr = options.destination.transfer == H273::kTransferPQ ||
+                   options.destination.transfer == H273::kTransferHLG;
   Refuse(options.targetPeakNits.has_value() && !hdr,
          "--target-peak is for PQ and HLG destinations; an SDR destination's 1.0 is the white of "
          "--white (" +

@@ -37,5 +37,8 @@ struct MapOptions {
   bool quiet = false;
 };
 
+/// Whether the algorithm's curve reads the knee.
+bool HasKnee(orvmediatypes::color::ToneMapAlgorithmType algorithm);
+
 /// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
 void CheckMapOptions(const MapOptions& options);
