@@ -17,7 +17,7 @@ Bytes Written(const std::string& name, std::optional<int> depth) {
       MakePicture(48, 40, Tagged(9, 16), [](int x, int y) { return Gradient(x, y, 48, 40); });
   output.light = {1000.0F, 200.0F};
   output.depth = depth;
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteStill(output, folder / name);
   return ReadBytes(folder / name);
 }
@@ -101,7 +101,7 @@ TEST(DamagedStill, NeverEndsInAnythingButAStillError) {
 }
 
 TEST(DamagedStill, IsNamedWithWhatIsWrongAndARemedy) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   Bytes bytes = Written("a.png", 8);
   bytes.resize(bytes.size() / 2);
   WriteBytes(folder / "torn.png", bytes);
@@ -112,7 +112,7 @@ TEST(DamagedStill, IsNamedWithWhatIsWrongAndARemedy) {
 }
 
 TEST(ReadStill, RefusesWhatIsNoPictureFile) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteBytes(folder / "empty.exr", {});
   WriteBytes(folder / "text.png", Bytes(100, 'x'));
   const auto check = [](const std::filesystem::path& path, StillErrorKind kind,
@@ -131,7 +131,7 @@ TEST(ReadStill, RefusesWhatIsNoPictureFile) {
 }
 
 TEST(ReadStill, GoesByContentAndNotByName) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteBytes(folder / "a.exr", Written("a.png", 8));
   EXPECT_EQ(ReadStill(folder / "a.exr").frame->GetBounds().width, 48);
 }

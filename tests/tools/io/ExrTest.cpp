@@ -45,7 +45,7 @@ void AddChannels(Imf::Header& header, const FloatChannels& channels) {
 
 /// Writes an EXR of float channels and reads it back.
 Still RoundTrip(Imf::Header header, FloatChannels channels) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   AddChannels(header, channels);
   {
     Imf::OutputFile file((folder / "a.exr").c_str(), header);
@@ -148,7 +148,7 @@ TEST(ReadExr, ReadsMissingColoursAsZero) {
 }
 
 TEST(ReadExr, ReadsHalfAndUnsignedChannels) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   Imf::Header header(2, 1);
   header.channels().insert("R", Imf::Channel(Imf::HALF));
   header.channels().insert("G", Imf::Channel(Imf::UINT));
@@ -213,7 +213,7 @@ TEST(ReadExr, GivesBlackWhereTheWindowsDoNotMeet) {
 }
 
 TEST(ReadExr, ReadsTiledFilesAndTheirUpperLevelsOnly) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   constexpr int kWidth = 150;
   constexpr int kHeight = 130;
   Imf::Header header(kWidth, kHeight);
@@ -241,7 +241,7 @@ TEST(ReadExr, ReadsTiledFilesAndTheirUpperLevelsOnly) {
 }
 
 TEST(ReadExr, ReadsLuminanceAndChromaThroughOpenExr) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   constexpr int kSide = 80;
   const auto color = [](int x, int y) { return Gradient(x, y, kSide, kSide); };
   {
@@ -260,7 +260,7 @@ TEST(ReadExr, ReadsLuminanceAndChromaThroughOpenExr) {
 }
 
 TEST(ReadExr, TakesTheFirstPartThatHasColour) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   std::vector<Imf::Header> headers(2, Imf::Header(2, 1));
   headers[0].setName("depth");
   headers[1].setName("beauty");

@@ -165,7 +165,7 @@ TEST(ReadPng, DropsAlphaWithARemarkUnlessItIsOpaque) {
 
 TEST(ReadPng, ReadsInterlacedPictures) {
   constexpr int kSide = 13;
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   std::FILE* file = std::fopen((folder / "a.png").c_str(), "wb");
   png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
   png_infop info = png_create_info_struct(png);

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <fstream>
 #include <limits>
-#include <random>
 #include <stdexcept>
 
 #include "host/KS/CreateFrames.h"
@@ -29,26 +28,6 @@ PX::VideoFrameRef MakeFloatFrame(int width, int height, const ColorSpace& colorS
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() {
-  std::random_device random;
-  path_ = fs::temp_directory_path() / ("still_io_test." + std::to_string(random()));
-  fs::create_directory(path_);
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
-
-std::vector<std::string> TemporaryFolder::Names() const {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(path_)) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 void WriteBytes(const fs::path& path, const Bytes& bytes) {
   std::ofstream file(path, std::ios::binary);
   file.write(reinterpret_cast<const char*>(bytes.data()),
@@ -63,7 +42,7 @@ Bytes ReadBytes(const fs::path& path) {
 }
 
 Still ReadStillFromBytes(const Bytes& bytes) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteBytes(folder / "picture", bytes);
   return ReadStill(folder / "picture");
 }

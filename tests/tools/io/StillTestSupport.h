@@ -9,26 +9,11 @@
 #include <vector>
 
 #include "host/PX/IVideoFrame.h"
+#include "tests/tools/ScratchFolder.h"
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/StillError.h"
 
 using Bytes = std::vector<std::uint8_t>;
-
-/// A new folder, removed with everything in it at the end.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-  /// Names of what lies in it.
-  std::vector<std::string> Names() const;
-
- private:
-  std::filesystem::path path_;
-};
 
 void WriteBytes(const std::filesystem::path& path, const Bytes& bytes);
 Bytes ReadBytes(const std::filesystem::path& path);

@@ -59,7 +59,7 @@ class Umask {
 }  // namespace
 
 TEST(WriteTargetFile, WritesTheBytesAndLeavesNothingElse) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   const Bytes bytes{1, 2, 3};
   WriteTargetFile(folder / "a.png", bytes, false);
   EXPECT_EQ(ReadBytes(folder / "a.png"), bytes);
@@ -67,7 +67,7 @@ TEST(WriteTargetFile, WritesTheBytesAndLeavesNothingElse) {
 }
 
 TEST(WriteTargetFile, RefusesAnExistingFileUnlessItMayBeReplaced) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteBytes(folder / "a.png", {9});
   const auto failure = FailureOf([&] { WriteTargetFile(folder / "a.png", Bytes{1}, false); });
   ASSERT_TRUE(failure);
@@ -81,7 +81,7 @@ TEST(WriteTargetFile, RefusesAnExistingFileUnlessItMayBeReplaced) {
 }
 
 TEST(WriteTargetFile, LeavesNothingWhenTheDiskIsFull) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteBytes(folder / "old.png", {9});
   std::optional<Failure> fresh;
   std::optional<Failure> replaced;
@@ -99,7 +99,7 @@ TEST(WriteTargetFile, LeavesNothingWhenTheDiskIsFull) {
 }
 
 TEST(WriteTargetFile, NoticesAFailureThatShowsOnlyOnClosing) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   std::optional<Failure> failure;
   {
     const FileSizeLimit limit(10);
@@ -110,14 +110,14 @@ TEST(WriteTargetFile, NoticesAFailureThatShowsOnlyOnClosing) {
 }
 
 TEST(WriteTargetFile, GivesPermissionsByTheUmask) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   const Umask umask(0027);
   WriteTargetFile(folder / "a.png", Bytes{1}, false);
   EXPECT_EQ(fs::status(folder / "a.png").permissions(), static_cast<fs::perms>(0640));
 }
 
 TEST(CheckTargetFile, RefusesFoldersDevicesAndMissingFolders) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   fs::create_directory(folder / "b.png");
   const auto kindOf = [](const fs::path& path) {
     const auto failure = FailureOf([&] { CheckTargetFile(path, true); });
@@ -130,7 +130,7 @@ TEST(CheckTargetFile, RefusesFoldersDevicesAndMissingFolders) {
 }
 
 TEST(WriteStill, NamesTheFormatsItWrites) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   for (const char* name : {"a.jpg", "a", "a.png.txt"}) {
     const auto failure = FailureOf([&] { WriteStill(SmallOutput(), folder / name); });
     ASSERT_TRUE(failure) << name;
@@ -141,13 +141,13 @@ TEST(WriteStill, NamesTheFormatsItWrites) {
 }
 
 TEST(WriteStill, TakesExtensionsInCapitals) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteStill(SmallOutput(), folder / "A.PNG");
   EXPECT_EQ(ReadBytes(folder / "A.PNG")[1], 'P');
 }
 
 TEST(WriteStill, LeavesNothingWhenEncodingFails) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   StillOutput output = SmallOutput();
   output.frame->SetColorSpace({});
   EXPECT_TRUE(FailureOf([&] { WriteStill(output, folder / "a.png"); }));
@@ -155,7 +155,7 @@ TEST(WriteStill, LeavesNothingWhenEncodingFails) {
 }
 
 TEST(CheckStillTarget, FailsAsWritingWould) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteBytes(folder / "a.png", {1});
   EXPECT_EQ(FailureOf([&] { CheckStillTarget(folder / "a.png", false); })->kind,
             StillErrorKind::CannotWrite);

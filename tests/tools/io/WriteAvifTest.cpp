@@ -43,7 +43,7 @@ ImageFacts FactsOf(const Bytes& file) {
 }
 
 Bytes Written(const StillOutput& output) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteStill(output, folder / "a.avif");
   return ReadBytes(folder / "a.avif");
 }

@@ -28,7 +28,7 @@ StillOutput WideOutput() {
 }  // namespace
 
 TEST(WriteExr, KeepsLinearFloatsBitForBit) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   StillOutput output = WideOutput();
   output.depth = 32;
   WriteStill(output, folder / "a.exr");
@@ -39,7 +39,7 @@ TEST(WriteExr, KeepsLinearFloatsBitForBit) {
 }
 
 TEST(WriteExr, RoundsToHalfByDefault) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   StillOutput output;
   output.frame = MakePicture(1, 1, Tagged(1, 8), [](int, int) {
     return Rgb{1.0F + 1.0F / 2048.0F + 1e-6F, 0.1F, 65504.0F};
@@ -52,7 +52,7 @@ TEST(WriteExr, RoundsToHalfByDefault) {
 }
 
 TEST(WriteExr, WritesTheLinearEquivalentOfPq) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   StillOutput output;
   // PQ code value of 203 nits, ITU-R BT.2408.
   output.frame = MakePicture(1, 1, Tagged(9, 16), [](int, int) {
@@ -67,7 +67,7 @@ TEST(WriteExr, WritesTheLinearEquivalentOfPq) {
 }
 
 TEST(WriteExr, SaysItsPrimariesWhiteAndCompression) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   StillOutput output = WideOutput();
   output.settings = ColorManagementSettings(GraphicsWhiteLuminance::Nits300);
   WriteStill(output, folder / "a.exr");
@@ -85,7 +85,7 @@ TEST(WriteExr, SaysItsPrimariesWhiteAndCompression) {
 }
 
 TEST(WriteExr, KeepsPrimariesGivenByCoordinates) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   StillOutput output = WideOutput();
   orvmediatypes::color::ColorDescription description;
   description.primaries = 2;
@@ -99,7 +99,7 @@ TEST(WriteExr, KeepsPrimariesGivenByCoordinates) {
 }
 
 TEST(WriteExr, RefusesColoursThatAreNotKnownAndUnknownDepths) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   StillOutput output = WideOutput();
   output.depth = 8;
   EXPECT_EQ(FailureOf([&] { WriteStill(output, folder / "a.exr"); })->kind,

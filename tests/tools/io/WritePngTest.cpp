@@ -26,7 +26,7 @@ StillOutput GradientOutput(int primaries, int transfer) {
 }
 
 Bytes Written(const StillOutput& output) {
-  const TemporaryFolder folder;
+  const ScratchFolder folder;
   WriteStill(output, folder / "a.png");
   return ReadBytes(folder / "a.png");
 }
