@@ -16,7 +16,7 @@ typedef struct Bt2390Params {
 /// One value through the EETF.
 ///
 /// Deliberate: above the knee a cubic takes the place of the report's Hermite spline.
-inline float Eetf(float x, Bt2390Params p) {
+QUILLON_FUNCTION float Eetf(float x, Bt2390Params p) {
   float e = ClampToUnit((x - p.sourceBlack) / p.sourceRange);
   if (e > p.kneeStart) {
     const float under = e - 1.0f;
@@ -29,7 +29,7 @@ inline float Eetf(float x, Bt2390Params p) {
 }
 
 /// Each channel on its own. A channel at or below 1e-15 is left as it is, not lifted to black.
-inline void EetfByChannel(float* pq, Bt2390Params p) {
+QUILLON_FUNCTION void EetfByChannel(float* pq, Bt2390Params p) {
   for (int channel = 0; channel < 3; ++channel) {
     if (!(pq[channel] > 1e-15f)) continue;
     const float mapped = Eetf(pq[channel], p);
@@ -39,7 +39,7 @@ inline void EetfByChannel(float* pq, Bt2390Params p) {
 
 /// The ratio that the largest channel is mapped by, for all three. Channels at or below source
 /// black become destination black first.
-inline void EetfMaxRGB(float* pq, Bt2390Params p) {
+QUILLON_FUNCTION void EetfMaxRGB(float* pq, Bt2390Params p) {
   const float black = p.minLum * p.sourceRange + p.sourceBlack;
   for (int channel = 0; channel < 3; ++channel) {
     if (pq[channel] <= p.sourceBlack) pq[channel] = black;

@@ -4,53 +4,54 @@
 #include "curves/Three.h"
 
 /// Ratio by which the soft knee scales one channel on its own.
-inline float SoftKneeRatio(float channel, float knee, float sourcePeak, float destinationPeak) {
-  if (!(channel > knee)) return 1.0f;
-  return SoftKnee(channel, knee, sourcePeak, destinationPeak) / channel;
+QUILLON_CURVE Real SoftKneeRatio(Real channel, float knee, float sourcePeak,
+                                 float destinationPeak) {
+  const Real ratio = SoftKnee(channel, knee, sourcePeak, destinationPeak) / channel;
+  return channel > knee ? ratio : Uniform(1.0f, channel);
 }
 
 /// Share of the way to its largest channel that a scaled channel may go before it passes what the
 /// soft knee gives that channel on its own.
-inline float ShareOfExcess(float perChannel, float scaled, float excess) {
-  if (!(excess > 0.0f)) return 1.0f;
-  return (perChannel - scaled + 1e-15f) / (excess + 1e-15f);
+QUILLON_CURVE Real ShareOfExcess(Real perChannel, Real scaled, Real excess) {
+  const Real share = (perChannel - scaled + 1e-15f) / (excess + 1e-15f);
+  return excess > 0.0f ? share : Uniform(1.0f, excess);
 }
 
 /// Hue-preserving desaturation of one pixel's three colour channels, in place. The pixel is scaled
 /// as a whole by the smallest ratio that the soft knee gives a channel, then moved towards its
 /// largest channel by what the per-channel curves allow, the less the more colour is preserved
 /// (0 to 1). Peaks and knee in linear light, the unit of the pixel.
-inline void HuePreservingDesaturation(float* pixel, float gain, float sourcePeak, float knee,
-                                      float destinationPeak, float colorPreservation) {
-  const float c0 = pixel[0] * gain;
-  const float c1 = pixel[1] * gain;
-  const float c2 = pixel[2] * gain;
+QUILLON_CURVE void HuePreservingDesaturation(Real* pixel, float gain, float sourcePeak, float knee,
+                                             float destinationPeak, float colorPreservation) {
+  const Real c0 = pixel[0] * gain;
+  const Real c1 = pixel[1] * gain;
+  const Real c2 = pixel[2] * gain;
   pixel[0] = c0;
   pixel[1] = c1;
   pixel[2] = c2;
 
   const float k = knee < 1e-15f ? 1e-15f : knee;
-  const float largest = LargestOfThree(c0, c1, c2);
-  if (!(sourcePeak > destinationPeak && sourcePeak > k && largest > k)) return;
+  const QUILLON_MASK isAbove = LargestOfThree(c0, c1, c2) > k;
+  if (!(sourcePeak > destinationPeak && sourcePeak > k && AnyOf(isAbove))) return;
 
-  const float r0 = SoftKneeRatio(c0, k, sourcePeak, destinationPeak);
-  const float r1 = SoftKneeRatio(c1, k, sourcePeak, destinationPeak);
-  const float r2 = SoftKneeRatio(c2, k, sourcePeak, destinationPeak);
-  const float ratio = ClampToUnit(SmallestOfThree(r0, r1, r2));
+  const Real r0 = SoftKneeRatio(c0, k, sourcePeak, destinationPeak);
+  const Real r1 = SoftKneeRatio(c1, k, sourcePeak, destinationPeak);
+  const Real r2 = SoftKneeRatio(c2, k, sourcePeak, destinationPeak);
+  const Real ratio = ClampToUnit(SmallestOfThree(r0, r1, r2));
 
-  const float u0 = ratio * c0;
-  const float u1 = ratio * c1;
-  const float u2 = ratio * c2;
-  const float top = LargestOfThree(u0, u1, u2);
-  const float e0 = top - u0;
-  const float e1 = top - u1;
-  const float e2 = top - u2;
+  const Real u0 = ratio * c0;
+  const Real u1 = ratio * c1;
+  const Real u2 = ratio * c2;
+  const Real top = LargestOfThree(u0, u1, u2);
+  const Real e0 = top - u0;
+  const Real e1 = top - u1;
+  const Real e2 = top - u2;
 
-  const float share =
+  const Real share =
       ClampToUnit(SmallestOfThree(ShareOfExcess(r0 * c0, u0, e0), ShareOfExcess(r1 * c1, u1, e1),
                                   ShareOfExcess(r2 * c2, u2, e2))) *
       ClampToUnit(1.0f - colorPreservation);
-  pixel[0] = u0 + share * e0;
-  pixel[1] = u1 + share * e1;
-  pixel[2] = u2 + share * e2;
+  pixel[0] = isAbove ? u0 + share * e0 : c0;
+  pixel[1] = isAbove ? u1 + share * e1 : c1;
+  pixel[2] = isAbove ? u2 + share * e2 : c2;
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "curves/Language.h"
+
 // 3x3 matrices of doubles, nine numbers row by row, acting on column vectors. Results may not
 // overlap inputs unless it says so.
 
-inline void MultiplyMatrix3(const double* left, const double* right, double* product) {
+QUILLON_FUNCTION void MultiplyMatrix3(const double* left, const double* right, double* product) {
   for (int i = 0; i < 9; ++i) {
     const int column = i % 3;
     const int row = i - column;
@@ -13,7 +15,7 @@ inline void MultiplyMatrix3(const double* left, const double* right, double* pro
 }
 
 /// A vector of three, in place.
-inline void TransformByMatrix3(const double* matrix, double* vector) {
+QUILLON_FUNCTION void TransformByMatrix3(const double* matrix, double* vector) {
   const double x = vector[0];
   const double y = vector[1];
   const double z = vector[2];
@@ -24,7 +26,7 @@ inline void TransformByMatrix3(const double* matrix, double* vector) {
 
 /// Returns the determinant. Where it is 0 the matrix has no inverse and the result's numbers mean
 /// nothing.
-inline double InvertMatrix3(const double* m, double* inverse) {
+QUILLON_FUNCTION double InvertMatrix3(const double* m, double* inverse) {
   const double c0 = m[4] * m[8] - m[5] * m[7];
   const double c1 = m[5] * m[6] - m[3] * m[8];
   const double c2 = m[3] * m[7] - m[4] * m[6];
@@ -46,7 +48,7 @@ inline double InvertMatrix3(const double* m, double* inverse) {
 ///
 /// Grey stays grey to the last bit: three equal channels are what the matrix would give but for
 /// its rounding, and they pass as they are.
-inline void ConvertPrimaries(const double* matrix, double* rgb) {
+QUILLON_FUNCTION void ConvertPrimaries(const double* matrix, double* rgb) {
   if (rgb[0] == rgb[1] && rgb[1] == rgb[2]) return;
   TransformByMatrix3(matrix, rgb);
 }

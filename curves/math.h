@@ -1,0 +1,124 @@
+#pragma once
+
+#include "curves/Language.h"
+
+// Power, logarithm and exponential of floats, with the special values of the C library's powf, logf
+// and expf. Evaluated in double precision to within 2^-42 and rounded to float once: the result is
+// the float nearest to the true value but for about one in 10^5, and never 1 ulp from it.
+//
+// Built from operations that IEEE 754 rounds exactly, and so the same bits everywhere; no fused
+// multiply-add, which not every processor has.
+
+QUILLON_CURVE Real Magnitude(Real x) { return RealOf(BitsOf(x) & 0x7fffffffU, x); }
+
+/// log2(x) for positive normal x, within 2^-50 of its magnitude or of 1.
+///
+/// x = 2^k m with m in [sqrt(1/2), sqrt(2)); s = (m - 1) / (m + 1); log2(m) is a series in odd
+/// powers of s.
+QUILLON_WIDE_CURVE Wide Log2OfNormal(Wide x) {
+  const QUILLON_WIDE_BITS shifted = WideBitsOf(x) + (0x3ff0000000000000ULL - 0x3fe6a09e667f3bcdULL);
+  const Wide m = WideOf((shifted & 0xfffffffffffffULL) + 0x3fe6a09e667f3bcdULL, x);
+  // The double 2^52 + 1023 + k, put together from its bits.
+  const Wide k = WideOf((shifted >> 52) | 0x4330000000000000ULL, x) - (0x1p52 + 1023.0);
+  const Wide s = (m - 1.0) / (m + 1.0);
+  const Wide z = s * s;
+  Wide series = 0x1.eb41e118afd06p-3 * z + 0x1.0bfbd64aea2f3p-2;
+  series = series * z + 0x1.484d875c9fa12p-2;
+  series = series * z + 0x1.a6175e48b8398p-2;
+  series = series * z + 0x1.2776c51066f92p-1;
+  series = series * z + 0x1.ec709dc3a0188p-1;
+  // 2 / ln 2
+  return k + (0x1.71547652b82fep1 * s + s * z * series);
+}
+
+/// 2^x for |x| up to 1020, within 2^-44.
+QUILLON_WIDE_CURVE Wide Exp2OfModerate(Wide x) {
+  const Wide shifted = x + 0x1.8p52;
+  const Wide part = x - (shifted - 0x1.8p52);
+  Wide series = 0x1.b68b1d2497a81p-24 * part + 0x1.63e2940872e0cp-20;
+  series = series * part + 0x1.ffcb424d438afp-17;
+  series = series * part + 0x1.43089f154f7c7p-13;
+  series = series * part + 0x1.5d87fea0ea49ap-10;
+  series = series * part + 0x1.3b2ab71de300bp-7;
+  series = series * part + 0x1.c6b08d703d821p-5;
+  series = series * part + 0x1.ebfbdff8216bcp-3;
+  series = series * part + 0x1.62e42fefa3a04p-1;
+  return WideOf(WideBitsOf(1.0 + part * series) + (WideBitsOf(shifted) << 52), x);
+}
+
+/// 2^x for any x that is a number, infinite from 1020 on and 0 from -1020 down.
+QUILLON_WIDE_CURVE Wide Exp2OfAny(Wide x) {
+  const Wide power = Exp2OfModerate(x);
+  const QUILLON_WIDE_BITS zero = WideBitsOf(x) & 0U;
+  const Wide finite = x > -1020.0 ? power : WideOf(zero, x);
+  return x < 1020.0 ? finite : WideOf(zero | 0x7ff0000000000000ULL, x);
+}
+
+/// pow(x, y) for any x and y, ISO C F.10.4.4.
+QUILLON_CURVE Real PowerOfAnything(Real x, Real y) {
+  const Real infinity = Uniform(QUILLON_INFINITY, x);
+  const Real zero = Uniform(0.0f, x);
+  const Real one = Uniform(1.0f, x);
+  const Real magnitude = Magnitude(x);
+  const Real magnitudeOfY = Magnitude(y);
+
+  const Real moderateY = magnitudeOfY < 0x1p34f ? y : (y > 0.0f ? 0x1p34f * one : -0x1p34f * one);
+  Real power = Narrow(Exp2OfAny(Widen(moderateY) * Log2OfNormal(Widen(magnitude))), x);
+  power = magnitude == 0.0f ? (y > 0.0f ? zero : infinity) : power;
+  power = magnitude == infinity ? (y > 0.0f ? infinity : zero) : power;
+
+  // Adding 2^23 rounds to a whole number, adding 2^24 to an even one, as floats from there on are.
+  const Real whole = (magnitudeOfY + 0x1p23f) - 0x1p23f;
+  const Real even = (magnitudeOfY + 0x1p24f) - 0x1p24f;
+  const QUILLON_MASK isWhole = (magnitudeOfY >= 0x1p23f) | (whole == magnitudeOfY);
+  const QUILLON_MASK isOdd = (magnitudeOfY < 0x1p24f) & isWhole & (even != magnitudeOfY);
+  power = ((BitsOf(x) > 0x7fffffffU) & isOdd) ? -power : power;
+  power = ((x < 0.0f) & (magnitude < infinity) & !isWhole) ? Uniform(QUILLON_NAN, x) : power;
+
+  const Real ofInfiniteY =
+      magnitude == 1.0f ? one : ((magnitude > 1.0f) == (y > 0.0f) ? infinity : zero);
+  power = magnitudeOfY == infinity ? ofInfiniteY : power;
+  power = x != x ? x : power;
+  power = y != y ? y : power;
+  return ((y == 0.0f) | (x == 1.0f)) ? one : power;
+}
+
+/// pow(x, y) for the same y in every lane.
+QUILLON_CURVE Real Power(Real x, float y) {
+  if (y == 1.0f) return x;
+  const Real power = Narrow(Exp2OfModerate((double)y * Log2OfNormal(Widen(x))), x);
+  const int isModerateY = Magnitude(y) <= 6.0f;
+  // Black is frequent, and no reason to leave the short way.
+  const QUILLON_MASK isZero = BitsOf(x) == (y > 0.0f ? 0U : ~0U);
+  const Real ordinary = isZero ? Uniform(0.0f, x) : power;
+  const QUILLON_MASK isOrdinary = ((x > 0.0f) & (x <= 0x1.fffffep127f)) | isZero;
+  if (isModerateY && AllOf(isOrdinary)) return ordinary;
+  const Real any = PowerOfAnything(x, Uniform(y, x));
+  return isModerateY ? (isOrdinary ? ordinary : any) : any;
+}
+
+/// pow(base, y) for the same base in every lane.
+QUILLON_CURVE Real PowerOfBase(float base, Real y) {
+  const Real power = Narrow(Exp2OfModerate(Log2OfNormal(Widen(base)) * Widen(y)), y);
+  const QUILLON_MASK isOrdinary = Magnitude(y) <= 6.0f;
+  const int isOrdinaryBase = base > 0.0f && base <= 0x1.fffffep127f;
+  if (isOrdinaryBase && AllOf(isOrdinary)) return power;
+  const Real any = PowerOfAnything(Uniform(base, y), y);
+  return isOrdinaryBase ? (isOrdinary ? power : any) : any;
+}
+
+/// log(x), the natural one.
+QUILLON_CURVE Real Logarithm(Real x) {
+  const Real logarithm = Narrow(Log2OfNormal(Widen(x)) * 0x1.62e42fefa39efp-1, x);
+  const QUILLON_MASK isOrdinary = (x > 0.0f) & (x <= 0x1.fffffep127f);
+  if (AllOf(isOrdinary)) return logarithm;
+  Real any = x == 0.0f ? Uniform(-QUILLON_INFINITY, x) : Uniform(QUILLON_NAN, x);
+  any = ((x == QUILLON_INFINITY) | (x != x)) ? x : any;
+  return isOrdinary ? logarithm : any;
+}
+
+/// exp(x).
+QUILLON_CURVE Real Exponential(Real x) {
+  const Real exponential = Narrow(Exp2OfAny(Widen(x) * 0x1.71547652b82fep0), x);
+  return x != x ? x : exponential;
+}
