@@ -6,6 +6,7 @@
 
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
+#include "cpu/rows/RowForms.h"
 #include "host/CHR/Applicability.h"
 #include "host/orvcore/Threads.h"
 #include "tonemap/SupportParams.h"
@@ -51,11 +52,9 @@ int PrepareToneMap(PX::ToneMappingUtils::ToneMapSettings& settings, FrameSteps& 
   const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
   if (algorithm == nullptr) return kNotSupported;
   if (steps.toneMapParams.size() < algorithm->paramsRead) return kDegenerateParameters;
-  if (algorithm->prepare != nullptr && !algorithm->prepare(steps.toneMapParams)) {
-    return kDegenerateParameters;
-  }
-  steps.toneMap = algorithm->curve;
-  return kSuccess;
+  steps.toneMap =
+      algorithm->bind != nullptr ? algorithm->bind(steps.toneMapParams) : algorithm->curve;
+  return steps.toneMap ? kSuccess : kDegenerateParameters;
 }
 
 }  // namespace
@@ -110,8 +109,12 @@ void QuillonImpl::GenerateGamutMappedRows(ToneMapPixelFunction toneMap,
                                           const SupportVector& gamutParams,
                                           const GamutMappingSettings& settings) {
   // NOLINTEND(performance-unnecessary-value-param)
-  constexpr int kFloatsPerPixel = 4;
   // Deliberate: rows are walked packed. The stride only places the first pixel of a band.
+  if (MapRows(BestInstructionSet(), {toneMap, compressGamut, toneMapParams, gamutParams, settings},
+              pixel, rowCount, width)) {
+    return;
+  }
+  constexpr int kFloatsPerPixel = 4;
   for (int row = 0; row < rowCount; ++row) {
     for (int column = 0; width > static_cast<float>(column); ++column) {
       if (compressGamut) compressGamut(pixel, gamutParams, settings);

@@ -28,25 +28,32 @@ QUILLON_FUNCTION float Eetf(float x, Bt2390Params p) {
   return (float)lifted * p.sourceRange + p.sourceBlack;
 }
 
-/// Each channel on its own. A channel at or below 1e-15 is left as it is, not lifted to black.
+/// One channel on its own. At or below 1e-15 it is left as it is, not lifted to black.
+QUILLON_FUNCTION float EetfOfChannel(float pq, Bt2390Params p) {
+  if (!(pq > 1e-15f)) return pq;
+  const float mapped = Eetf(pq, p);
+  return mapped > 1.0f ? 1.0f : mapped;
+}
+
+/// Each channel on its own.
 QUILLON_FUNCTION void EetfByChannel(float* pq, Bt2390Params p) {
-  for (int channel = 0; channel < 3; ++channel) {
-    if (!(pq[channel] > 1e-15f)) continue;
-    const float mapped = Eetf(pq[channel], p);
-    pq[channel] = mapped > 1.0f ? 1.0f : mapped;
-  }
+  for (int channel = 0; channel < 3; ++channel) pq[channel] = EetfOfChannel(pq[channel], p);
+}
+
+/// Destination black for a channel at or below source black.
+QUILLON_FUNCTION float LiftSourceBlack(float pq, Bt2390Params p) {
+  return pq <= p.sourceBlack ? p.minLum * p.sourceRange + p.sourceBlack : pq;
+}
+
+/// What the EETF scales a pixel by whose largest channel this is.
+QUILLON_FUNCTION float EetfRatio(float largest, Bt2390Params p) {
+  return ClampToUnit(largest > 1e-15f ? Eetf(largest, p) / largest : 1.0f);
 }
 
 /// The ratio that the largest channel is mapped by, for all three. Channels at or below source
 /// black become destination black first.
 QUILLON_FUNCTION void EetfMaxRGB(float* pq, Bt2390Params p) {
-  const float black = p.minLum * p.sourceRange + p.sourceBlack;
-  for (int channel = 0; channel < 3; ++channel) {
-    if (pq[channel] <= p.sourceBlack) pq[channel] = black;
-  }
-  const float largest = LargestOfThree(pq[0], pq[1], pq[2]);
-  const float ratio = ClampToUnit(largest > 1e-15f ? Eetf(largest, p) / largest : 1.0f);
-  pq[0] *= ratio;
-  pq[1] *= ratio;
-  pq[2] *= ratio;
+  for (int channel = 0; channel < 3; ++channel) pq[channel] = LiftSourceBlack(pq[channel], p);
+  const float ratio = EetfRatio(LargestOfThree(pq[0], pq[1], pq[2]), p);
+  for (int channel = 0; channel < 3; ++channel) pq[channel] *= ratio;
 }

@@ -22,11 +22,11 @@ QUILLON_WIDE_CURVE Wide Log2OfNormal(Wide x) {
   const Wide k = WideOf((shifted >> 52) | 0x4330000000000000ULL, x) - (0x1p52 + 1023.0);
   const Wide s = (m - 1.0) / (m + 1.0);
   const Wide z = s * s;
-  Wide series = 0x1.eb41e118afd06p-3 * z + 0x1.0bfbd64aea2f3p-2;
-  series = series * z + 0x1.484d875c9fa12p-2;
-  series = series * z + 0x1.a6175e48b8398p-2;
-  series = series * z + 0x1.2776c51066f92p-1;
-  series = series * z + 0x1.ec709dc3a0188p-1;
+  const Wide zz = z * z;
+  const Wide s0 = 0x1.2776c51066f92p-1 * z + 0x1.ec709dc3a0188p-1;
+  const Wide s1 = 0x1.484d875c9fa12p-2 * z + 0x1.a6175e48b8398p-2;
+  const Wide s2 = 0x1.eb41e118afd06p-3 * z + 0x1.0bfbd64aea2f3p-2;
+  const Wide series = s0 + zz * (s1 + zz * s2);
   // 2 / ln 2
   return k + (0x1.71547652b82fep1 * s + s * z * series);
 }
@@ -35,14 +35,14 @@ QUILLON_WIDE_CURVE Wide Log2OfNormal(Wide x) {
 QUILLON_WIDE_CURVE Wide Exp2OfModerate(Wide x) {
   const Wide shifted = x + 0x1.8p52;
   const Wide part = x - (shifted - 0x1.8p52);
-  Wide series = 0x1.b68b1d2497a81p-24 * part + 0x1.63e2940872e0cp-20;
-  series = series * part + 0x1.ffcb424d438afp-17;
-  series = series * part + 0x1.43089f154f7c7p-13;
-  series = series * part + 0x1.5d87fea0ea49ap-10;
-  series = series * part + 0x1.3b2ab71de300bp-7;
-  series = series * part + 0x1.c6b08d703d821p-5;
-  series = series * part + 0x1.ebfbdff8216bcp-3;
-  series = series * part + 0x1.62e42fefa3a04p-1;
+  const Wide p2 = part * part;
+  const Wide p4 = p2 * p2;
+  const Wide s0 = 0x1.ebfbdff8216bcp-3 * part + 0x1.62e42fefa3a04p-1;
+  const Wide s1 = 0x1.3b2ab71de300bp-7 * part + 0x1.c6b08d703d821p-5;
+  const Wide s2 = 0x1.43089f154f7c7p-13 * part + 0x1.5d87fea0ea49ap-10;
+  const Wide s3 = 0x1.63e2940872e0cp-20 * part + 0x1.ffcb424d438afp-17;
+  const Wide high = (s2 + p2 * s3) + p4 * 0x1.b68b1d2497a81p-24;
+  const Wide series = (s0 + p2 * s1) + p4 * high;
   return WideOf(WideBitsOf(1.0 + part * series) + (WideBitsOf(shifted) << 52), x);
 }
 
@@ -83,10 +83,10 @@ QUILLON_CURVE Real PowerOfAnything(Real x, Real y) {
   return ((y == 0.0f) | (x == 1.0f)) ? one : power;
 }
 
-/// pow(x, y) for the same y in every lane.
-QUILLON_CURVE Real Power(Real x, float y) {
-  if (y == 1.0f) return x;
-  const Real power = Narrow(Exp2OfModerate((double)y * Log2OfNormal(Widen(x))), x);
+/// pow(x, y) for the same y in every lane, given Log2OfNormal(Widen(x)), which means nothing where
+/// x has no such logarithm. A step of its own for those who take the logarithms of many first.
+QUILLON_CURVE Real PowerFromLog(Real x, float y, QUILLON_WIDE logarithm) {
+  const Real power = Narrow(Exp2OfModerate((double)y * logarithm), x);
   const int isModerateY = Magnitude(y) <= 6.0f;
   // Black is frequent, and no reason to leave the short way.
   const QUILLON_MASK isZero = BitsOf(x) == (y > 0.0f ? 0U : ~0U);
@@ -95,6 +95,11 @@ QUILLON_CURVE Real Power(Real x, float y) {
   if (isModerateY && AllOf(isOrdinary)) return ordinary;
   const Real any = PowerOfAnything(x, Uniform(y, x));
   return isModerateY ? (isOrdinary ? ordinary : any) : any;
+}
+
+/// pow(x, y) for the same y in every lane.
+QUILLON_CURVE Real Power(Real x, float y) {
+  return y == 1.0f ? x : PowerFromLog(x, y, Log2OfNormal(Widen(x)));
 }
 
 /// pow(base, y) for the same base in every lane.

@@ -12,17 +12,28 @@ namespace Quillon {
 
 using orvmediatypes::color::ToneMapAlgorithmType;
 
+namespace {
+
+template <class Curve>
+ToneMapPixelFunction BindITU2390(const SupportVector& params) {
+  if (!PrepareITU2390(params)) return {};
+  return Curve{MakeItu2390Tables(Curve::kForm, params)};
+}
+
+}  // namespace
+
 const ToneMapAlgorithm* FindToneMapAlgorithm(ToneMapAlgorithmType algorithmType) {
   using enum ToneMapAlgorithmType;
   // Deliberate: BT.2446 A declares five parameters and has four.
   static const std::array<ToneMapAlgorithm, 5> kAlgorithms = {{
-      {ITU2390MaxRGB, 13, 13, GetITU2390SupportParams, PrepareITU2390, ITU2390MaxRGBToneMap{}},
-      {ITU2390RGBByChannel, 13, 13, GetITU2390SupportParams, PrepareITU2390,
-       ITU2390RGBByChannelToneMap{}},
-      {ITU2446A, 5, 4, GetITU2446ASupportParams, nullptr, ITU2446AToneMap{}},
-      {HuePreservationDesaturation, 3, 3, GetHuePreservationSupportParams, nullptr,
-       HuePreservationToneMap{}},
-      {CARToneCurve, 7, 7, GetCARToneCurveSupportParams, nullptr, CARToneMap{}},
+      {ITU2390MaxRGB, 13, 13, GetITU2390SupportParams, ITU2390MaxRGBToneMap{},
+       BindITU2390<ITU2390MaxRGBToneMap>},
+      {ITU2390RGBByChannel, 13, 13, GetITU2390SupportParams, ITU2390RGBByChannelToneMap{},
+       BindITU2390<ITU2390RGBByChannelToneMap>},
+      {ITU2446A, 5, 4, GetITU2446ASupportParams, ITU2446AToneMap{}, nullptr},
+      {HuePreservationDesaturation, 3, 3, GetHuePreservationSupportParams, HuePreservationToneMap{},
+       nullptr},
+      {CARToneCurve, 7, 7, GetCARToneCurveSupportParams, CARToneMap{}, nullptr},
   }};
   const auto* found = std::find_if(kAlgorithms.begin(), kAlgorithms.end(),
                                    [&](const auto& entry) { return entry.type == algorithmType; });

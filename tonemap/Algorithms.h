@@ -23,10 +23,10 @@ struct ToneMapAlgorithm {
   std::size_t paramsRead;
   /// Fills the support parameters.
   void (*buildParams)(PX::ToneMappingUtils::ToneMapSettings& settings, SupportVector& params);
-  /// Readies what the curve shares between frames; false when the parameters are degenerate. Null
-  /// where there is neither.
-  bool (*prepare)(const SupportVector& params);
   ToneMapPixelFunction curve;
+  /// The curve with what it needs for all pixels of a frame with these parameters; empty when they
+  /// are degenerate. Null where the curve needs nothing and takes any parameters.
+  ToneMapPixelFunction (*bind)(const SupportVector& params);
 };
 
 /// The algorithm's entry, or null for a value that names none (the automatic choice among them).

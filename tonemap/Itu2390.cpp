@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <span>
 
 #include "base/WorkingColorManagement.h"
 #include "curves/Bt2390.h"
@@ -95,27 +96,25 @@ float DecodePQ(float signal) {
   return pixel[0];
 }
 
-using ApplyEetf = void (*)(float* pq, Bt2390Params params);
+Bt2390Params CurveParams(const float* params) {
+  return {.sourceBlack = params[0],
+          .sourceRange = params[5],
+          .kneeStart = params[8],
+          .minLum = params[6],
+          .maxLum = params[7]};
+}
 
 /// Highlights desaturated in linear light, then the EETF on PQ code values.
-void ToneMap(float* pixel, const SupportVector& params, const ToneMapSettings& settings,
-             ApplyEetf applyEetf) {
+void ToneMap(Itu2390Form form, float* pixel, const SupportVector& params,
+             const ToneMapSettings& settings) {
   DesaturateHighlight(pixel, settings.controls.peakGain, params[9], settings.controls.peak,
                       settings.controls.colorPreservation, params[10], params[11], params[12]);
   const float kneeStart = params[8];
   if (kneeStart >= 1.0F) return;
-  const float white = params[4];
-  std::array<float, 3> pq = {white * pixel[0], white * pixel[1], white * pixel[2]};
-  EncodePQByTable(pq.data());
-  applyEetf(pq.data(), {.sourceBlack = params[0],
-                        .sourceRange = params[5],
-                        .kneeStart = kneeStart,
-                        .minLum = params[6],
-                        .maxLum = params[7]});
-  DecodePQByTable(pq.data());
-  for (std::size_t channel = 0; channel < pq.size(); ++channel)
-    pixel[channel] = pq[channel] / white;
+  ApplyItu2390(form, params.data(), pixel);
 }
+
+bool IsCodeValue(float value) { return value >= 0.0F && value <= 1.0F; }
 
 }  // namespace
 
@@ -127,14 +126,57 @@ bool PrepareITU2390(const SupportVector& params) {
   return WarmPQTables();
 }
 
+void ApplyItu2390(Itu2390Form form, const float* params, float* pixel) {
+  const float white = params[4];
+  std::array<float, 3> pq = {white * pixel[0], white * pixel[1], white * pixel[2]};
+  EncodePQByTable(pq.data());
+  if (form == Itu2390Form::MaxRGB) {
+    EetfMaxRGB(pq.data(), CurveParams(params));
+  } else {
+    EetfByChannel(pq.data(), CurveParams(params));
+  }
+  DecodePQByTable(pq.data());
+  for (std::size_t channel = 0; channel < pq.size(); ++channel)
+    pixel[channel] = pq[channel] / white;
+}
+
+std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
+                                                       const SupportVector& params) {
+  const Bt2390Params curve = CurveParams(params.data());
+  if (curve.kneeStart >= 1.0F) return nullptr;
+  const float white = params[4];
+  const std::span<const float> encode = PQEncodeTable();
+  const std::span<const float> decode = PQDecodeTable();
+
+  auto tables = std::make_shared<Itu2390Tables>();
+  tables->params = params;
+  if (form == Itu2390Form::ByChannel) {
+    for (const float pq : encode) {
+      const float mapped = EetfOfChannel(pq, curve);
+      if (!IsCodeValue(mapped)) return nullptr;
+      tables->mapped.push_back(decode[PQDecodeIndex(mapped)] / white);
+    }
+    return tables;
+  }
+  for (const float pq : encode) {
+    const float lifted = LiftSourceBlack(pq, curve);
+    const float ratio = EetfRatio(lifted, curve);
+    if (!IsCodeValue(lifted) || !IsCodeValue(ratio)) return nullptr;
+    tables->encoded.push_back(lifted);
+    tables->ratio.push_back(ratio);
+  }
+  for (const float nits : decode) tables->decoded.push_back(nits / white);
+  return tables;
+}
+
 void ITU2390MaxRGBToneMap::operator()(float* pixel, const SupportVector& params,
                                       const ToneMapSettings& settings) const {
-  ToneMap(pixel, params, settings, EetfMaxRGB);
+  ToneMap(kForm, pixel, params, settings);
 }
 
 void ITU2390RGBByChannelToneMap::operator()(float* pixel, const SupportVector& params,
                                             const ToneMapSettings& settings) const {
-  ToneMap(pixel, params, settings, EetfByChannel);
+  ToneMap(kForm, pixel, params, settings);
 }
 
 void GetITU2390SupportParams(ToneMapSettings& settings, SupportVector& params) {

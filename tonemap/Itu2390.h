@@ -1,5 +1,8 @@
 #pragma once
 
+#include <memory>
+#include <vector>
+
 #include "base/SupportVector.h"
 #include "host/PX/ToneMappingUtils.h"
 
@@ -22,14 +25,44 @@ void GetITU2390SupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
 /// its peak. Readies the PQ tables on this thread when they can.
 bool PrepareITU2390(const SupportVector& params);
 
-/// The EETF on the largest of red, green and blue, bound to its parameters.
+/// What the EETF is applied to: the largest of red, green and blue, or each.
+enum class Itu2390Form { MaxRGB, ByChannel };
+
+/// Everything that the two PQ tables can lead a curve to: for each whole number of nits, 0 to 9999,
+/// what becomes of it, and for each entry of the decoding table its light. Light is 1.0 at
+/// reference white. Built for one vector of parameters, read by many threads.
+struct Itu2390Tables {
+  SupportVector params;       ///< what the tables were built for
+  std::vector<float> mapped;  ///< by channel, by nits: the result
+
+  std::vector<float> encoded;  ///< MaxRGB, by nits: PQ code value, lifted from source black
+  std::vector<float>
+      ratio;  ///< MaxRGB, by nits: what a pixel with this largest channel is scaled by
+  std::vector<float> decoded;  ///< MaxRGB, by code value in steps of 1/8191: the light
+};
+
+/// Null when the curve does not run (a knee at or above the source's peak), or when these
+/// parameters lead it to code values outside [0, 1], which the decoding table does not have.
+std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
+                                                       const SupportVector& params);
+
+/// The EETF on a pixel whose highlights have been desaturated, in place. `params` are the 13
+/// support parameters.
+void ApplyItu2390(Itu2390Form form, const float* params, float* pixel);
+
+/// The EETF on the largest of red, green and blue, bound to its parameters. Its tables, where it
+/// has any, speed up rows and change no result.
 struct ITU2390MaxRGBToneMap {
+  static constexpr Itu2390Form kForm = Itu2390Form::MaxRGB;
+  std::shared_ptr<const Itu2390Tables> tables;
   void operator()(float* pixel, const SupportVector& params,
                   const PX::ToneMappingUtils::ToneMapSettings& settings) const;
 };
 
-/// The EETF on each channel, bound to its parameters.
+/// The EETF on each channel, likewise.
 struct ITU2390RGBByChannelToneMap {
+  static constexpr Itu2390Form kForm = Itu2390Form::ByChannel;
+  std::shared_ptr<const Itu2390Tables> tables;
   void operator()(float* pixel, const SupportVector& params,
                   const PX::ToneMappingUtils::ToneMapSettings& settings) const;
 };

@@ -42,10 +42,9 @@ const Table<8191>& DecodeTable() {
 }
 
 /// Clamped before the conversion to an index.
-template <std::size_t Size>
-float EntryAt(const Table<Size>& table, float place) {
-  if (!(place >= 1.0F)) return table[0];
-  return table[static_cast<std::size_t>(std::min(place, static_cast<float>(Size - 1)))];
+std::size_t IndexOf(float place, std::size_t size) {
+  if (!(place >= 1.0F)) return 0;
+  return static_cast<std::size_t>(std::min(place, static_cast<float>(size - 1)));
 }
 
 bool IsWithin(const float* pixel, float most) {
@@ -55,14 +54,21 @@ bool IsWithin(const float* pixel, float most) {
 
 }  // namespace
 
+std::span<const float> PQEncodeTable() { return EncodeTable(); }
+std::span<const float> PQDecodeTable() { return DecodeTable(); }
+
+std::size_t PQDecodeIndex(float signal) {
+  return IndexOf(signal / kDecodeStep, DecodeTable().size());
+}
+
 void EncodePQByTable(float* pixel) {
   if (!IsWithin(pixel, kMostNits)) return kPqLinearToSignal(pixel, 1.0F);
-  for (int i = 0; i < 3; ++i) pixel[i] = EntryAt(EncodeTable(), pixel[i]);
+  for (int i = 0; i < 3; ++i) pixel[i] = EncodeTable()[IndexOf(pixel[i], EncodeTable().size())];
 }
 
 void DecodePQByTable(float* pixel) {
   if (!IsWithin(pixel, 1.0F)) return kPqSignalToLinear(pixel, 1.0F);
-  for (int i = 0; i < 3; ++i) pixel[i] = EntryAt(DecodeTable(), pixel[i] / kDecodeStep);
+  for (int i = 0; i < 3; ++i) pixel[i] = DecodeTable()[PQDecodeIndex(pixel[i])];
 }
 
 bool WarmPQTables() {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <span>
+
 namespace Quillon {
 
 /// Nits to PQ code values and back for three floats in place, through process-wide tables that are
@@ -10,6 +13,13 @@ namespace Quillon {
 /// Deliberate: the encoding table has one entry for all light below a nit, and that is black.
 void EncodePQByTable(float* pixel);
 void DecodePQByTable(float* pixel);
+
+/// The tables themselves: code values by whole nits, and nits by code value in steps of 1/8191.
+std::span<const float> PQEncodeTable();
+std::span<const float> PQDecodeTable();
+
+/// The entry of the decoding table that a code value reads.
+std::size_t PQDecodeIndex(float signal);
 
 /// Builds both tables, where they are not there yet, on this thread. False when the host has no PQ
 /// functions.

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/Quillon.h"
-#include "tests/structure/DynamicSymbols.h"
+#include "tests/structure/Symbols.h"
 
 static_assert(std::is_same_v<decltype(&Quillon::ApplyGamutMapping),
                              int (*)(const orvcore::classref::InterfaceRef<PX::IVideoFrame>&,
@@ -12,8 +12,8 @@ static_assert(std::is_same_v<decltype(&Quillon::ApplyGamutMapping),
                                      orvcore::classref::InterfaceRef<PX::IVideoFrame>&)>);
 
 TEST(OneExport, IsApplyGamutMapping) {
-  const std::vector<DynamicSymbol> symbols = ReadDynamicSymbols(QUILLON_LIBRARY);
-  for (const DynamicSymbol& symbol : symbols) {
+  const std::vector<Symbol> symbols = ReadDynamicSymbols(QUILLON_LIBRARY);
+  for (const Symbol& symbol : symbols) {
     EXPECT_EQ(symbol.name,
               "Quillon::ApplyGamutMapping(orvcore::classref::InterfaceRef<PX::IVideoFrame> const&, "
               "PX::GamutMappingUtils::GamutMappingSettings const&, "
@@ -24,9 +24,9 @@ TEST(OneExport, IsApplyGamutMapping) {
 }
 
 TEST(OneExport, IsSoughtAmongAllDynamicSymbols) {
-  const std::vector<DynamicSymbol> symbols = ReadDynamicSymbols(QUILLON_ORVCORE_LIBRARY);
+  const std::vector<Symbol> symbols = ReadDynamicSymbols(QUILLON_ORVCORE_LIBRARY);
   EXPECT_GT(symbols.size(), 1U);
-  EXPECT_TRUE(std::any_of(symbols.begin(), symbols.end(), [](const DynamicSymbol& symbol) {
+  EXPECT_TRUE(std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) {
     return symbol.type == 'T' && symbol.name.starts_with("orvcore::debug::TraceEnabled(");
   }));
 }

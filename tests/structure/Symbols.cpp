@@ -1,4 +1,4 @@
-#include "tests/structure/DynamicSymbols.h"
+#include "tests/structure/Symbols.h"
 
 #include <cstdio>
 #include <sstream>
@@ -16,17 +16,16 @@ std::string OutputOf(const std::string& command) {
   return output;
 }
 
-}  // namespace
-
-std::vector<DynamicSymbol> ReadDynamicSymbols(const std::string& library) {
-  std::istringstream lines(OutputOf(QUILLON_NM " -D -C --defined-only '" + library + "'"));
-  std::vector<DynamicSymbol> symbols;
+std::vector<Symbol> ReadSymbols(const std::string& options, const std::string& file) {
+  std::istringstream lines(
+      OutputOf(QUILLON_NM " " + options + " -C --defined-only '" + file + "'"));
+  std::vector<Symbol> symbols;
   std::string line;
   while (std::getline(lines, line)) {
     // "<address> <type> <name>"; a demangled name has spaces of its own.
     std::istringstream fields(line);
     std::string address;
-    DynamicSymbol symbol;
+    Symbol symbol;
     if (!(fields >> address >> symbol.type >> std::ws) || !std::getline(fields, symbol.name)) {
       throw std::runtime_error("not a line of nm: " + line);
     }
@@ -34,3 +33,11 @@ std::vector<DynamicSymbol> ReadDynamicSymbols(const std::string& library) {
   }
   return symbols;
 }
+
+}  // namespace
+
+std::vector<Symbol> ReadDynamicSymbols(const std::string& library) {
+  return ReadSymbols("-D", library);
+}
+
+std::vector<Symbol> ReadObjectSymbols(const std::string& object) { return ReadSymbols("", object); }

@@ -1,0 +1,134 @@
+#pragma once
+
+// `Lanes`, a vector of floats as wide as the instruction set that the including file is built for
+// has registers, with the operations that curves/Language.h asks of it.
+//
+// Included by the files of one instruction set only, before any curve. Everything is local to the
+// file: nothing that is built for one processor may be linked into code for another.
+
+#if defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
+#include "curves/Language.h"
+
+namespace {
+
+#if defined(__AVX512F__)
+constexpr int kLanes = 16;
+#elif defined(__AVX2__)
+constexpr int kLanes = 8;
+#else
+constexpr int kLanes = 4;
+#endif
+
+using Lanes __attribute__((vector_size(kLanes * sizeof(float)))) = float;
+using LaneInts __attribute__((vector_size(kLanes * sizeof(int)))) = int;
+using LaneBits __attribute__((vector_size(kLanes * sizeof(int)))) = unsigned;
+/// Two registers.
+using WideLanes __attribute__((vector_size(kLanes * sizeof(double)))) = double;
+using WideLaneBits __attribute__((vector_size(kLanes * sizeof(double)))) = unsigned long long;
+
+}  // namespace
+
+template <>
+struct LaneTypes<Lanes> {
+  using Bits = LaneBits;
+  using Mask = LaneInts;
+  using Wide = WideLanes;
+};
+template <>
+struct LaneTypes<WideLanes> {
+  using Bits = WideLaneBits;
+};
+
+static inline Lanes Uniform(float value, Lanes /*like*/) { return value - Lanes{}; }
+static inline Lanes Narrow(WideLanes x, Lanes /*like*/) {
+  return __builtin_convertvector(x, Lanes);
+}
+
+// The unpacking of registers, within each 128 bits: a0 b0 a1 b1, a2 b2 a3 b3, and the same for
+// pairs of floats.
+
+#if defined(__AVX512F__)
+
+static inline WideLanes Widen(Lanes x) {
+  const auto low = __builtin_shufflevector(x, x, 0, 1, 2, 3, 4, 5, 6, 7);
+  const auto high = __builtin_shufflevector(x, x, 8, 9, 10, 11, 12, 13, 14, 15);
+  // The masked form, all lanes in: GCC 12 warns of the plain one's own undefined register.
+  struct {
+    __m512d low;
+    __m512d high;
+  } const wide = {_mm512_maskz_cvtps_pd(0xff, __builtin_bit_cast(__m256, low)),
+                  _mm512_maskz_cvtps_pd(0xff, __builtin_bit_cast(__m256, high))};
+  return __builtin_bit_cast(WideLanes, wide);
+}
+static inline bool AnyOf(LaneInts mask) {
+  return _mm512_movepi32_mask(__builtin_bit_cast(__m512i, mask)) != 0;
+}
+static inline bool AllOf(LaneInts mask) {
+  return _mm512_movepi32_mask(__builtin_bit_cast(__m512i, mask)) == 0xffff;
+}
+static inline Lanes UnpackLow(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 0, 16, 1, 17, 4, 20, 5, 21, 8, 24, 9, 25, 12, 28, 13, 29);
+}
+static inline Lanes UnpackHigh(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 2, 18, 3, 19, 6, 22, 7, 23, 10, 26, 11, 27, 14, 30, 15, 31);
+}
+static inline Lanes UnpackLowPairs(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 0, 1, 16, 17, 4, 5, 20, 21, 8, 9, 24, 25, 12, 13, 28, 29);
+}
+static inline Lanes UnpackHighPairs(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 2, 3, 18, 19, 6, 7, 22, 23, 10, 11, 26, 27, 14, 15, 30, 31);
+}
+
+#elif defined(__AVX2__)
+
+static inline WideLanes Widen(Lanes x) { return __builtin_convertvector(x, WideLanes); }
+static inline bool AnyOf(LaneInts mask) {
+  return _mm256_movemask_ps(__builtin_bit_cast(__m256, mask)) != 0;
+}
+static inline bool AllOf(LaneInts mask) {
+  return _mm256_movemask_ps(__builtin_bit_cast(__m256, mask)) == 0xff;
+}
+static inline Lanes UnpackLow(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 0, 8, 1, 9, 4, 12, 5, 13);
+}
+static inline Lanes UnpackHigh(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 2, 10, 3, 11, 6, 14, 7, 15);
+}
+static inline Lanes UnpackLowPairs(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 0, 1, 8, 9, 4, 5, 12, 13);
+}
+static inline Lanes UnpackHighPairs(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 2, 3, 10, 11, 6, 7, 14, 15);
+}
+
+#else
+
+static inline WideLanes Widen(Lanes x) { return __builtin_convertvector(x, WideLanes); }
+#if defined(__SSE2__)
+static inline bool AnyOf(LaneInts mask) {
+  return _mm_movemask_ps(__builtin_bit_cast(__m128, mask)) != 0;
+}
+static inline bool AllOf(LaneInts mask) {
+  return _mm_movemask_ps(__builtin_bit_cast(__m128, mask)) == 0xf;
+}
+#else
+static inline bool AnyOf(LaneInts mask) { return (mask[0] | mask[1] | mask[2] | mask[3]) != 0; }
+static inline bool AllOf(LaneInts mask) { return (mask[0] & mask[1] & mask[2] & mask[3]) != 0; }
+#endif
+static inline Lanes UnpackLow(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 0, 4, 1, 5);
+}
+static inline Lanes UnpackHigh(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 2, 6, 3, 7);
+}
+static inline Lanes UnpackLowPairs(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 0, 1, 4, 5);
+}
+static inline Lanes UnpackHighPairs(Lanes a, Lanes b) {
+  return __builtin_shufflevector(a, b, 2, 3, 6, 7);
+}
+
+#endif

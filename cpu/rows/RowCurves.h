@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+
+namespace Quillon {
+
+enum class RowGamut { None, Reinhard, Desaturation };
+
+enum class RowTone {
+  None,
+  HuePreserving,
+  Car,
+  Bt2446A,
+  HighlightOnly,  ///< BT.2390 whose knee lies at or above the source's peak
+  Bt2390ByChannel,
+  Bt2390MaxRGB
+};
+
+/// BT.2390 for every whole number of nits from 0 to 9999, and for every entry of the PQ decoding
+/// table: the curve's own arithmetic on all that the two PQ tables can give.
+struct Bt2390Tables {
+  static constexpr int kNits = 10000;
+  static constexpr int kCodes = 8191;
+  const float* mapped;   ///< by nits: result of the curve by channel, 1.0 at white
+  const float* encoded;  ///< by nits: PQ code value, source black replaced by destination black
+  const float* ratio;    ///< by nits: what the largest channel is mapped by
+  const float* decoded;  ///< by PQ code value in steps of 1/8191: light, 1.0 at white
+};
+
+/// Gamut compression and tone curve of a run of pixels with all that they read.
+struct RowCurves {
+  RowGamut gamut = RowGamut::None;
+  RowTone tone = RowTone::None;
+  const float* gamutParams = nullptr;
+  const float* toneParams = nullptr;
+  float gain = 1.0F;
+  float peak = 1.0F;
+  float colorPreservation = 0.0F;
+  Bt2390Tables tables{};
+  /// BT.2390 for a pixel beyond the tables, highlights desaturated already. `self` is this record.
+  void (*mapBeyondTables)(const RowCurves& self, float* pixel) = nullptr;
+};
+
+/// Maps `count` pixels of four floats in place.
+using MapRunFunction = void (*)(const RowCurves& curves, float* pixels, std::size_t count);
+
+/// The same function, built for the instruction sets by name. Results are the same bits.
+void MapRunBaseline(const RowCurves& curves, float* pixels, std::size_t count);
+#if defined(__x86_64__)
+void MapRunAvx2(const RowCurves& curves, float* pixels, std::size_t count);
+void MapRunAvx512(const RowCurves& curves, float* pixels, std::size_t count);
+#endif
+
+}  // namespace Quillon

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "base/SupportVector.h"
+#include "cpu/GamutCompression.h"
+#include "host/PX/GamutMappingUtils.h"
+#include "tonemap/Algorithms.h"
+
+namespace Quillon {
+
+/// Instruction sets that the row forms are built for; the later the wider.
+enum class InstructionSet { Baseline, Avx2, Avx512 };
+
+/// Whether this machine can run them. The baseline always runs.
+bool CanRun(InstructionSet set);
+
+/// The widest that this machine can run.
+InstructionSet BestInstructionSet();
+
+/// The functions of a band and what they are called with.
+struct RowSteps {
+  const ToneMapPixelFunction& toneMap;
+  const GamutCompressionPixelFunction& compressGamut;
+  const SupportVector& toneMapParams;
+  const SupportVector& gamutParams;
+  const PX::GamutMappingUtils::GamutMappingSettings& settings;
+};
+
+/// Maps a band of packed rows by the row forms of the engine's own functions, with the same bits as
+/// pixel by pixel. False, with no pixel touched, when a function is not one of these or its
+/// parameters lead it off the row form: then the functions are to be called. `set` must be one that
+/// can run.
+bool MapRows(InstructionSet set, const RowSteps& steps, float* pixels, int rowCount, float width);
+
+}  // namespace Quillon

@@ -1,0 +1,322 @@
+// Row forms against the functions that they stand for, bit for bit, on every instruction set that
+// this machine has.
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "cpu/QuillonImpl.h"
+#include "cpu/rows/RowForms.h"
+#include "tonemap/CarToneCurve.h"
+#include "tonemap/HuePreservation.h"
+#include "tonemap/Itu2390.h"
+#include "tonemap/Itu2446A.h"
+
+namespace {
+
+using Quillon::InstructionSet;
+using Quillon::SupportVector;
+using Settings = PX::GamutMappingUtils::GamutMappingSettings;
+
+struct Tone {
+  std::string name;
+  Quillon::ToneMapPixelFunction function;
+  SupportVector params;
+  float peak = 5.0F;
+  float gain = 1.0F;
+  float colorPreservation = 0.5F;
+};
+
+struct Gamut {
+  std::string name;
+  Quillon::GamutCompressionPixelFunction function;
+  SupportVector params;
+};
+
+/// From 1000 to 203 nits, all values in units of 203 nits; BT.709 weights.
+std::vector<Tone> Tones() {
+  const SupportVector bt2390 = {0.0F,       0.751827F,  0.0F, 0.5806888F, 203.0F,  0.751827F, 0.0F,
+                                0.7723702F, 0.6585553F, 0.3F, 0.2126F,    0.7152F, 0.0722F};
+  SupportVector lifted = bt2390;
+  lifted[0] = 0.05F;
+  lifted[5] = 0.7F;
+  lifted[6] = 0.02F;
+  SupportVector kneeAtPeak = bt2390;
+  kneeAtPeak[8] = 1.25F;
+  // Leads the EETF below 0, where the decoding table ends.
+  SupportVector beyond = bt2390;
+  beyond[6] = -0.5F;
+  const SupportVector car = {0.5F, 1.4F, 0.7F, 1.0F, 0.2126F, 0.7152F, 0.0722F};
+  const SupportVector bt2446a = {13.26171F, 7.098651F, 0.0005F, 1.0F, 0.0F};
+  return {
+      {"none", {}, {}},
+      {"hue-preserving", Quillon::HuePreservationToneMap{}, {5.0F, 0.5F, 1.0F}},
+      {"hue-preserving, gained",
+       Quillon::HuePreservationToneMap{},
+       {5.0F, 0.0F, 1.0F},
+       5.0F,
+       1.7F,
+       0.1F},
+      {"car", Quillon::CARToneMap{}, car},
+      {"car, threshold above the peak", Quillon::CARToneMap{}, car, 0.3F, 2.0F, 0.0F},
+      {"bt2446a", Quillon::ITU2446AToneMap{}, bt2446a, 1000.0F},
+      {"bt2446a, gained",
+       Quillon::ITU2446AToneMap{},
+       {1.0F, 0.5F, 1.0F, 2.0F},
+       1000.0F,
+       1.3F,
+       1.0F},
+      {"bt2390 max", Quillon::ITU2390MaxRGBToneMap{}, bt2390},
+      {"bt2390 max, lifted", Quillon::ITU2390MaxRGBToneMap{}, lifted, 5.0F, 1.5F, 0.0F},
+      {"bt2390 max, beyond", Quillon::ITU2390MaxRGBToneMap{}, beyond},
+      {"bt2390 max, knee at peak", Quillon::ITU2390MaxRGBToneMap{}, kneeAtPeak},
+      {"bt2390 channel", Quillon::ITU2390RGBByChannelToneMap{}, bt2390},
+      {"bt2390 channel, lifted", Quillon::ITU2390RGBByChannelToneMap{}, lifted, 5.0F, 1.5F, 0.0F},
+      {"bt2390 channel, beyond", Quillon::ITU2390RGBByChannelToneMap{}, beyond},
+      {"bt2390 channel, knee at peak", Quillon::ITU2390RGBByChannelToneMap{}, kneeAtPeak},
+  };
+}
+
+std::vector<Gamut> Gamuts() {
+  return {{"no gamut", {}, {}},
+          {"reinhard", Quillon::GamutCompressionReinhard{}, {2.0F}},
+          {"reinhard to 1", Quillon::GamutCompressionReinhard{}, {1.0F}},
+          {"desaturation", Quillon::GamutCompressionDesaturation{}, {0.2126F, 0.7152F, 0.0722F}}};
+}
+
+/// Light as in HDR pictures, some channels out of gamut, some beyond all tables.
+std::vector<float> Picture(std::size_t pixels) {
+  std::mt19937 random(1);
+  std::lognormal_distribution<float> light(-1.0F, 1.6F);
+  std::uniform_int_distribution<int> percent(0, 99);
+  std::vector<float> floats(pixels * 4);
+  for (float& value : floats) {
+    value = light(random);
+    const int kind = percent(random);
+    if (kind < 5) value = -0.2F * value;
+    if (kind == 5) value = 0.0F;
+    if (kind == 6) value *= 100.0F;
+  }
+  return floats;
+}
+
+/// 30 special values in every combination of the three channels, each pixel with another alpha.
+std::vector<float> SpecialPixels() {
+  std::vector<float> values = {std::numeric_limits<float>::quiet_NaN(),
+                               std::numeric_limits<float>::infinity(),
+                               -std::numeric_limits<float>::infinity()};
+  for (const float value :
+       {0.0F, 0x1p-149F, 0x1p-126F, 0x1.fffffcp-127F, 1e-15F, 0x1.20fa1ep-50F, 0.0049F, 0.3F, 0.5F,
+        0x1.000002p-1F, 1.0F, 5.0F, 49.26108F, 49.5F, 1e30F, 0x1.fffffep127F}) {
+    values.push_back(value);
+    values.push_back(-value);
+  }
+  values.erase(values.end() - 5, values.end());
+  std::vector<float> floats;
+  for (const float blue : values) {
+    for (const float green : values) {
+      for (const float red : values) {
+        floats.insert(floats.end(), {blue, green, red, static_cast<float>(floats.size())});
+      }
+    }
+  }
+  return floats;
+}
+
+Settings SettingsOf(const Tone& tone) {
+  Settings settings;
+  settings.toneMapSettings.controls.peak = tone.peak;
+  settings.toneMapSettings.controls.peakGain = tone.gain;
+  settings.toneMapSettings.controls.colorPreservation = tone.colorPreservation;
+  return settings;
+}
+
+bool SameBits(float first, float second) {
+  return std::bit_cast<std::uint32_t>(first) == std::bit_cast<std::uint32_t>(second) ||
+         (std::isnan(first) && std::isnan(second));
+}
+
+class RowForms : public testing::TestWithParam<InstructionSet> {
+ protected:
+  void SetUp() override {
+    if (!Quillon::CanRun(GetParam())) GTEST_SKIP() << "this processor lacks the instruction set";
+  }
+
+  /// Whether `pixels` mapped as one row of them all has the bits of pixel by pixel. Ends at the
+  /// first that differs. Returns whether there is a row form for these steps.
+  bool Compare(const Gamut& gamut, const Tone& tone, const std::vector<float>& pixels) {
+    SCOPED_TRACE(gamut.name + ", " + tone.name);
+    const Settings settings = SettingsOf(tone);
+    std::vector<float> rows = pixels;
+    if (!Quillon::MapRows(GetParam(),
+                          {tone.function, gamut.function, tone.params, gamut.params, settings},
+                          rows.data(), 1, static_cast<float>(pixels.size() / 4))) {
+      EXPECT_EQ(std::memcmp(rows.data(), pixels.data(), pixels.size() * sizeof(float)), 0);
+      return false;
+    }
+    for (std::size_t place = 0; place < pixels.size(); place += 4) {
+      std::vector<float> pixel(&pixels[place], &pixels[place] + 4);
+      if (gamut.function) gamut.function(pixel.data(), gamut.params, settings);
+      if (tone.function) tone.function(pixel.data(), tone.params, settings.toneMapSettings);
+      for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_TRUE(SameBits(rows[place + i], pixel[i]))
+            << std::hexfloat << "pixel " << place / 4 << " float " << i << ": " << rows[place + i]
+            << " instead of " << pixel[i] << " from " << pixels[place] << ", " << pixels[place + 1]
+            << ", " << pixels[place + 2];
+      }
+      if (HasFailure()) break;
+    }
+    return true;
+  }
+
+  void CompareAll(const std::vector<float>& pixels) {
+    for (const Gamut& gamut : Gamuts()) {
+      for (const Tone& tone : Tones()) {
+        const bool hasRowForm = Compare(gamut, tone, pixels);
+        EXPECT_EQ(hasRowForm, tone.name.find("beyond") == std::string::npos)
+            << gamut.name << ", " << tone.name;
+        if (HasFailure()) return;
+      }
+    }
+  }
+};
+
+TEST_P(RowForms, GiveTheBitsOfThePixelFunctionsOnAPicture) { CompareAll(Picture(20000)); }
+
+TEST_P(RowForms, GiveTheBitsOfThePixelFunctionsOnSpecialValuesInEveryChannel) {
+  const std::vector<float> pixels = SpecialPixels();
+  ASSERT_EQ(pixels.size(), 30U * 30U * 30U * 4U);
+  CompareAll(pixels);
+}
+
+TEST_P(RowForms, GiveTheBitsOfThePixelFunctionsAtEveryWidthTo70) {
+  const std::vector<float> picture = Picture(70);
+  for (std::size_t width = 1; width <= 70; ++width) {
+    CompareAll(std::vector<float>(picture.begin(),
+                                  picture.begin() + static_cast<std::ptrdiff_t>(width * 4)));
+    ASSERT_FALSE(HasFailure()) << "width " << width;
+  }
+}
+
+TEST_P(RowForms, WalkPaddedRowsPackedAndTouchNothingBehindThem) {
+  for (const Tone& tone : Tones()) {
+    const Gamut gamut = Gamuts()[1];
+    const Settings settings = SettingsOf(tone);
+    const std::vector<float> before = Picture(40 * 7);
+    std::vector<float> rows = before;
+    if (!Quillon::MapRows(GetParam(),
+                          {tone.function, gamut.function, tone.params, gamut.params, settings},
+                          rows.data(), 7, 37.0F)) {
+      continue;
+    }
+    for (std::size_t place = 0; place < before.size(); place += 4) {
+      std::vector<float> pixel(&before[place], &before[place] + 4);
+      if (place / 4 < 37 * 7) {
+        gamut.function(pixel.data(), gamut.params, settings);
+        if (tone.function) tone.function(pixel.data(), tone.params, settings.toneMapSettings);
+      }
+      for (std::size_t i = 0; i < 4; ++i) {
+        ASSERT_TRUE(SameBits(rows[place + i], pixel[i])) << tone.name << " float " << place + i;
+      }
+    }
+  }
+}
+
+TEST_P(RowForms, CountColumnsAsTheRowWalkDoes) {
+  const Tone tone = {"double", Quillon::HuePreservationToneMap{}, {0.5F, 0.5F, 1.0F}, 1.0F, 2.0F};
+  const Settings settings = SettingsOf(tone);
+  const struct {
+    int rows;
+    float width;
+    int mapped;
+  } kWalks[] = {{2, 3.0F, 6},  {1, 2.5F, 3}, {0, 3.0F, 0},
+                {-1, 3.0F, 0}, {2, 0.0F, 0}, {2, -3.0F, 0}};
+  for (const auto& walk : kWalks) {
+    std::vector<float> pixels(40, 1.0F);
+    ASSERT_TRUE(Quillon::MapRows(GetParam(), {tone.function, {}, tone.params, {}, settings},
+                                 pixels.data(), walk.rows, walk.width));
+    for (int i = 0; i < 10; ++i) {
+      EXPECT_EQ(pixels[static_cast<std::size_t>(i) * 4], i < walk.mapped ? 2.0F : 1.0F)
+          << walk.rows << " rows of " << walk.width;
+    }
+  }
+}
+
+TEST_P(RowForms, TablesOfOtherParametersAreNotUsed) {
+  const std::vector<Tone> tones = Tones();
+  for (const Tone& tone : tones) {
+    if (tone.name != "bt2390 max" && tone.name != "bt2390 channel") continue;
+    Tone mixed = tone;
+    SupportVector others = tone.params;
+    others[8] = 0.4F;
+    if (tone.name == "bt2390 max") {
+      mixed.function =
+          Quillon::ITU2390MaxRGBToneMap{MakeItu2390Tables(Quillon::Itu2390Form::MaxRGB, others)};
+    } else {
+      mixed.function = Quillon::ITU2390RGBByChannelToneMap{
+          MakeItu2390Tables(Quillon::Itu2390Form::ByChannel, others)};
+    }
+    EXPECT_TRUE(Compare(Gamuts()[0], mixed, Picture(1000)));
+  }
+}
+
+TEST_P(RowForms, AreNotThereForOtherFunctions) {
+  const Settings settings;
+  std::vector<float> pixels(16, 0.5F);
+  const Quillon::ToneMapPixelFunction other = [](float* pixel, const SupportVector&, const auto&) {
+    pixel[0] = 7.0F;
+  };
+  const Quillon::GamutCompressionPixelFunction otherGamut = [](float* pixel, const SupportVector&,
+                                                               const auto&) { pixel[0] = 7.0F; };
+  EXPECT_FALSE(Quillon::MapRows(GetParam(), {other, {}, {}, {}, settings}, pixels.data(), 1, 4.0F));
+  EXPECT_FALSE(
+      Quillon::MapRows(GetParam(), {{}, otherGamut, {}, {}, settings}, pixels.data(), 1, 4.0F));
+  EXPECT_EQ(pixels, std::vector<float>(16, 0.5F));
+}
+
+TEST_P(RowForms, AreNotThereForWidthsThatFloatsCannotCount) {
+  const Settings settings;
+  std::vector<float> pixels(16, 0.5F);
+  EXPECT_FALSE(Quillon::MapRows(GetParam(), {{}, {}, {}, {}, settings}, pixels.data(), 1, 0x1p24F));
+  EXPECT_FALSE(
+      Quillon::MapRows(GetParam(), {{}, {}, {}, {}, settings}, pixels.data(), 1, std::nanf("")));
+}
+
+TEST(RowFormsOfTheEngine, RunWhenRowsAreMapped) {
+  const std::vector<Tone> tones = Tones();
+  const Tone& tone = tones[1];
+  std::vector<float> pixels = Picture(100);
+  std::vector<float> rows = pixels;
+  Quillon::QuillonImpl().GenerateGamutMappedRows(tone.function, {}, pixels.data(), 2, 200, 50.0F,
+                                                 tone.params, {}, SettingsOf(tone));
+  ASSERT_TRUE(Quillon::MapRows(Quillon::BestInstructionSet(),
+                               {tone.function, {}, tone.params, {}, SettingsOf(tone)}, rows.data(),
+                               2, 50.0F));
+  EXPECT_EQ(pixels, rows);
+}
+
+std::string NameOf(const testing::TestParamInfo<InstructionSet>& info) {
+  switch (info.param) {
+    case InstructionSet::Baseline:
+      return "Baseline";
+    case InstructionSet::Avx2:
+      return "Avx2";
+    case InstructionSet::Avx512:
+      return "Avx512";
+  }
+  return "Unknown";
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, RowForms,
+                         testing::Values(InstructionSet::Baseline, InstructionSet::Avx2,
+                                         InstructionSet::Avx512),
+                         NameOf);
+
+}  // namespace
