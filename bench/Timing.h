@@ -3,7 +3,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <span>
 #include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "bench/Frames.h"
 
 /// Seconds that the function takes.
 template <class Function>
@@ -18,4 +23,21 @@ inline double Median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
   return *middle;
+}
+
+/// Reads and writes each float once: what no mapping in place can go below.
+inline void ReadAndWrite(std::span<float> floats) {
+  for (float& value : floats) value *= 0.5F;
+}
+
+/// Puts the medians into the benchmark's counters: ns a pixel of a 4K frame, and the ratio to the
+/// floor. Returns the ns.
+inline double ReportRatios(benchmark::State& state, const std::vector<double>& calls,
+                           const std::vector<double>& floors) {
+  const double call = Median(calls) * 1e9 / kPixels;
+  const double floor = Median(floors) * 1e9 / kPixels;
+  state.counters["ns/pixel"] = call;
+  state.counters["floor_ns/pixel"] = floor;
+  state.counters["to_floor"] = call / floor;
+  return call;
 }
