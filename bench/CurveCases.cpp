@@ -77,8 +77,8 @@ std::vector<float> MakePicture(Picture kind) {
   }
   PlaceAboveKnee(picture);
   if (kind == Picture::NegativeChannels) {
-    for (std::size_t i = 0; i < picture.size(); ++i) {
-      if (i % 4 != 3 && twenty(random) == 0) picture[i] *= -0.1F;
+    for (std::size_t i = 0; i < picture.size(); i += 4) {
+      if (twenty(random) == 0) picture[i + random() % 3] *= -0.1F;
     }
   }
   return picture;

@@ -23,7 +23,7 @@ std::vector<CurveCase> CurveCases();
 
 enum class Picture {
   Hdr,              ///< light inside the gamut
-  NegativeChannels  ///< the same with one channel in twenty negative
+  NegativeChannels  ///< the same with a negative channel in one pixel of twenty, at random
 };
 
 /// BGRA pixels of a 4K picture, packed: light varies smoothly, log-normal, and lies above the

@@ -16,44 +16,45 @@ typedef struct Bt2390Params {
 /// One value through the EETF.
 ///
 /// Deliberate: above the knee a cubic takes the place of the report's Hermite spline.
-QUILLON_FUNCTION float Eetf(float x, Bt2390Params p) {
-  float e = ClampToUnit((x - p.sourceBlack) / p.sourceRange);
-  if (e > p.kneeStart) {
-    const float under = e - 1.0f;
-    const float toPeak = p.maxLum - 1.0f;
-    e = under * under * under / (toPeak * toPeak) * 0.1481f + p.maxLum;
-  }
-  const double rest = 1.0f - e;
-  const double lifted = rest * rest * (rest * rest) * (double)p.minLum + (double)e;
-  return (float)lifted * p.sourceRange + p.sourceBlack;
+QUILLON_CURVE Real Eetf(Real x, Bt2390Params p) {
+  const Real signal = ClampToUnit((x - p.sourceBlack) / p.sourceRange);
+  const Real under = signal - 1.0f;
+  const float toPeak = p.maxLum - 1.0f;
+  const Real rolled = under * under * under / (toPeak * toPeak) * 0.1481f + p.maxLum;
+  const Real e = signal > p.kneeStart ? rolled : signal;
+  const QUILLON_WIDE rest = Widen(1.0f - e);
+  const QUILLON_WIDE lifted = rest * rest * (rest * rest) * (double)p.minLum + Widen(e);
+  return Narrow(lifted, x) * p.sourceRange + p.sourceBlack;
 }
 
 /// One channel on its own. At or below 1e-15 it is left as it is, not lifted to black.
-QUILLON_FUNCTION float EetfOfChannel(float pq, Bt2390Params p) {
-  if (!(pq > 1e-15f)) return pq;
-  const float mapped = Eetf(pq, p);
-  return mapped > 1.0f ? 1.0f : mapped;
+QUILLON_CURVE Real EetfOfChannel(Real pq, Bt2390Params p) {
+  const Real mapped = Eetf(pq, p);
+  const Real atMostOne = mapped > 1.0f ? Uniform(1.0f, pq) : mapped;
+  return pq > 1e-15f ? atMostOne : pq;
 }
 
 /// Each channel on its own.
-QUILLON_FUNCTION void EetfByChannel(float* pq, Bt2390Params p) {
+QUILLON_CURVE void EetfByChannel(Real* pq, Bt2390Params p) {
   for (int channel = 0; channel < 3; ++channel) pq[channel] = EetfOfChannel(pq[channel], p);
 }
 
 /// Destination black for a channel at or below source black.
-QUILLON_FUNCTION float LiftSourceBlack(float pq, Bt2390Params p) {
-  return pq <= p.sourceBlack ? p.minLum * p.sourceRange + p.sourceBlack : pq;
+QUILLON_CURVE Real LiftSourceBlack(Real pq, Bt2390Params p) {
+  const float black = p.minLum * p.sourceRange + p.sourceBlack;
+  return pq <= p.sourceBlack ? Uniform(black, pq) : pq;
 }
 
 /// What the EETF scales a pixel by whose largest channel this is.
-QUILLON_FUNCTION float EetfRatio(float largest, Bt2390Params p) {
-  return ClampToUnit(largest > 1e-15f ? Eetf(largest, p) / largest : 1.0f);
+QUILLON_CURVE Real EetfRatio(Real largest, Bt2390Params p) {
+  const Real ratio = Eetf(largest, p) / largest;
+  return ClampToUnit(largest > 1e-15f ? ratio : Uniform(1.0f, largest));
 }
 
 /// The ratio that the largest channel is mapped by, for all three. Channels at or below source
 /// black become destination black first.
-QUILLON_FUNCTION void EetfMaxRGB(float* pq, Bt2390Params p) {
+QUILLON_CURVE void EetfMaxRGB(Real* pq, Bt2390Params p) {
   for (int channel = 0; channel < 3; ++channel) pq[channel] = LiftSourceBlack(pq[channel], p);
-  const float ratio = EetfRatio(LargestOfThree(pq[0], pq[1], pq[2]), p);
-  for (int channel = 0; channel < 3; ++channel) pq[channel] *= ratio;
+  const Real ratio = EetfRatio(LargestOfThree(pq[0], pq[1], pq[2]), p);
+  for (int channel = 0; channel < 3; ++channel) pq[channel] = pq[channel] * ratio;
 }

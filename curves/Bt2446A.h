@@ -5,16 +5,6 @@
 
 // Report ITU-R BT.2446-1, clause 4: method A.
 
-/// The curve proper, from an encoded value to an encoded value. 0 for what is not above 0.
-QUILLON_CURVE Real Bt2446AEncoded(Real encoded, float rhoHdr) {
-  const Real e = Logarithm((rhoHdr - 1.0f) * encoded + 1.0f) / Logarithm(rhoHdr);
-  Real mapped = e <= 1.0f ? 0.5f * e + 0.5f : Uniform(1.0f, e);
-  mapped = e < 0.9909f ? 2.7811f * e - 1.151f * e * e - 0.6302f : mapped;
-  mapped = e < 0.7399f ? 1.077f * e : mapped;
-  mapped = e < 0.0f ? Uniform(0.0f, e) : mapped;
-  return encoded > 0.0f ? mapped : Uniform(0.0f, e);
-}
-
 // Deliberate: 0.4166 and 2.4 are not reciprocal.
 #define QUILLON_BT2446A_ENCODING 0.4166f
 #define QUILLON_BT2446A_DECODING 2.4f
@@ -27,6 +17,22 @@ QUILLON_CURVE Real Bt2446AEncodable(Real value) {
   return hasPower ? value : Uniform(0.0f, value);
 }
 
+/// From an encoded channel to what the logarithm is taken of.
+QUILLON_CURVE Real Bt2446ALoggable(Real encoded, float rhoHdr) {
+  return (rhoHdr - 1.0f) * encoded + 1.0f;
+}
+
+/// The curve proper, from the logarithm to an encoded result. 0 for a channel whose encoded value
+/// is not above 0.
+QUILLON_CURVE Real Bt2446ACurve(Real encoded, Real logarithm, float rhoHdr) {
+  const Real e = logarithm / Logarithm(rhoHdr);
+  Real mapped = e <= 1.0f ? 0.5f * e + 0.5f : Uniform(1.0f, e);
+  mapped = e < 0.9909f ? 2.7811f * e - 1.151f * e * e - 0.6302f : mapped;
+  mapped = e < 0.7399f ? 1.077f * e : mapped;
+  mapped = e < 0.0f ? Uniform(0.0f, e) : mapped;
+  return encoded > 0.0f ? mapped : Uniform(0.0f, e);
+}
+
 /// From the curve's encoded result to what the decoding power is taken of.
 QUILLON_CURVE Real Bt2446ADecodable(Real mapped, float rhoSdr) {
   return (PowerOfBase(rhoSdr, mapped) - 1.0f) / (rhoSdr - 1.0f);
@@ -36,7 +42,8 @@ QUILLON_CURVE Real Bt2446ADecodable(Real mapped, float rhoSdr) {
 /// it gives 0.
 QUILLON_CURVE Real Bt2446AChannel(Real value, float rhoHdr, float rhoSdr) {
   const Real encoded = Power(Bt2446AEncodable(value), QUILLON_BT2446A_ENCODING);
-  const Real mapped = Bt2446AEncoded(encoded, rhoHdr);
+  const Real logarithm = Logarithm(Bt2446ALoggable(encoded, rhoHdr));
+  const Real mapped = Bt2446ACurve(encoded, logarithm, rhoHdr);
   return Power(Bt2446ADecodable(mapped, rhoSdr), QUILLON_BT2446A_DECODING);
 }
 

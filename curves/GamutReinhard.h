@@ -2,16 +2,13 @@
 
 #include "curves/Three.h"
 
-/// One channel's distance from the largest, clamped to the limit, then compressed above the
-/// threshold so that the limit lands on 1.
+/// One channel's distance from the largest, compressed above the threshold so that the limit, which
+/// is above 1, lands on 1.
 QUILLON_CURVE Real CompressGamutDistance(Real distance, float limit, float threshold,
                                          float oneLessThreshold) {
-  const Real d = limit < distance ? Uniform(limit, distance) : distance;
-  const QUILLON_MASK isFar = d > threshold;
-  if (!(limit > 1.0f && AnyOf(isFar))) return d;
   const float k = (limit - threshold) * oneLessThreshold / (limit - 1.0f);
-  const Real x = d - threshold;
-  return isFar ? (d - x) + x * k / (x + k) : d;
+  const Real x = distance - threshold;
+  return distance > threshold ? (distance - x) + x * k / (x + k) : distance;
 }
 
 /// Gamut compression of one pixel's three colour channels in place: channels far below the largest
@@ -25,10 +22,18 @@ QUILLON_CURVE void CompressGamutReinhard(Real* pixel, float limit) {
   const QUILLON_MASK isBlack = largest <= 1e-15f;
   if (AllOf(isBlack)) return;
   const Real inverse = 1.0f / largest;
-  // 1 - 0.98 and 1 - 0.92 as single precision has them.
-  const Real d0 = CompressGamutDistance((largest - c0) * inverse, limit, 0.98f, 1.0f - 0.98f);
-  const Real d1 = CompressGamutDistance((largest - c1) * inverse, limit, 0.92f, 1.0f - 0.92f);
-  const Real d2 = CompressGamutDistance((largest - c2) * inverse, limit, 0.98f, 1.0f - 0.98f);
+  Real d0 = (largest - c0) * inverse;
+  Real d1 = (largest - c1) * inverse;
+  Real d2 = (largest - c2) * inverse;
+  d0 = limit < d0 ? Uniform(limit, d0) : d0;
+  d1 = limit < d1 ? Uniform(limit, d1) : d1;
+  d2 = limit < d2 ? Uniform(limit, d2) : d2;
+  if (limit > 1.0f && AnyOf((d0 > 0.98f) | (d1 > 0.92f) | (d2 > 0.98f))) {
+    // 1 - 0.98 and 1 - 0.92 as single precision has them.
+    d0 = CompressGamutDistance(d0, limit, 0.98f, 1.0f - 0.98f);
+    d1 = CompressGamutDistance(d1, limit, 0.92f, 1.0f - 0.92f);
+    d2 = CompressGamutDistance(d2, limit, 0.98f, 1.0f - 0.98f);
+  }
   pixel[0] = isBlack ? c0 : largest - d0 * largest;
   pixel[1] = isBlack ? c1 : largest - d1 * largest;
   pixel[2] = isBlack ? c2 : largest - d2 * largest;

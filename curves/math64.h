@@ -7,7 +7,7 @@
 #include "curves/math.h"
 
 // Power, logarithm and exponential in double precision, for functions whose results are rounded to
-// float: within 2^-42 of the true value. On a GPU they need its double precision.
+// float: within 2^-37 of the true value. On a GPU they need its double precision.
 
 QUILLON_FUNCTION double Magnitude64(double x) {
   return WideOf(WideBitsOf(x) & 0x7fffffffffffffffULL, x);

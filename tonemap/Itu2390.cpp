@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <span>
 
 #include "base/WorkingColorManagement.h"
 #include "curves/Bt2390.h"
@@ -96,14 +95,6 @@ float DecodePQ(float signal) {
   return pixel[0];
 }
 
-Bt2390Params CurveParams(const float* params) {
-  return {.sourceBlack = params[0],
-          .sourceRange = params[5],
-          .kneeStart = params[8],
-          .minLum = params[6],
-          .maxLum = params[7]};
-}
-
 /// Highlights desaturated in linear light, then the EETF on PQ code values.
 void ToneMap(Itu2390Form form, float* pixel, const SupportVector& params,
              const ToneMapSettings& settings) {
@@ -126,14 +117,22 @@ bool PrepareITU2390(const SupportVector& params) {
   return WarmPQTables();
 }
 
+Bt2390Params Itu2390CurveParams(const float* params) {
+  return {.sourceBlack = params[0],
+          .sourceRange = params[5],
+          .kneeStart = params[8],
+          .minLum = params[6],
+          .maxLum = params[7]};
+}
+
 void ApplyItu2390(Itu2390Form form, const float* params, float* pixel) {
   const float white = params[4];
   std::array<float, 3> pq = {white * pixel[0], white * pixel[1], white * pixel[2]};
   EncodePQByTable(pq.data());
   if (form == Itu2390Form::MaxRGB) {
-    EetfMaxRGB(pq.data(), CurveParams(params));
+    EetfMaxRGB(pq.data(), Itu2390CurveParams(params));
   } else {
-    EetfByChannel(pq.data(), CurveParams(params));
+    EetfByChannel(pq.data(), Itu2390CurveParams(params));
   }
   DecodePQByTable(pq.data());
   for (std::size_t channel = 0; channel < pq.size(); ++channel)
@@ -142,30 +141,25 @@ void ApplyItu2390(Itu2390Form form, const float* params, float* pixel) {
 
 std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
                                                        const SupportVector& params) {
-  const Bt2390Params curve = CurveParams(params.data());
+  const Bt2390Params curve = Itu2390CurveParams(params.data());
   if (curve.kneeStart >= 1.0F) return nullptr;
   const float white = params[4];
-  const std::span<const float> encode = PQEncodeTable();
-  const std::span<const float> decode = PQDecodeTable();
-
   auto tables = std::make_shared<Itu2390Tables>();
   tables->params = params;
-  if (form == Itu2390Form::ByChannel) {
-    for (const float pq : encode) {
+  for (const float nits : PQDecodeTable()) tables->decoded.push_back(nits / white);
+  for (const float pq : PQEncodeTable()) {
+    if (form == Itu2390Form::ByChannel) {
       const float mapped = EetfOfChannel(pq, curve);
       if (!IsCodeValue(mapped)) return nullptr;
-      tables->mapped.push_back(decode[PQDecodeIndex(mapped)] / white);
+      tables->mapped.push_back(tables->decoded[PQDecodeIndex(mapped)]);
+    } else {
+      const float lifted = LiftSourceBlack(pq, curve);
+      const float ratio = EetfRatio(lifted, curve);
+      if (!IsCodeValue(lifted) || !IsCodeValue(ratio)) return nullptr;
+      tables->encoded.push_back(lifted);
+      tables->ratio.push_back(ratio);
     }
-    return tables;
   }
-  for (const float pq : encode) {
-    const float lifted = LiftSourceBlack(pq, curve);
-    const float ratio = EetfRatio(lifted, curve);
-    if (!IsCodeValue(lifted) || !IsCodeValue(ratio)) return nullptr;
-    tables->encoded.push_back(lifted);
-    tables->ratio.push_back(ratio);
-  }
-  for (const float nits : decode) tables->decoded.push_back(nits / white);
   return tables;
 }
 

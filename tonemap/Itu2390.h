@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/SupportVector.h"
+#include "curves/Bt2390.h"
 #include "host/PX/ToneMappingUtils.h"
 
 namespace Quillon {
@@ -45,6 +46,9 @@ struct Itu2390Tables {
 /// parameters lead it to code values outside [0, 1], which the decoding table does not have.
 std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
                                                        const SupportVector& params);
+
+/// What the EETF reads of the 13 support parameters.
+Bt2390Params Itu2390CurveParams(const float* params);
 
 /// The EETF on a pixel whose highlights have been desaturated, in place. `params` are the 13
 /// support parameters.

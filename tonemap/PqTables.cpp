@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <bit>
 #include <cstddef>
 
+#include "curves/St2084.h"
 #include "curves/Three.h"
 #include "tonemap/PqTransfer.h"
 
@@ -47,6 +48,28 @@ std::size_t IndexOf(float place, std::size_t size) {
   return static_cast<std::size_t>(std::min(place, static_cast<float>(size - 1)));
 }
 
+bool EncodesAsSt2084(float nits, float encoded) {
+  const auto expected = static_cast<float>(EncodeSt2084(nits));
+  return std::bit_cast<int>(encoded) == std::bit_cast<int>(expected);
+}
+
+bool EncodesAsSt2084Beyond(float nits) {
+  std::array<float, 3> pixel = {nits, -nits, nits * 0.75F};
+  std::array<float, 3> encoded = pixel;
+  kPqLinearToSignal(encoded.data(), 1.0F);
+  return std::equal(pixel.begin(), pixel.end(), encoded.begin(), EncodesAsSt2084);
+}
+
+bool AskWhetherHostEncodesAsSt2084() {
+  for (std::size_t i = 0; i < EncodeTable().size(); ++i) {
+    if (!EncodesAsSt2084(static_cast<float>(i), EncodeTable()[i])) return false;
+  }
+  for (float nits = 1e-30F; nits < 1e30F; nits *= 1.15F) {
+    if (!EncodesAsSt2084Beyond(nits)) return false;
+  }
+  return true;
+}
+
 bool IsWithin(const float* pixel, float most) {
   return !(LargestOfThree(pixel[0], pixel[1], pixel[2]) > most) &&
          !(SmallestOfThree(pixel[0], pixel[1], pixel[2]) < 0.0F);
@@ -69,6 +92,11 @@ void EncodePQByTable(float* pixel) {
 void DecodePQByTable(float* pixel) {
   if (!IsWithin(pixel, 1.0F)) return kPqSignalToLinear(pixel, 1.0F);
   for (int i = 0; i < 3; ++i) pixel[i] = DecodeTable()[PQDecodeIndex(pixel[i])];
+}
+
+bool HostEncodesAsSt2084() {
+  static const bool kEncodesSo = AskWhetherHostEncodesAsSt2084();
+  return kEncodesSo;
 }
 
 bool WarmPQTables() {

@@ -21,6 +21,10 @@ std::span<const float> PQDecodeTable();
 /// The entry of the decoding table that a code value reads.
 std::size_t PQDecodeIndex(float signal);
 
+/// Whether the host's encoding function gives the bits of EncodeSt2084 in all entries of the table
+/// and at a thousand places beyond it, negative, small and huge. Asked once per process.
+bool HostEncodesAsSt2084();
+
 /// Builds both tables, where they are not there yet, on this thread. False when the host has no PQ
 /// functions.
 bool WarmPQTables();

@@ -1,7 +1,7 @@
 #pragma once
 
-// `Lanes`, a vector of floats as wide as the instruction set that the including file is built for
-// has registers, with the operations that curves/Language.h asks of it.
+// Vectors as wide as the instruction set that the including file is built for has registers, with
+// the operations that curves/Language.h asks of them.
 //
 // Included by the files of one instruction set only, before any curve. Everything is local to the
 // file: nothing that is built for one processor may be linked into code for another.
@@ -14,61 +14,97 @@
 
 namespace {
 
+/// Floats in a register, and floats at a time where powers are taken, in double precision.
 #if defined(__AVX512F__)
 constexpr int kLanes = 16;
+constexpr int kPowerLanes = 8;
 #elif defined(__AVX2__)
 constexpr int kLanes = 8;
+constexpr int kPowerLanes = 4;
 #else
 constexpr int kLanes = 4;
+constexpr int kPowerLanes = 4;
 #endif
 
 using Lanes __attribute__((vector_size(kLanes * sizeof(float)))) = float;
 using LaneInts __attribute__((vector_size(kLanes * sizeof(int)))) = int;
 using LaneBits __attribute__((vector_size(kLanes * sizeof(int)))) = unsigned;
-/// Two registers.
-using WideLanes __attribute__((vector_size(kLanes * sizeof(double)))) = double;
-using WideLaneBits __attribute__((vector_size(kLanes * sizeof(double)))) = unsigned long long;
+
+using PowerLanes __attribute__((vector_size(kPowerLanes * sizeof(float)))) = float;
+using PowerInts __attribute__((vector_size(kPowerLanes * sizeof(int)))) = int;
+using PowerBits __attribute__((vector_size(kPowerLanes * sizeof(int)))) = unsigned;
+
+using WideLanes __attribute__((vector_size(kPowerLanes * sizeof(double)))) = double;
+using WideBits __attribute__((vector_size(kPowerLanes * sizeof(double)))) = unsigned long long;
 
 }  // namespace
+
+template <>
+struct LaneTypes<PowerLanes> {
+  using Bits = PowerBits;
+  using Mask = PowerInts;
+  using Wide = WideLanes;
+};
+template <>
+struct LaneTypes<WideLanes> {
+  using Bits = WideBits;
+};
+
+static inline PowerLanes Uniform(float value, PowerLanes /*like*/) { return value - PowerLanes{}; }
+static inline PowerLanes Narrow(WideLanes x, PowerLanes /*like*/) {
+  return __builtin_convertvector(x, PowerLanes);
+}
+static inline WideLanes Widen(PowerLanes x) {
+#if defined(__AVX512F__)
+  // The masked form, all lanes in: GCC 12 warns of the plain one's own undefined register.
+  return __builtin_bit_cast(WideLanes, _mm512_maskz_cvtps_pd(0xff, __builtin_bit_cast(__m256, x)));
+#else
+  return __builtin_convertvector(x, WideLanes);
+#endif
+}
+
+/// One bit a lane.
+static inline int MaskBits(LaneInts mask) {
+#if defined(__AVX512F__)
+  return _mm512_movepi32_mask(__builtin_bit_cast(__m512i, mask));
+#elif defined(__AVX2__)
+  return _mm256_movemask_ps(__builtin_bit_cast(__m256, mask));
+#elif defined(__SSE2__)
+  return _mm_movemask_ps(__builtin_bit_cast(__m128, mask));
+#else
+  return (mask[0] & 1) | (mask[1] & 2) | (mask[2] & 4) | (mask[3] & 8);
+#endif
+}
+static inline bool AnyOf(LaneInts mask) { return MaskBits(mask) != 0; }
+static inline bool AllOf(LaneInts mask) { return MaskBits(mask) == (1 << kLanes) - 1; }
+
+// Where powers are taken in vectors of their own kind, and where not.
+#if defined(__AVX2__)
 
 template <>
 struct LaneTypes<Lanes> {
   using Bits = LaneBits;
   using Mask = LaneInts;
-  using Wide = WideLanes;
 };
-template <>
-struct LaneTypes<WideLanes> {
-  using Bits = WideLaneBits;
-};
-
 static inline Lanes Uniform(float value, Lanes /*like*/) { return value - Lanes{}; }
-static inline Lanes Narrow(WideLanes x, Lanes /*like*/) {
-  return __builtin_convertvector(x, Lanes);
+
+static inline int MaskBits(PowerInts mask) {
+#if defined(__AVX512F__)
+  return _mm256_movemask_ps(__builtin_bit_cast(__m256, mask));
+#else
+  return _mm_movemask_ps(__builtin_bit_cast(__m128, mask));
+#endif
 }
+static inline bool AnyOf(PowerInts mask) { return MaskBits(mask) != 0; }
+static inline bool AllOf(PowerInts mask) { return MaskBits(mask) == (1 << kPowerLanes) - 1; }
+
+#endif
 
 // The unpacking of registers, within each 128 bits: a0 b0 a1 b1, a2 b2 a3 b3, and the same for
 // pairs of floats.
 
 #if defined(__AVX512F__)
 
-static inline WideLanes Widen(Lanes x) {
-  const auto low = __builtin_shufflevector(x, x, 0, 1, 2, 3, 4, 5, 6, 7);
-  const auto high = __builtin_shufflevector(x, x, 8, 9, 10, 11, 12, 13, 14, 15);
-  // The masked form, all lanes in: GCC 12 warns of the plain one's own undefined register.
-  struct {
-    __m512d low;
-    __m512d high;
-  } const wide = {_mm512_maskz_cvtps_pd(0xff, __builtin_bit_cast(__m256, low)),
-                  _mm512_maskz_cvtps_pd(0xff, __builtin_bit_cast(__m256, high))};
-  return __builtin_bit_cast(WideLanes, wide);
-}
-static inline bool AnyOf(LaneInts mask) {
-  return _mm512_movepi32_mask(__builtin_bit_cast(__m512i, mask)) != 0;
-}
-static inline bool AllOf(LaneInts mask) {
-  return _mm512_movepi32_mask(__builtin_bit_cast(__m512i, mask)) == 0xffff;
-}
 static inline Lanes UnpackLow(Lanes a, Lanes b) {
   return __builtin_shufflevector(a, b, 0, 16, 1, 17, 4, 20, 5, 21, 8, 24, 9, 25, 12, 28, 13, 29);
 }
@@ -84,13 +120,6 @@ static inline Lanes UnpackHighPairs(Lanes a, Lanes b) {
 
 #elif defined(__AVX2__)
 
-static inline WideLanes Widen(Lanes x) { return __builtin_convertvector(x, WideLanes); }
-static inline bool AnyOf(LaneInts mask) {
-  return _mm256_movemask_ps(__builtin_bit_cast(__m256, mask)) != 0;
-}
-static inline bool AllOf(LaneInts mask) {
-  return _mm256_movemask_ps(__builtin_bit_cast(__m256, mask)) == 0xff;
-}
 static inline Lanes UnpackLow(Lanes a, Lanes b) {
   return __builtin_shufflevector(a, b, 0, 8, 1, 9, 4, 12, 5, 13);
 }
@@ -106,18 +135,6 @@ static inline Lanes UnpackHighPairs(Lanes a, Lanes b) {
 
 #else
 
-static inline WideLanes Widen(Lanes x) { return __builtin_convertvector(x, WideLanes); }
-#if defined(__SSE2__)
-static inline bool AnyOf(LaneInts mask) {
-  return _mm_movemask_ps(__builtin_bit_cast(__m128, mask)) != 0;
-}
-static inline bool AllOf(LaneInts mask) {
-  return _mm_movemask_ps(__builtin_bit_cast(__m128, mask)) == 0xf;
-}
-#else
-static inline bool AnyOf(LaneInts mask) { return (mask[0] | mask[1] | mask[2] | mask[3]) != 0; }
-static inline bool AllOf(LaneInts mask) { return (mask[0] & mask[1] & mask[2] & mask[3]) != 0; }
-#endif
 static inline Lanes UnpackLow(Lanes a, Lanes b) {
   return __builtin_shufflevector(a, b, 0, 4, 1, 5);
 }

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "curves/Bt2390.h"
+
 namespace Quillon {
 
 enum class RowGamut { None, Reinhard, Desaturation };
@@ -21,9 +23,9 @@ enum class RowTone {
 struct Bt2390Tables {
   static constexpr int kNits = 10000;
   static constexpr int kCodes = 8191;
-  const float* mapped;   ///< by nits: result of the curve by channel, 1.0 at white
-  const float* encoded;  ///< by nits: PQ code value, source black replaced by destination black
-  const float* ratio;    ///< by nits: what the largest channel is mapped by
+  const float* mapped;   ///< by channel, by nits: result of the curve, 1.0 at white
+  const float* encoded;  ///< MaxRGB, by nits: PQ code value, source black replaced by destination's
+  const float* ratio;    ///< MaxRGB, by nits: what the largest channel is mapped by
   const float* decoded;  ///< by PQ code value in steps of 1/8191: light, 1.0 at white
 };
 
@@ -36,7 +38,11 @@ struct RowCurves {
   float gain = 1.0F;
   float peak = 1.0F;
   float colorPreservation = 0.0F;
+  Bt2390Params eetf{};
   Bt2390Tables tables{};
+  /// Whether the host encodes PQ as curves/St2084.h has it, so that light beyond the tables need
+  /// not go through the host a pixel at a time.
+  bool encodesAsSt2084 = false;
   /// BT.2390 for a pixel beyond the tables, highlights desaturated already. `self` is this record.
   void (*mapBeyondTables)(const RowCurves& self, float* pixel) = nullptr;
 };

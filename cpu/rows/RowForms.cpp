@@ -11,6 +11,7 @@
 #include "tonemap/HuePreservation.h"
 #include "tonemap/Itu2390.h"
 #include "tonemap/Itu2446A.h"
+#include "tonemap/PqTables.h"
 
 namespace Quillon {
 
@@ -79,6 +80,8 @@ bool BindItu2390(const Curve& curve, const SupportVector& params, RowTone tone,
                          .encoded = bound.tables->encoded.data(),
                          .ratio = bound.tables->ratio.data(),
                          .decoded = bound.tables->decoded.data()};
+  bound.curves.eetf = Itu2390CurveParams(params.data());
+  bound.curves.encodesAsSt2084 = HostEncodesAsSt2084();
   bound.curves.mapBeyondTables = MapBeyondTables<Curve::kForm>;
   return true;
 }

@@ -1,9 +1,11 @@
 #pragma once
 
-// The run of an instruction set, put together from its curves. Included like MapRun.h.
+// The run of an instruction set, put together from its curves. Included like Blocks.h.
 
-#include "cpu/rows/MapRun.h"
-#include "cpu/rows/Tiles.h"
+#include "cpu/rows/Blocks.h"
+#include "cpu/rows/Bt2390Tiles.h"
+#include "cpu/rows/Bt2446ATiles.h"
+#include "cpu/rows/HighlightTiles.h"
 
 namespace Quillon {
 namespace {
@@ -16,11 +18,11 @@ void MapRunWith(const RowCurves& curves, float* pixels, std::size_t count) {
     case RowTone::HuePreserving:
       return MapBlocks<Gamut, HuePreservingStep>(curves, pixels, count);
     case RowTone::Car:
-      return MapBlocks<Gamut, CarStep>(curves, pixels, count);
+      return MapTiles<Gamut, CarTone>(curves, pixels, count);
     case RowTone::Bt2446A:
       return MapTiles<Gamut, Bt2446ATone>(curves, pixels, count);
     case RowTone::HighlightOnly:
-      return MapBlocks<Gamut, Bt2390HighlightStep>(curves, pixels, count);
+      return MapTiles<Gamut, HighlightTone>(curves, pixels, count);
     case RowTone::Bt2390ByChannel:
       return MapTiles<Gamut, Bt2390ByChannelTone>(curves, pixels, count);
     case RowTone::Bt2390MaxRGB:

@@ -1,0 +1,116 @@
+#pragma once
+
+// Curves that take a vector of pixels from memory, map it and put it back. Includes Lanes.h, and is
+// included like it.
+
+#include "cpu/rows/Lanes.h"
+#include "cpu/rows/RowCurves.h"
+#include "curves/GamutDesaturation.h"
+#include "curves/GamutReinhard.h"
+#include "curves/HuePreservation.h"
+
+namespace Quillon {
+namespace {
+
+constexpr int kFloatsPerPixel = 4;
+
+template <class Vector, class Element>
+Vector Load(const Element* from) {
+  Vector vector;
+  __builtin_memcpy(&vector, from, sizeof vector);
+  return vector;
+}
+
+template <class Vector, class Element>
+void Store(Element* to, Vector vector) {
+  __builtin_memcpy(to, &vector, sizeof vector);
+}
+
+/// Four vectors of interleaved pixels to one vector a channel, or back. The order of the pixels
+/// within a vector is what the registers' own unpacking makes it.
+void Transpose(Lanes* v) {
+  const Lanes low01 = UnpackLow(v[0], v[1]);
+  const Lanes high01 = UnpackHigh(v[0], v[1]);
+  const Lanes low23 = UnpackLow(v[2], v[3]);
+  const Lanes high23 = UnpackHigh(v[2], v[3]);
+  v[0] = UnpackLowPairs(low01, low23);
+  v[1] = UnpackHighPairs(low01, low23);
+  v[2] = UnpackLowPairs(high01, high23);
+  v[3] = UnpackHighPairs(high01, high23);
+}
+
+void LoadPixels(const float* from, Lanes* channels) {
+  for (int i = 0; i < kFloatsPerPixel; ++i) channels[i] = Load<Lanes>(from + i * kLanes);
+  Transpose(channels);
+}
+
+void StorePixels(float* to, Lanes* channels) {
+  Transpose(channels);
+  for (int i = 0; i < kFloatsPerPixel; ++i) Store(to + i * kLanes, channels[i]);
+}
+
+struct NoStep {
+  explicit NoStep(const RowCurves& /*curves*/) {}
+  void operator()(Lanes* /*pixel*/) const {}
+};
+
+struct ReinhardStep {
+  explicit ReinhardStep(const RowCurves& curves) : limit(curves.gamutParams[0]) {}
+  void operator()(Lanes* pixel) const { CompressGamutReinhard(pixel, limit); }
+  float limit;
+};
+
+struct DesaturationStep {
+  explicit DesaturationStep(const RowCurves& curves)
+      : red(curves.gamutParams[0]), green(curves.gamutParams[1]), blue(curves.gamutParams[2]) {}
+  void operator()(Lanes* pixel) const { CompressGamutDesaturation(pixel, red, green, blue); }
+  float red;
+  float green;
+  float blue;
+};
+
+struct HuePreservingStep {
+  explicit HuePreservingStep(const RowCurves& curves)
+      : gain(curves.gain),
+        sourcePeak(curves.toneParams[0]),
+        knee(curves.toneParams[1]),
+        destinationPeak(curves.toneParams[2]),
+        colorPreservation(curves.colorPreservation) {}
+  void operator()(Lanes* pixel) const {
+    HuePreservingDesaturation(pixel, gain, sourcePeak, knee, destinationPeak, colorPreservation);
+  }
+  float gain;
+  float sourcePeak;
+  float knee;
+  float destinationPeak;
+  float colorPreservation;
+};
+
+/// Calls `map` on blocks of `size` pixels. What is left over at the end goes through a block of its
+/// own, filled up with black.
+template <int size, class Map>
+void ForBlocks(float* pixels, std::size_t count, const Map& map) {
+  for (; count >= size; count -= size, pixels += size * kFloatsPerPixel) map(pixels);
+  if (count == 0) return;
+  alignas(64) float rest[size * kFloatsPerPixel] = {};
+  __builtin_memcpy(rest, pixels, count * kFloatsPerPixel * sizeof(float));
+  map(rest);
+  __builtin_memcpy(pixels, rest, count * kFloatsPerPixel * sizeof(float));
+}
+
+/// Both steps on a run, one sweep over memory.
+template <class Gamut, class Tone>
+void MapBlocks(const RowCurves& curves, float* pixels, std::size_t count) {
+  const Gamut gamut(curves);
+  const Tone tone(curves);
+  ForBlocks<kLanes>(pixels, count, [&](float* block) {
+    Lanes channels[kFloatsPerPixel];
+    LoadPixels(block, channels);
+    gamut(channels);
+    tone(channels);
+    StorePixels(block, channels);
+  });
+}
+
+}  // namespace
+}  // namespace Quillon
