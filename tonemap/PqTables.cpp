@@ -105,6 +105,7 @@ bool WarmPQTables() {
   EncodePQByTable(scratch.data());
   scratch = {1.0F, 1.0F, 1.0F};
   DecodePQByTable(scratch.data());
+  HostEncodesAsSt2084();
   return true;
 }
 

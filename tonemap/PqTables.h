@@ -25,8 +25,8 @@ std::size_t PQDecodeIndex(float signal);
 /// and at a thousand places beyond it, negative, small and huge. Asked once per process.
 bool HostEncodesAsSt2084();
 
-/// Builds both tables, where they are not there yet, on this thread. False when the host has no PQ
-/// functions.
+/// Builds both tables, where they are not there yet, and asks the above, on this thread. False when
+/// the host has no PQ functions.
 bool WarmPQTables();
 
 }  // namespace Quillon

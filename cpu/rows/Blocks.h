@@ -39,6 +39,12 @@ void Transpose(Lanes* v) {
   v[3] = UnpackHighPairs(high01, high23);
 }
 
+/// The pixel, counted from the first of a vector, that a lane has after the transposition.
+int PixelOfLane(int lane) {
+  constexpr int kRegisters = kLanes / kFloatsPerPixel;
+  return lane % kFloatsPerPixel * kRegisters + lane / kFloatsPerPixel;
+}
+
 void LoadPixels(const float* from, Lanes* channels) {
   for (int i = 0; i < kFloatsPerPixel; ++i) channels[i] = Load<Lanes>(from + i * kLanes);
   Transpose(channels);
@@ -86,15 +92,18 @@ struct HuePreservingStep {
   float colorPreservation;
 };
 
-/// Calls `map` on blocks of `size` pixels. What is left over at the end goes through a block of its
-/// own, filled up with black.
-template <int size, class Map>
-void ForBlocks(float* pixels, std::size_t count, const Map& map) {
+/// Calls `map` on blocks of `size` pixels, and `finish` before these leave the memory that they
+/// were called with. What is left over at the end goes through a block of its own, filled up with
+/// black.
+template <int size, class Map, class Finish>
+void ForBlocks(float* pixels, std::size_t count, const Map& map, const Finish& finish) {
   for (; count >= size; count -= size, pixels += size * kFloatsPerPixel) map(pixels);
+  finish();
   if (count == 0) return;
   alignas(64) float rest[size * kFloatsPerPixel] = {};
   __builtin_memcpy(rest, pixels, count * kFloatsPerPixel * sizeof(float));
   map(rest);
+  finish();
   __builtin_memcpy(pixels, rest, count * kFloatsPerPixel * sizeof(float));
 }
 
@@ -103,13 +112,14 @@ template <class Gamut, class Tone>
 void MapBlocks(const RowCurves& curves, float* pixels, std::size_t count) {
   const Gamut gamut(curves);
   const Tone tone(curves);
-  ForBlocks<kLanes>(pixels, count, [&](float* block) {
+  const auto map = [&](float* block) {
     Lanes channels[kFloatsPerPixel];
     LoadPixels(block, channels);
     gamut(channels);
     tone(channels);
     StorePixels(block, channels);
-  });
+  };
+  ForBlocks<kLanes>(pixels, count, map, [] {});
 }
 
 }  // namespace

@@ -28,29 +28,50 @@ void LookUp(const float* table, const TileIndices& indices, Tile& values) {
   }
 }
 
-/// Pixels beyond the tables: where they lie in the tile and what light they have.
+/// Pixels beyond the tables: where they lie in a tile, then where they lie in memory and what light
+/// they have. They are put off until there are many.
 struct BeyondTables {
-  int count = 0;
+  static constexpr int kEnough = 256;
+  static constexpr int kCapacity = kEnough + kTilePixels;
+
+  int placeCount = 0;
   int place[kTilePixels + 4];
-  alignas(64) float channel[3][kTilePixels];
+  int count = 0;
+  float* pixel[kCapacity];
+  alignas(64) float channel[3][kCapacity];
+
+  /// Notes the set lanes of a mask. Without a branch for each: they come as they like.
+  void NoteLanes(int mask, int first) {
+    using Four __attribute__((vector_size(4 * sizeof(int)))) = int;
+    static constexpr Four kSetBits[16] = {
+        {},  {0},    {1},    {0, 1},    {2},    {0, 2},    {1, 2},    {0, 1, 2},
+        {3}, {0, 3}, {1, 3}, {0, 1, 3}, {2, 3}, {0, 2, 3}, {1, 2, 3}, {0, 1, 2, 3}};
+    int noted = placeCount;
+    for (int lane = 0; lane < kLanes; lane += 4) {
+      const int four = (mask >> lane) & 15;
+      Store(place + noted, kSetBits[four] + (first + lane));
+      noted += static_cast<int>((0x4332322132212110ULL >> (4 * four)) & 15);
+    }
+    placeCount = noted;
+  }
+
+  /// Takes the noted pixels over from a tile.
+  void TakePlaces(const Tile& tile, float* block) {
+    for (int i = 0; i < placeCount; ++i) {
+      const int lane = place[i] % kLanes;
+      const int inBlock = place[i] - lane + PixelOfLane(lane);
+      pixel[count + i] = block + inBlock * kFloatsPerPixel;
+      for (int c = 0; c < 3; ++c) channel[c][count + i] = tile.plane[c][place[i]];
+    }
+    count += placeCount;
+    placeCount = 0;
+  }
 };
 
-/// Notes the set lanes of a mask. Without a branch for each: they come as they like.
-void NoteLanes(int mask, int place, BeyondTables& beyond) {
-  using Four __attribute__((vector_size(4 * sizeof(int)))) = int;
-  static constexpr Four kSetBits[16] = {
-      {},  {0},    {1},    {0, 1},    {2},    {0, 2},    {1, 2},    {0, 1, 2},
-      {3}, {0, 3}, {1, 3}, {0, 1, 3}, {2, 3}, {0, 2, 3}, {1, 2, 3}, {0, 1, 2, 3}};
-  for (int lane = 0; lane < kLanes; lane += 4) {
-    const int four = (mask >> lane) & 15;
-    Store(beyond.place + beyond.count, kSetBits[four] + (place + lane));
-    beyond.count += (0x4332322132212110ULL >> (4 * four)) & 15;
-  }
-}
-
-/// ST 2084 of nits, 0 at and below 0; for magnitudes up to 1e30. At most three planes.
+/// ST 2084 of nits, 0 at and below 0; for magnitudes up to 1e30. At most three
+/// planes.
 void EncodeNits(const float* nits, int count, float* encoded) {
-  Logs<3 * kTilePixels> logs;
+  Logs<3 * BeyondTables::kCapacity> logs;
   for (int i = 0; i < count; i += kPowerLanes) {
     const auto x = Load<PowerLanes>(nits + i);
     const PowerLanes positive = x > 0.0F ? x : Uniform(1.0F, x);
@@ -91,37 +112,27 @@ class Bt2390Stages {
     }
   }
 
+  void Flush(Scratch& scratch) const {
+    BeyondTables& beyond = scratch.beyond;
+    if (curves_.encodesAsSt2084) {
+      MapTogether(beyond);
+    } else {
+      MapThroughHost(beyond, 0, beyond.count);
+    }
+    beyond.count = 0;
+  }
+
  protected:
   /// Leaves the tile with the light that the tables are about to map.
-  void FinishHighlights(Tile& tile, Scratch& scratch) const {
+  void FinishHighlights(Tile& tile, float* block, Scratch& scratch) const {
     highlight_.Finish(tile, scratch.highlights, [&](const Lanes* channels, int i) {
       StorePlanes(channels, tile, scratch.highlights.place[i]);
       NoteNits(channels, scratch.highlights.place[i], scratch);
     });
-    BeyondTables& beyond = scratch.beyond;
-    for (int c = 0; c < 3; ++c) {
-      for (int i = 0; i < beyond.count; ++i) {
-        beyond.channel[c][i] = tile.plane[c][beyond.place[i]];
-      }
-    }
-  }
-
-  void FinishBeyond(Tile& tile, BeyondTables& beyond) const {
-    if (beyond.count == 0) return;
-    if (!curves_.encodesAsSt2084) return MapThroughHost(tile, beyond, 0, beyond.count);
-    const int padded = (beyond.count + kPowerLanes - 1) / kPowerLanes * kPowerLanes;
-    alignas(64) float nits[3 * kTilePixels];
-    for (int c = 0; c < 3; ++c) {
-      for (int i = beyond.count; i < padded; ++i) beyond.channel[c][i] = 0.0F;
-      for (int i = 0; i < padded; i += kPowerLanes) {
-        Store(nits + c * padded + i, white_ * Load<PowerLanes>(beyond.channel[c] + i));
-      }
-    }
-    alignas(64) float encoded[3 * kTilePixels];
-    EncodeNits(nits, 3 * padded, encoded);
-    for (int i = 0; i < padded; i += kPowerLanes) {
-      MapEncoded(tile, beyond, nits + i, encoded + i, padded, i);
-    }
+    scratch.highlights.count = 0;
+    // The last tile's pixels are in memory by now.
+    if (scratch.beyond.count >= BeyondTables::kEnough) Flush(scratch);
+    scratch.beyond.TakePlaces(tile, block);
   }
 
   const RowCurves& curves_;
@@ -135,24 +146,37 @@ class Bt2390Stages {
     }
     const auto isBeyond = (LargestOfThree(nits[0], nits[1], nits[2]) > 10000.0F) |
                           (SmallestOfThree(nits[0], nits[1], nits[2]) < 0.0F);
-    const int mask = MaskBits(isBeyond);
-    if (mask != 0) NoteLanes(mask, place, scratch.beyond);
+    if (AnyOf(isBeyond)) scratch.beyond.NoteLanes(MaskBits(isBeyond), place);
   }
 
-  void MapThroughHost(Tile& tile, const BeyondTables& beyond, int first, int last) const {
+  void MapThroughHost(const BeyondTables& beyond, int first, int last) const {
     for (int i = first; i < last; ++i) {
-      float pixel[3];
-      for (int c = 0; c < 3; ++c) pixel[c] = beyond.channel[c][i];
-      curves_.mapBeyondTables(curves_, pixel);
-      for (int c = 0; c < 3; ++c) tile.plane[c][beyond.place[i]] = pixel[c];
+      for (int c = 0; c < 3; ++c) beyond.pixel[i][c] = beyond.channel[c][i];
+      curves_.mapBeyondTables(curves_, beyond.pixel[i]);
     }
   }
 
-  /// A vector of pixels from code values to the tile; through the host after all if one of them is
+  void MapTogether(BeyondTables& beyond) const {
+    const int padded = (beyond.count + kPowerLanes - 1) / kPowerLanes * kPowerLanes;
+    alignas(64) float nits[3 * BeyondTables::kCapacity];
+    for (int c = 0; c < 3; ++c) {
+      for (int i = beyond.count; i < padded; ++i) beyond.channel[c][i] = 0.0F;
+      for (int i = 0; i < padded; i += kPowerLanes) {
+        Store(nits + c * padded + i, white_ * Load<PowerLanes>(beyond.channel[c] + i));
+      }
+    }
+    alignas(64) float encoded[3 * BeyondTables::kCapacity];
+    EncodeNits(nits, 3 * padded, encoded);
+    for (int i = 0; i < padded; i += kPowerLanes) {
+      MapEncoded(beyond, nits + i, encoded + i, padded, i);
+    }
+  }
+
+  /// A vector of pixels from code values to memory; through the host after all if one of them is
   /// not in the range of EncodeNits or leaves that of the decoding table. Planes lie `stride`
   /// apart.
-  void MapEncoded(Tile& tile, const BeyondTables& beyond, const float* nits, const float* encoded,
-                  int stride, int first) const {
+  void MapEncoded(const BeyondTables& beyond, const float* nits, const float* encoded, int stride,
+                  int first) const {
     const int last = first + kPowerLanes < beyond.count ? first + kPowerLanes : beyond.count;
     PowerLanes pq[3];
     for (int c = 0; c < 3; ++c) pq[c] = Load<PowerLanes>(encoded + c * stride);
@@ -165,10 +189,10 @@ class Bt2390Stages {
                  AllOf((light <= 1e30F) & (light >= -1e30F) & (pq[c] >= 0.0F) & (pq[c] <= 1.0F));
       Store(index[c], TableIndex(pq[c] / kDecodeStep, Bt2390Tables::kCodes));
     }
-    if (!isWithin) return MapThroughHost(tile, beyond, first, last);
+    if (!isWithin) return MapThroughHost(beyond, first, last);
     for (int i = first; i < last; ++i) {
       for (int c = 0; c < 3; ++c) {
-        tile.plane[c][beyond.place[i]] = curves_.tables.decoded[index[c][i - first]];
+        beyond.pixel[i][c] = curves_.tables.decoded[index[c][i - first]];
       }
     }
   }
@@ -189,10 +213,9 @@ class Bt2390ByChannelTone : public Bt2390Stages<ByChannel> {
  public:
   using Bt2390Stages::Bt2390Stages;
 
-  void Finish(Tile& tile, Scratch& scratch) const {
-    FinishHighlights(tile, scratch);
+  void Finish(Tile& tile, float* block, Scratch& scratch) const {
+    FinishHighlights(tile, block, scratch);
     LookUp(curves_.tables.mapped, scratch.indices, tile);
-    FinishBeyond(tile, scratch.beyond);
   }
 };
 
@@ -200,12 +223,11 @@ class Bt2390MaxRGBTone : public Bt2390Stages<MaxRGB> {
  public:
   using Bt2390Stages::Bt2390Stages;
 
-  void Finish(Tile& tile, Scratch& scratch) const {
-    FinishHighlights(tile, scratch);
+  void Finish(Tile& tile, float* block, Scratch& scratch) const {
+    FinishHighlights(tile, block, scratch);
     LookUp(curves_.tables.encoded, scratch.indices, tile);
     ScaleByRatio(tile, scratch.indices);
     LookUp(curves_.tables.decoded, scratch.indices, tile);
-    FinishBeyond(tile, scratch.beyond);
   }
 
  private:

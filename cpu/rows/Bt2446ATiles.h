@@ -23,7 +23,7 @@ class Bt2446ATone {
     for (int c = 0; c < 3; ++c) channels[c] = channels[c] * scale_;
   }
 
-  void Finish(Tile& tile, Scratch& /*scratch*/) const {
+  void Finish(Tile& tile, float* /*block*/, Scratch& /*scratch*/) const {
     alignas(64) float results[3][kTilePixels];
     for (int c = 0; c < 3; ++c) MapPlane(tile.plane[c], results[c]);
     for (int i = 0; i < kTilePixels; i += kLanes) {
@@ -35,6 +35,8 @@ class Bt2446ATone {
       StorePlanes(channels, tile, i);
     }
   }
+
+  void Flush(Scratch& /*scratch*/) const {}
 
  private:
   /// Bt2446AChannel in stages.

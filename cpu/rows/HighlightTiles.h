@@ -42,7 +42,8 @@ class HighlightStage {
     return true;
   }
 
-  /// Desaturates what was noted, and hands it on: `next(channels, index)`.
+  /// Desaturates what was noted, and hands it on: `next(channels, index)`. What was noted stays,
+  /// for the caller to clear.
   template <class Next>
   void Finish(const Tile& tile, Highlights& highlights, const Next& next) const {
     TakePowers<kTilePixels>(highlights.value, highlights.count * kLanes,
@@ -78,11 +79,13 @@ class HighlightTone {
   void Enter(Lanes* channels, int place, Scratch& scratch) const {
     highlight_.Enter(channels, place, scratch);
   }
-  void Finish(Tile& tile, Scratch& scratch) const {
+  void Finish(Tile& tile, float* /*block*/, Scratch& scratch) const {
     highlight_.Finish(tile, scratch, [&](const Lanes* channels, int i) {
       StorePlanes(channels, tile, scratch.place[i]);
     });
+    scratch.count = 0;
   }
+  void Flush(Scratch& /*scratch*/) const {}
 
  private:
   HighlightStage highlight_;
@@ -103,7 +106,7 @@ class CarTone {
   void Enter(Lanes* channels, int place, Scratch& scratch) const {
     highlight_.Enter(channels, place, scratch);
   }
-  void Finish(Tile& tile, Scratch& scratch) const {
+  void Finish(Tile& tile, float* /*block*/, Scratch& scratch) const {
     highlight_.Finish(tile, scratch, [&](const Lanes* channels, int i) {
       StorePlanes(channels, tile, scratch.place[i]);
       const Lanes largest = LargestOfThree(channels[0], channels[1], channels[2]);
@@ -118,7 +121,9 @@ class CarTone {
                  destinationPeak_);
       StorePlanes(channels, tile, scratch.place[i]);
     }
+    scratch.count = 0;
   }
+  void Flush(Scratch& /*scratch*/) const {}
 
  private:
   HighlightStage highlight_;

@@ -26,14 +26,15 @@ void StorePlanes(const Lanes* channels, Tile& tile, int place) {
 }
 
 /// Both steps on a run in tiles. A tone curve has `Enter`, for each vector of pixels on its way
-/// into the tile, and `Finish` for the tile, and between them a scratch record of its own.
+/// into the tile, and `Finish` for the tile; a scratch record of its own goes with both, and has
+/// `Flush` for what was put off beyond the tile.
 template <class Gamut, class Tone>
 void MapTiles(const RowCurves& curves, float* pixels, std::size_t count) {
   const Gamut gamut(curves);
   const Tone tone(curves);
-  ForBlocks<kTilePixels>(pixels, count, [&](float* block) {
+  typename Tone::Scratch scratch;
+  const auto map = [&](float* block) {
     Tile tile;
-    typename Tone::Scratch scratch;
     for (int i = 0; i < kTilePixels; i += kLanes) {
       Lanes channels[kFloatsPerPixel];
       LoadPixels(block + i * kFloatsPerPixel, channels);
@@ -41,13 +42,14 @@ void MapTiles(const RowCurves& curves, float* pixels, std::size_t count) {
       tone.Enter(channels, i, scratch);
       for (int c = 0; c < kFloatsPerPixel; ++c) Store(tile.plane[c] + i, channels[c]);
     }
-    tone.Finish(tile, scratch);
+    tone.Finish(tile, block, scratch);
     for (int i = 0; i < kTilePixels; i += kLanes) {
       Lanes channels[kFloatsPerPixel];
       for (int c = 0; c < kFloatsPerPixel; ++c) channels[c] = Load<Lanes>(tile.plane[c] + i);
       StorePixels(block + i * kFloatsPerPixel, channels);
     }
-  });
+  };
+  ForBlocks<kTilePixels>(pixels, count, map, [&] { tone.Flush(scratch); });
 }
 
 /// Room for the logarithms of as many floats.

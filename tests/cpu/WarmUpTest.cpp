@@ -28,7 +28,8 @@ TEST_F(WarmUp, BuildsThePqTablesOnceAndBeforeAnyThread) {
   EXPECT_EQ(CountOf("CHR::GetLinearToSignalTransferFn"), 0U);
   // Every entry of both tables, and the knee start.
   EXPECT_EQ(CountOf("SignalToLinear"), 8191U + 1U);
-  EXPECT_EQ(CountOf("LinearToSignal"), 10000U);
+  // Every entry, and the places beyond at which the host is compared with ST 2084.
+  EXPECT_EQ(CountOf("LinearToSignal"), 10000U + 989U);
   const std::vector<std::string> operations = host.Operations();
   const auto firstThread =
       std::find(operations.begin(), operations.end(), "orvcore::threads::CreateCPUBoundExecutor");
