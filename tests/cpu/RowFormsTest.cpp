@@ -1,6 +1,7 @@
 // Row forms against the functions that they stand for, bit for bit, on every instruction set that
 // this machine has.
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "cpu/QuillonImpl.h"
+#include "cpu/rows/RowCurves.h"
 #include "cpu/rows/RowForms.h"
 #include "tonemap/CarToneCurve.h"
 #include "tonemap/HuePreservation.h"
@@ -287,6 +289,47 @@ TEST_P(RowForms, AreNotThereForWidthsThatFloatsCannotCount) {
   EXPECT_FALSE(Quillon::MapRows(GetParam(), {{}, {}, {}, {}, settings}, pixels.data(), 1, 0x1p24F));
   EXPECT_FALSE(
       Quillon::MapRows(GetParam(), {{}, {}, {}, {}, settings}, pixels.data(), 1, std::nanf("")));
+}
+
+/// Pixels that were handed to the host, by their first channel.
+std::vector<float>& HandedToTheHost() {
+  static std::vector<float> kLight;
+  return kLight;
+}
+
+TEST(RowFormsOfTheEngine, AskAHostWithAnotherPqForEveryPixelBeyondTheTables) {
+  const auto tables = MakeItu2390Tables(Quillon::Itu2390Form::ByChannel, Tones()[11].params);
+  const SupportVector params = Tones()[11].params;
+  Quillon::RowCurves curves;
+  curves.tone = Quillon::RowTone::Bt2390ByChannel;
+  curves.toneParams = params.data();
+  curves.peak = 5.0F;
+  curves.eetf = Quillon::Itu2390CurveParams(params.data());
+  curves.tables.mapped = tables->mapped.data();
+  curves.tables.decoded = tables->decoded.data();
+  curves.mapBeyondTables = [](const Quillon::RowCurves&, float* pixel) {
+    HandedToTheHost().push_back(pixel[0]);
+    pixel[0] = pixel[1] = pixel[2] = 0.125F;
+  };
+  for (const bool encodesAsSt2084 : {false, true}) {
+    curves.encodesAsSt2084 = encodesAsSt2084;
+    HandedToTheHost().clear();
+    // 700 pixels, every seventh negative: 0.01, 0.02, ... are their first channels.
+    std::vector<float> pixels(700 * 4, 0.2F);
+    std::vector<float> expected;
+    for (std::size_t i = 0; i < 700; i += 7) {
+      pixels[i * 4] = static_cast<float>(i / 7) * 0.001F;
+      pixels[i * 4 + 1] = -0.1F;
+      expected.push_back(pixels[i * 4]);
+    }
+    Quillon::MapRunBaseline(curves, pixels.data(), 700);
+    std::sort(HandedToTheHost().begin(), HandedToTheHost().end());
+    EXPECT_EQ(HandedToTheHost(), encodesAsSt2084 ? std::vector<float>{} : expected);
+    for (std::size_t i = 0; i < 700; ++i) {
+      const bool isTheHosts = pixels[i * 4] == 0.125F && pixels[i * 4 + 1] == 0.125F;
+      EXPECT_EQ(isTheHosts, !encodesAsSt2084 && i % 7 == 0) << i;
+    }
+  }
 }
 
 TEST(RowFormsOfTheEngine, RunWhenRowsAreMapped) {

@@ -18,13 +18,13 @@ struct ProbeRun {
   std::vector<std::string> out;
 };
 
-ProbeRun RunProbe(const std::string& rows) {
+ProbeRun RunProbe(const std::string& rows, const std::string& option = "") {
   const std::string base = ::testing::TempDir() + "curve-probe-test-" + std::to_string(getpid());
   const std::string in = base + ".in";
   const std::string out = base + ".out";
   std::ofstream(in) << rows;
-  const int status =
-      std::system(("'" QUILLON_CURVE_PROBE "' < '" + in + "' > '" + out + "'").c_str());
+  const int status = std::system(
+      ("'" QUILLON_CURVE_PROBE "' " + option + " < '" + in + "' > '" + out + "'").c_str());
   ProbeRun run;
   if (WIFEXITED(status)) run.exitCode = WEXITSTATUS(status);
   std::ifstream lines(out);
@@ -68,6 +68,34 @@ TEST(CurveProbe, GivesTheReferenceVectors) {
   ExpectVectors("gamut_reinhard.csv", 101, 1);
   ExpectVectors("gamut_desaturation.csv", 102, 3);
 }
+
+TEST(CurveProbe, GivesTheSameBitsAsRows) {
+  const struct {
+    const char* file;
+    int type;
+    int params;
+  } kFiles[] = {{"bt2390_maxrgb.csv", 2, 13},
+                {"bt2390_channel.csv", 3, 13},
+                {"bt2446a.csv", 4, 4},
+                {"hue_preserving.csv", 5, 3},
+                {"car.csv", 6, 7},
+                {"gamut_reinhard.csv", 101, 1},
+                {"gamut_desaturation.csv", 102, 3}};
+  for (const auto& file : kFiles) {
+    std::string input;
+    for (const vectors::Row& row : vectors::ReadTable(file.file)) {
+      input += ProbeRow(file.type, row, file.params);
+    }
+    const ProbeRun pixels = RunProbe(input);
+    const ProbeRun rows = RunProbe(input, "--rows");
+    EXPECT_EQ(pixels.exitCode, 0) << file.file;
+    EXPECT_EQ(rows.exitCode, 0) << file.file;
+    EXPECT_GT(rows.out.size(), 600U) << file.file;
+    EXPECT_EQ(rows.out, pixels.out) << file.file;
+  }
+}
+
+TEST(CurveProbe, RefusesOtherOptions) { EXPECT_EQ(RunProbe("", "--pixels").exitCode, 2); }
 
 TEST(CurveProbe, StopsAtARowItCannotRun) {
   const std::string good = "101,1,1,1,1,1,1,0,2\n";

@@ -1,4 +1,5 @@
-// Runs pixels through the very functions that the engine binds. Rows on standard input:
+// Runs pixels through the very functions that the engine binds, or with --rows through their row
+// forms, where a row's parameters have one. Rows on standard input:
 //   type,p0,p1,p2,p3,peak,gain,cp,v0,v1,...
 // type 2 to 6 is a tone-map algorithm, 101 and 102 are the gamut compressions; p is the pixel in
 // memory order, peak, gain and colour preservation are the controls as the curve sees them, v is
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "cpu/GamutCompression.h"
+#include "cpu/rows/RowForms.h"
 #include "tonemap/Algorithms.h"
 
 namespace {
@@ -29,7 +31,7 @@ constexpr int kDesaturation = 102;
 struct Row {
   int type = 0;
   std::array<float, 4> pixel{};
-  PX::ToneMappingUtils::ToneMapSettings settings;
+  PX::GamutMappingUtils::GamutMappingSettings settings;
   SupportVector params;
 };
 
@@ -59,9 +61,9 @@ Row ParseRow(const std::string& line) {
   Row row;
   row.type = static_cast<int>(columns[0]);
   row.pixel = {columns[1], columns[2], columns[3], columns[4]};
-  row.settings.controls.peak = columns[5];
-  row.settings.controls.peakGain = columns[6];
-  row.settings.controls.colorPreservation = columns[7];
+  row.settings.toneMapSettings.controls.peak = columns[5];
+  row.settings.toneMapSettings.controls.peakGain = columns[6];
+  row.settings.toneMapSettings.controls.colorPreservation = columns[7];
   row.params.assign(columns.begin() + kFixedColumns, columns.end());
   return row;
 }
@@ -70,33 +72,56 @@ void RequireParams(const Row& row, std::size_t count) {
   if (row.params.size() < count) throw std::runtime_error("parameter vector is too short");
 }
 
-void RunRow(Row& row) {
+/// The row's function, in the one or the other.
+struct Functions {
+  Quillon::ToneMapPixelFunction toneMap;
+  Quillon::GamutCompressionPixelFunction compressGamut;
+};
+
+Functions FunctionsOf(const Row& row) {
   if (row.type == kReinhard) {
     RequireParams(row, 1);
-    Quillon::GamutCompressionReinhard{}(row.pixel.data(), row.params, {});
-    return;
+    return {{}, Quillon::GamutCompressionReinhard{}};
   }
   if (row.type == kDesaturation) {
     RequireParams(row, 3);
-    Quillon::GamutCompressionDesaturation{}(row.pixel.data(), row.params, {});
-    return;
+    return {{}, Quillon::GamutCompressionDesaturation{}};
   }
   const auto type = static_cast<orvmediatypes::color::ToneMapAlgorithmType>(row.type);
   const Quillon::ToneMapAlgorithm* algorithm = Quillon::FindToneMapAlgorithm(type);
   if (algorithm == nullptr) throw std::runtime_error("no curve of this type");
   RequireParams(row, algorithm->paramsRead);
-  algorithm->curve(row.pixel.data(), row.params, row.settings);
+  return {algorithm->curve, {}};
+}
+
+void RunRow(Row& row, bool asRows) {
+  const Functions functions = FunctionsOf(row);
+  const auto& settings = row.settings;
+  float* pixel = row.pixel.data();
+  if (asRows &&
+      MapRows(Quillon::BestInstructionSet(),
+              {functions.toneMap, functions.compressGamut, row.params, row.params, settings}, pixel,
+              1, 1.0F)) {
+    return;
+  }
+  if (functions.compressGamut) functions.compressGamut(pixel, row.params, settings);
+  if (functions.toneMap) functions.toneMap(pixel, row.params, settings.toneMapSettings);
 }
 
 }  // namespace
 
-int main() {
+int main(int argc, char** argv) {
+  const bool asRows = argc == 2 && std::string(argv[1]) == "--rows";
+  if (argc > 1 && !asRows) {
+    std::fprintf(stderr, "usage: curve-probe [--rows] < ROWS\n");
+    return 2;
+  }
   std::string line;
   for (int number = 1; std::getline(std::cin, line); ++number) {
     if (line.empty()) continue;
     try {
       Row row = ParseRow(line);
-      RunRow(row);
+      RunRow(row, asRows);
       std::printf("%a,%a,%a,%a\n", static_cast<double>(row.pixel[0]),
                   static_cast<double>(row.pixel[1]), static_cast<double>(row.pixel[2]),
                   static_cast<double>(row.pixel[3]));
