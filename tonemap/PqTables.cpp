@@ -64,8 +64,10 @@ bool AskWhetherHostEncodesAsSt2084() {
   for (std::size_t i = 0; i < EncodeTable().size(); ++i) {
     if (!EncodesAsSt2084(static_cast<float>(i), EncodeTable()[i])) return false;
   }
-  for (float nits = 1e-30F; nits < 1e30F; nits *= 1.15F) {
+  float nits = 1e-30F;
+  for (int i = 0; i < 989; ++i) {
     if (!EncodesAsSt2084Beyond(nits)) return false;
+    nits *= 1.15F;
   }
   return true;
 }
