@@ -17,7 +17,7 @@ QUILLON_CURVE void CompressGamutDesaturation(Real* pixel, float weightRed, float
   const Real threshold = scaled > 1e-15f ? scaled : Uniform(1e-15f, scaled);
   const Real smallest = SmallestOfThree(c0, c1, c2);
   const QUILLON_MASK isInside = smallest >= threshold;
-  if (AllOf(isInside)) return;
+  if (IsWorthSkipping(isInside)) return;
 
   // Deliberate: red counts with both the red and the blue weight, blue not at all.
   const Real luminance = weightGreen * c1 + weightRed * c2 + weightBlue * c2;

@@ -28,7 +28,8 @@ QUILLON_CURVE void CompressGamutReinhard(Real* pixel, float limit) {
   d0 = limit < d0 ? Uniform(limit, d0) : d0;
   d1 = limit < d1 ? Uniform(limit, d1) : d1;
   d2 = limit < d2 ? Uniform(limit, d2) : d2;
-  if (limit > 1.0f && AnyOf((d0 > 0.98f) | (d1 > 0.92f) | (d2 > 0.98f))) {
+  const QUILLON_MASK isNear = (d0 <= 0.98f) & (d1 <= 0.92f) & (d2 <= 0.98f);
+  if (limit > 1.0f && !IsWorthSkipping(isNear)) {
     // 1 - 0.98 and 1 - 0.92 as single precision has them.
     d0 = CompressGamutDistance(d0, limit, 0.98f, 1.0f - 0.98f);
     d1 = CompressGamutDistance(d1, limit, 0.92f, 1.0f - 0.92f);

@@ -7,8 +7,10 @@
 // OpenCL C a float and a double; in C++ and CUDA C++ template arguments, a float and a double or
 // vector types of the compiler's with as many lanes. Such a function chooses by `?:` and may skip
 // work only where AnyOf or AllOf say that no lane needs it, so that every lane sees the same
-// operations, each rounded as IEEE 754 says, whatever stands beside it. A vector type needs AnyOf,
-// AllOf, Uniform, Widen and Narrow of its own, declared before the curves are included.
+// operations, each rounded as IEEE 754 says, whatever stands beside it. Where the work is about as
+// short as a branch that was guessed wrong, IsWorthSkipping stands for AllOf, and may be false. A
+// vector type needs AnyOf, AllOf, IsWorthSkipping, Uniform, Widen and Narrow of its own, declared
+// before the curves are included.
 
 #if defined(__OPENCL_VERSION__)
 
@@ -33,6 +35,7 @@ typedef double Wide;
 #define Narrow(x, like) ((float)(x))
 #define AnyOf(mask) (mask)
 #define AllOf(mask) (mask)
+#define IsWorthSkipping(mask) (mask)
 
 #else
 
@@ -91,5 +94,6 @@ QUILLON_FUNCTION float Narrow(double x, float /*like*/) { return static_cast<flo
 
 QUILLON_FUNCTION bool AnyOf(bool mask) { return mask; }
 QUILLON_FUNCTION bool AllOf(bool mask) { return mask; }
+QUILLON_FUNCTION bool IsWorthSkipping(bool mask) { return mask; }
 
 #endif

@@ -16,10 +16,10 @@ QUILLON_CURVE Real Magnitude(Real x) { return RealOf(BitsOf(x) & 0x7fffffffU, x)
 /// x = 2^k m with m in [sqrt(1/2), sqrt(2)); s = (m - 1) / (m + 1); log2(m) is a series in odd
 /// powers of s.
 QUILLON_WIDE_CURVE Wide Log2OfNormal(Wide x) {
-  const QUILLON_WIDE_BITS shifted = WideBitsOf(x) + (0x3ff0000000000000ULL - 0x3fe6a09e667f3bcdULL);
-  const Wide m = WideOf((shifted & 0xfffffffffffffULL) + 0x3fe6a09e667f3bcdULL, x);
+  const QUILLON_WIDE_BITS shifted = WideBitsOf(x) + (0x3ff0000000000000U - 0x3fe6a09e667f3bcdU);
+  const Wide m = WideOf((shifted & 0xfffffffffffffU) + 0x3fe6a09e667f3bcdU, x);
   // The double 2^52 + 1023 + k, put together from its bits.
-  const Wide k = WideOf((shifted >> 52) | 0x4330000000000000ULL, x) - (0x1p52 + 1023.0);
+  const Wide k = WideOf((shifted >> 52) | 0x4330000000000000U, x) - (0x1p52 + 1023.0);
   const Wide s = (m - 1.0) / (m + 1.0);
   const Wide z = s * s;
   const Wide zz = z * z;
@@ -49,7 +49,7 @@ QUILLON_WIDE_CURVE Wide Exp2OfAny(Wide x) {
   const Wide power = Exp2OfModerate(x);
   const QUILLON_WIDE_BITS zero = WideBitsOf(x) & 0U;
   const Wide finite = x > -1020.0 ? power : WideOf(zero, x);
-  return x < 1020.0 ? finite : WideOf(zero | 0x7ff0000000000000ULL, x);
+  return x < 1020.0 ? finite : WideOf(zero | 0x7ff0000000000000U, x);
 }
 
 /// pow(x, y) for any x and y, ISO C F.10.4.4.
@@ -81,22 +81,26 @@ QUILLON_CURVE Real PowerOfAnything(Real x, Real y) {
   return ((y == 0.0f) | (x == 1.0f)) ? one : power;
 }
 
-/// pow(x, y) for the same y in every lane, given Log2OfNormal(Widen(x)), which means nothing where
-/// x has no such logarithm. A step of its own for those who take the logarithms of many first.
-QUILLON_CURVE Real PowerFromLog(Real x, float y, QUILLON_WIDE logarithm) {
-  const Real power = Narrow(Exp2OfModerate((double)y * logarithm), x);
-  const int isModerateY = Magnitude(y) <= 6.0f;
-  // Black is frequent, and no reason to leave the short way.
-  const QUILLON_MASK isZero = BitsOf(x) == (y > 0.0f ? 0U : ~0U);
-  const Real ordinary = isZero ? Uniform(0.0f, x) : power;
-  const QUILLON_MASK isOrdinary = ((x > 0.0f) & (x <= 0x1.fffffep127f)) | isZero;
-  if (isModerateY && AllOf(isOrdinary)) return ordinary;
-  const Real any = PowerOfAnything(x, Uniform(y, x));
-  return isModerateY ? (isOrdinary ? ordinary : any) : any;
+/// Whether pow(x, y), y above 0 and up to 6, is what OrdinaryPower makes of logarithms: x is
+/// positive and finite, or 0, which is frequent in pictures.
+QUILLON_CURVE QUILLON_MASK HasOrdinaryPower(Real x) {
+  return ((x > 0.0f) & (x <= 0x1.fffffep127f)) | (BitsOf(x) == 0U);
+}
+
+/// That power, given the exponential of y times the logarithm of x, which means nothing for 0.
+QUILLON_CURVE Real OrdinaryPower(Real x, Real exponential) {
+  return BitsOf(x) == 0U ? Uniform(0.0f, x) : exponential;
 }
 
 /// pow(x, y) for the same y in every lane.
-QUILLON_CURVE Real Power(Real x, float y) { return PowerFromLog(x, y, Log2OfNormal(Widen(x))); }
+QUILLON_CURVE Real Power(Real x, float y) {
+  const Real exponential = Narrow(Exp2OfModerate((double)y * Log2OfNormal(Widen(x))), x);
+  const QUILLON_MASK isOrdinary = HasOrdinaryPower(x);
+  const int isModerateY = y > 0.0f && y <= 6.0f;
+  if (isModerateY && AllOf(isOrdinary)) return OrdinaryPower(x, exponential);
+  const Real any = PowerOfAnything(x, Uniform(y, x));
+  return isModerateY ? (isOrdinary ? OrdinaryPower(x, exponential) : any) : any;
+}
 
 /// pow(base, y) for the same base in every lane.
 QUILLON_CURVE Real PowerOfBase(float base, Real y) {
@@ -108,7 +112,8 @@ QUILLON_CURVE Real PowerOfBase(float base, Real y) {
   return isOrdinaryBase ? (isOrdinary ? power : any) : any;
 }
 
-/// log(x), the natural one, given Log2OfNormal(Widen(x)) as for PowerFromLog.
+/// log(x), the natural one, given Log2OfNormal(Widen(x)), which means nothing where x
+/// has no such logarithm. A step of its own for those who take the logarithms of many first.
 QUILLON_CURVE Real LogarithmFromLog(Real x, QUILLON_WIDE logarithm) {
   const Real ordinary = Narrow(logarithm * 0x1.62e42fefa39efp-1, x);
   const QUILLON_MASK isOrdinary = (x > 0.0f) & (x <= 0x1.fffffep127f);

@@ -10,13 +10,13 @@
 // float: within 2^-37 of the true value. On a GPU they need its double precision.
 
 QUILLON_FUNCTION double Magnitude64(double x) {
-  return WideOf(WideBitsOf(x) & 0x7fffffffffffffffULL, x);
+  return WideOf(WideBitsOf(x) & 0x7fffffffffffffffU, x);
 }
 
 /// |x| with the sign of `sign`.
 QUILLON_FUNCTION double WithSignOf(double sign, double x) {
-  return WideOf(
-      (WideBitsOf(x) & 0x7fffffffffffffffULL) | (WideBitsOf(sign) & 0x8000000000000000ULL), x);
+  return WideOf((WideBitsOf(x) & 0x7fffffffffffffffU) | (WideBitsOf(sign) & 0x8000000000000000U),
+                x);
 }
 
 /// pow(x, y) for finite y; results and x below 2^-1020 count as 0. NaN for negative x, whatever y.

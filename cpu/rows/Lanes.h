@@ -77,6 +77,13 @@ static inline int MaskBits(LaneInts mask) {
 }
 static inline bool AnyOf(LaneInts mask) { return MaskBits(mask) != 0; }
 static inline bool AllOf(LaneInts mask) { return MaskBits(mask) == (1 << kLanes) - 1; }
+static inline bool IsWorthSkipping(LaneInts mask) {
+#if defined(__AVX512F__)
+  return static_cast<void>(mask), false;
+#else
+  return AllOf(mask);
+#endif
+}
 
 // Where powers are taken in vectors of their own kind, and where not.
 #if defined(__AVX2__)

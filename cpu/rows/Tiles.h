@@ -65,14 +65,26 @@ void TakeLogs(const float* values, int count, Logs<size>& logs) {
   }
 }
 
-/// Powers of `count` floats in place; a multiple of kPowerLanes, at most `size`.
+/// Powers of `count` floats in place, with exponents above 0 and up to 6; a multiple of kLanes, at
+/// most `size`.
 template <int size>
 void TakePowers(float* values, int count, float exponent) {
   Logs<size> logs;
+  alignas(64) float exponentials[size];
   TakeLogs(values, count, logs);
   for (int i = 0; i < count; i += kPowerLanes) {
-    const auto x = Load<PowerLanes>(values + i);
-    Store(values + i, PowerFromLog(x, exponent, logs.log[i / kPowerLanes]));
+    const WideLanes product = static_cast<double>(exponent) * logs.log[i / kPowerLanes];
+    Store(exponentials + i, Narrow(Exp2OfModerate(product), PowerLanes{}));
+  }
+  for (int i = 0; i < count; i += kLanes) {
+    const auto x = Load<Lanes>(values + i);
+    if (AllOf(HasOrdinaryPower(x))) {
+      Store(values + i, OrdinaryPower(x, Load<Lanes>(exponentials + i)));
+    } else {
+      for (int half = i; half < i + kLanes; half += kPowerLanes) {
+        Store(values + half, Power(Load<PowerLanes>(values + half), exponent));
+      }
+    }
   }
 }
 
