@@ -60,12 +60,12 @@ void CopyToLinear(benchmark::State& state, bool memoryIsKept) {
 }
 
 BENCHMARK_CAPTURE(CopyToLinear, first, false)
-    ->Name("CopyFrame/4K/pq-ycbcr420-10bit-to-linear-float/first-call")
+    ->Name("copy/pq-ycbcr420-10bit-to-linear-float/first-call")
     ->Iterations(15)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(CopyToLinear, second, true)
-    ->Name("CopyFrame/4K/pq-ycbcr420-10bit-to-linear-float/second-call")
+    ->Name("copy/pq-ycbcr420-10bit-to-linear-float/second-call")
     ->Iterations(15)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);

@@ -10,15 +10,29 @@
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
-ColorSpace Bt2020(std::uint8_t transfer, int peakNits) {
-  constexpr std::uint8_t kMatrixBT2020NonConstant = 9;
+namespace {
+
+ColorSpace SpaceOf(std::uint8_t primaries, std::uint8_t matrix, std::uint8_t transfer,
+                   int peakNits) {
   ColorDescription description;
-  description.primaries = H273::kPrimariesBT2020;
+  description.primaries = primaries;
   description.transfer = transfer;
-  description.matrix = kMatrixBT2020NonConstant;
+  description.matrix = matrix;
   description.fullRange = false;
   description.peakLuminance = peakNits;
   return ColorSpace(description);
+}
+
+}  // namespace
+
+ColorSpace Bt2020(std::uint8_t transfer, int peakNits) {
+  constexpr std::uint8_t kMatrixBT2020NonConstant = 9;
+  return SpaceOf(H273::kPrimariesBT2020, kMatrixBT2020NonConstant, transfer, peakNits);
+}
+
+ColorSpace Bt709(std::uint8_t transfer, int peakNits) {
+  constexpr std::uint8_t kMatrixBT709 = 1;
+  return SpaceOf(H273::kPrimariesBT709, kMatrixBT709, transfer, peakNits);
 }
 
 PX::VideoFrameRef Make4kFrame(orvmediatypes::PixelFormat format, const ColorSpace& colorSpace) {

@@ -10,8 +10,9 @@ inline constexpr int kWidth = 3840;
 inline constexpr int kHeight = 2160;
 inline constexpr double kPixels = static_cast<double>(kWidth) * kHeight;
 
-/// BT.2020 primaries with an H.273 transfer and a peak in whole nits.
+/// BT.2020 or BT.709 primaries with an H.273 transfer and a peak in whole nits.
 orvmediatypes::color::ColorSpace Bt2020(std::uint8_t transfer, int peakNits);
+orvmediatypes::color::ColorSpace Bt709(std::uint8_t transfer, int peakNits);
 
 /// A 4K frame, contents undefined. Throws std::runtime_error.
 PX::VideoFrameRef Make4kFrame(orvmediatypes::PixelFormat format,

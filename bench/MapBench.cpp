@@ -1,9 +1,11 @@
-// A whole call in place on a 4K linear float frame, beside the machine's own floor: reading and
-// writing the same memory once, in the same run and on as many threads.
+// A whole call in place on a 4K linear float frame, for every algorithm, beside the machine's own
+// floor: reading and writing the same memory once, in the same run and on as many threads.
 
 #include <algorithm>
 #include <cstddef>
 #include <span>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
@@ -11,6 +13,7 @@
 #include <oneapi/tbb/global_control.h>
 #include <oneapi/tbb/parallel_for.h>
 
+#include "bench/CurveCases.h"
 #include "bench/Frames.h"
 #include "bench/Timing.h"
 #include "engine/Quillon.h"
@@ -18,35 +21,47 @@
 
 namespace {
 
+using orvmediatypes::color::ColorSpace;
+using orvmediatypes::color::GamutCompressionAlgorithmType;
 using orvmediatypes::color::ToneMapAlgorithmType;
 using PX::GamutMappingUtils::GamutMappingSettings;
 
 constexpr int kSourceNits = 1000;
 constexpr int kWhiteNits = 203;
-constexpr float kSourcePeak = static_cast<float>(kSourceNits) / kWhiteNits;
 
-GamutMappingSettings HuePreservingSettings() {
-  GamutMappingSettings settings;
-  auto& toneMap = settings.toneMapSettings;
-  toneMap.sourceColorSpace = Bt2020(H273::kTransferLinear, kSourceNits);
-  toneMap.destinationColorSpace = Bt2020(H273::kTransferLinear, kWhiteNits);
-  toneMap.controls.peak = kSourcePeak;
-  toneMap.algorithmType = ToneMapAlgorithmType::HuePreservationDesaturation;
-  return settings;
+struct Algorithm {
+  const char* name;
+  ToneMapAlgorithmType toneMap;
+  GamutCompressionAlgorithmType gamut = GamutCompressionAlgorithmType::None;
+};
+
+constexpr Algorithm kAlgorithms[] = {
+    {"hue-preserving", ToneMapAlgorithmType::HuePreservationDesaturation},
+    {"car", ToneMapAlgorithmType::CARToneCurve},
+    {"bt2390-channel", ToneMapAlgorithmType::ITU2390RGBByChannel},
+    {"bt2390-max", ToneMapAlgorithmType::ITU2390MaxRGB},
+    {"bt2446a", ToneMapAlgorithmType::ITU2446A},
+    {"reinhard+hue-preserving", ToneMapAlgorithmType::HuePreservationDesaturation,
+     GamutCompressionAlgorithmType::Reinhard}};
+
+bool IsBT2390(ToneMapAlgorithmType algorithm) {
+  return algorithm == ToneMapAlgorithmType::ITU2390MaxRGB ||
+         algorithm == ToneMapAlgorithmType::ITU2390RGBByChannel;
 }
 
-/// Coloured ramps from black to the source's peak: pixels below, at and above the knee.
-std::vector<float> MakePicture() {
-  std::vector<float> picture;
-  picture.reserve(static_cast<std::size_t>(kWidth) * kHeight * 4);
-  for (int y = 0; y < kHeight; ++y) {
-    const float tint = static_cast<float>(y) / (kHeight - 1);
-    for (int x = 0; x < kWidth; ++x) {
-      const float light = kSourcePeak * static_cast<float>(x) / (kWidth - 1);
-      picture.insert(picture.end(), {light * tint, light * (1.0F - 0.5F * tint), light, 1.0F});
-    }
-  }
-  return picture;
+/// BT.2020 to BT.709, so that gamut compression applies. BT.2390 takes the peak from full scale of
+/// the source, and so needs PQ for one.
+GamutMappingSettings SettingsOf(const Algorithm& algorithm) {
+  GamutMappingSettings settings;
+  auto& toneMap = settings.toneMapSettings;
+  const bool needsPQ = IsBT2390(algorithm.toneMap);
+  toneMap.sourceColorSpace =
+      Bt2020(needsPQ ? H273::kTransferPQ : H273::kTransferLinear, kSourceNits);
+  toneMap.destinationColorSpace = Bt709(H273::kTransferLinear, kWhiteNits);
+  toneMap.controls.peak = needsPQ ? 0.7518F : static_cast<float>(kSourceNits) / kWhiteNits;
+  toneMap.algorithmType = algorithm.toneMap;
+  settings.GamutCompressionSettings::algorithmType = algorithm.gamut;
+  return settings;
 }
 
 void ReadAndWriteInParallel(std::span<float> floats) {
@@ -58,38 +73,45 @@ void ReadAndWriteInParallel(std::span<float> floats) {
       tbb::static_partitioner());
 }
 
-void MapInPlace(benchmark::State& state) {
-  const tbb::global_control threads(tbb::global_control::max_allowed_parallelism,
-                                    static_cast<std::size_t>(state.range(0)));
-  const GamutMappingSettings settings = HuePreservingSettings();
-  const std::vector<float> picture = MakePicture();
-  const PX::VideoFrameRef frame =
-      Make4kFrame(orvmediatypes::kLinearFloatBGRA, settings.toneMapSettings.sourceColorSpace);
+void MapInPlace(benchmark::State& state, const Algorithm& algorithm, std::size_t threadCount) {
+  const tbb::global_control threads(tbb::global_control::max_allowed_parallelism, threadCount);
+  const GamutMappingSettings settings = SettingsOf(algorithm);
+  const ColorSpace linear = Bt709(H273::kTransferLinear, kWhiteNits);
+  const std::vector<float> picture = MakePicture(Picture::Hdr);
+  const PX::VideoFrameRef frame = Make4kFrame(orvmediatypes::kLinearFloatBGRA, linear);
   const std::span<float> floats = FloatsOf(frame);
 
   std::vector<double> calls;
   std::vector<double> floors;
   while (state.KeepRunning()) {
     std::copy(picture.begin(), picture.end(), floats.begin());
-    frame->SetColorSpace(settings.toneMapSettings.sourceColorSpace);
+    frame->SetColorSpace(linear);
     PX::VideoFrameRef destination = frame;
     int result = 0;
     calls.push_back(
         SecondsOf([&] { result = Quillon::ApplyGamutMapping(frame, settings, destination); }));
     Check(result, "ApplyGamutMapping");
+    if (std::equal(picture.begin(), picture.end(), floats.begin())) {
+      throw std::runtime_error(std::string(algorithm.name) + " changed nothing");
+    }
     floors.push_back(SecondsOf([&] { ReadAndWriteInParallel(floats); }));
     state.SetIterationTime(calls.back());
   }
   ReportRatios(state, calls, floors);
 }
 
-BENCHMARK(MapInPlace)
-    ->Name("ApplyGamutMapping/4K/linear-float/hue-preserving")
-    ->ArgName("threads")
-    ->Arg(1)
-    ->Arg(2)
-    ->Iterations(15)
-    ->UseManualTime()
-    ->Unit(benchmark::kMillisecond);
+[[maybe_unused]] const int kRegistered = [] {
+  for (const Algorithm& algorithm : kAlgorithms) {
+    for (const std::size_t threads : {1U, 2U}) {
+      benchmark::RegisterBenchmark(
+          ("frame/" + std::string(algorithm.name) + "/threads:" + std::to_string(threads)).c_str(),
+          [algorithm, threads](benchmark::State& state) { MapInPlace(state, algorithm, threads); })
+          ->Iterations(15)
+          ->UseManualTime()
+          ->Unit(benchmark::kMillisecond);
+    }
+  }
+  return 0;
+}();
 
 }  // namespace
