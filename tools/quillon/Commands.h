@@ -11,3 +11,4 @@ class App;
 using Subcommand = std::function<void()>;
 Subcommand AddMapCommand(CLI::App& app);
 Subcommand AddChartCommand(CLI::App& app);
+Subcommand AddCurveCommand(CLI::App& app);

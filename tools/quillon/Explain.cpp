@@ -5,8 +5,8 @@
 #include <span>
 #include <string_view>
 
-#include "tonemap/SupportParams.h"
 #include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/ResolvedToneMap.h"
 
 using orvmediatypes::color::ToneMapAlgorithmType;
 using PX::ToneMappingUtils::ToneMapSettings;
@@ -67,9 +67,7 @@ void ExplainToneMap(std::ostream& out, const MapPlan& plan) {
         << '\n';
     return;
   }
-  ToneMapSettings resolved = asked;
-  Quillon::SupportVector params;
-  Quillon::GetToneMappingSupportParams(resolved, params);
+  const auto [resolved, params] = ResolveToneMap(plan);
 
   Label(out, "tone mapping") << PX::ToneMappingUtils::GetLocalizedToneMappingMethodName(
       resolved.algorithmType, 1);

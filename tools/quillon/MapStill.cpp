@@ -1,14 +1,10 @@
 #include "tools/quillon/MapStill.h"
 
-#include <cstdint>
-#include <cstdio>
 #include <string>
 
-#include "engine/Quillon.h"
 #include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/ApplyPlan.h"
 #include "tools/quillon/ColorSpaceNames.h"
-#include "tools/quillon/EngineMessages.h"
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/Explain.h"
 #include "tools/quillon/Frames.h"
 #include "tools/quillon/LightLevels.h"
@@ -16,28 +12,6 @@
 #include "tools/quillon/io/WriteStill.h"
 
 namespace {
-
-std::string HexCode(int code) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%08X", static_cast<std::uint32_t>(code));
-  return text;
-}
-
-PX::VideoFrameRef ApplyPlan(const MapPlan& plan, const std::filesystem::path& input) {
-  const FloatPixels pixels = ViewFloatPixels(plan.source);
-  PX::VideoFrameRef destination = MakeFloatFrame(
-      pixels.width, pixels.height, plan.settings.toneMapSettings.destinationColorSpace);
-
-  const EngineMessages messages;
-  const int result = Quillon::ApplyGamutMapping(plan.source, plan.settings, destination);
-  if (result < 0) {
-    const std::string said = messages.Joined();
-    throw CommandError(ExitCode::EngineRefused, input.string() + ": the engine refused with " +
-                                                    HexCode(result) +
-                                                    (said.empty() ? "" : ": " + said));
-  }
-  return destination;
-}
 
 /// A PQ file tells the light levels that it now has; other files carry none.
 ContentLight LightOfResult(const PX::VideoFrameRef& result, int white) {
@@ -81,7 +55,7 @@ void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes)
   }
 
   StillOutput output;
-  output.frame = ApplyPlan(plan, options.input);
+  output.frame = ApplyPlan(plan, options.input.string());
   output.settings = ColorManagementFor(options.white);
   output.light = LightOfResult(output.frame, options.white);
   output.depth = options.depth;

@@ -32,12 +32,15 @@ ExitCode RunCommandLine(int argc, char** argv) {
       "'quillon COMMAND --help' tells the options of a command.");
   const Subcommand map = AddMapCommand(app);
   const Subcommand chart = AddChartCommand(app);
+  const Subcommand curve = AddCurveCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? ExitCode::Success : ExitCode::Usage;
   }
-  (app.got_subcommand("map") ? map : chart)();
+  if (app.got_subcommand("map")) map();
+  if (app.got_subcommand("chart")) chart();
+  if (app.got_subcommand("curve")) curve();
   return ExitCode::Success;
 }
 

@@ -1,10 +1,11 @@
 #include "tools/quillon/io/TargetFile.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <random>
-#include <string>
 #include <system_error>
 #include <utility>
 
@@ -76,6 +77,13 @@ class TemporaryFile {
 // NOLINTEND(cppcoreguidelines-owning-memory)
 
 }  // namespace
+
+std::string LowerCaseExtension(const fs::path& path) {
+  std::string extension = path.extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return extension;
+}
 
 void CheckTargetFile(const fs::path& path, bool overwrite) {
   std::error_code error;

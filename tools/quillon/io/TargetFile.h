@@ -3,6 +3,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <span>
+#include <string>
+
+/// The extension of a name in lower case, with its dot; empty where it has none.
+std::string LowerCaseExtension(const std::filesystem::path& path);
 
 /// Throws StillError (CannotWrite) where no file can be put under this name: its folder is missing,
 /// it is a folder, a device or the like, or it is a file that is not to be replaced.

@@ -1,8 +1,6 @@
 #include "tools/quillon/io/WriteStill.h"
 
-#include <algorithm>
 #include <array>
-#include <cctype>
 #include <new>
 #include <string>
 #include <string_view>
@@ -24,9 +22,7 @@ constexpr std::array<Format, 3> kFormats{
     {{".png", EncodePng}, {".exr", EncodeExr}, {".avif", EncodeAvif}}};
 
 const Format& FormatOf(const std::filesystem::path& path) {
-  std::string extension = path.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  const std::string extension = LowerCaseExtension(path);
   for (const Format& format : kFormats) {
     if (format.extension == extension) return format;
   }

@@ -1,0 +1,76 @@
+#include "tools/quillon/SharedOptions.h"
+
+#include <charconv>
+#include <cmath>
+
+#include "tools/quillon/ColorSpaceNames.h"
+
+bool ParseNits(const std::string& text, double& nits) {
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, nits);
+  return error == std::errc() && rest == end && nits > 0.0 && std::isfinite(nits);
+}
+
+void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string& fromHelp) {
+  const std::string names = "NAME";
+  CLI::Option* to =
+      app.add_option_function<std::string>(
+             "--to", [&](const std::string& name) { options.destination = ColorSpaceOfName(name); },
+             "Colour space of the result: " + ColorSpaceNames() + " (srgb when not given)")
+          ->type_name(names);
+  app.add_option_function<std::string>(
+         "--to-cicp",
+         [&](const std::string& text) { options.destination = ColorSpaceOfCicp(text); },
+         "The same by ITU-T H.273 code points")
+      ->type_name("P/T/M")
+      ->excludes(to);
+  CLI::Option* from =
+      app.add_option_function<std::string>(
+             "--from", [&](const std::string& name) { options.source = ColorSpaceOfName(name); },
+             fromHelp)
+          ->type_name(names);
+  app.add_option_function<std::string>(
+         "--from-cicp",
+         [&](const std::string& text) {
+           options.source = ColorSpaceOfCicp(text);
+           options.sourceTellsMatrix = true;
+         },
+         "The same by ITU-T H.273 code points")
+      ->type_name("P/T/M")
+      ->excludes(from);
+}
+
+void AddTargetOptions(CLI::App& app, MapOptions& options) {
+  app.add_option("--target-peak", options.targetPeakNits, "Peak of a PQ or HLG destination in nits")
+      ->check(CLI::Range(1, 10000))
+      ->type_name("NITS");
+  app.add_option("--white", options.white,
+                 "Luminance of graphics white in nits: 1.0 of an SDR destination and of "
+                 "scene-linear pictures")
+      ->check(CLI::Range(1, 10000))
+      ->type_name("NITS")
+      ->capture_default_str();
+}
+
+void AddDialOptions(CLI::App& app, MapOptions& options) {
+  app.add_option("--knee", options.knee,
+                 "Where the curve leaves the straight line, 0 to 1 of the destination's peak; for "
+                 "hue and car (0.5 when not given)")
+      ->check(CLI::Range(0.0, 1.0))
+      ->type_name("SHARE");
+  app.add_option("--gain", options.gain,
+                 "Multiplies the picture before the curve (1 when not given)")
+      ->check(CLI::PositiveNumber)
+      ->type_name("FACTOR");
+  app.add_option(
+         "--preserve", options.colorPreservation,
+         "Colour preservation in highlights: 0 lets them go to white, 1 keeps their hue and "
+         "saturation (0.5 when not given)")
+      ->check(CLI::Range(0.0, 1.0))
+      ->type_name("SHARE");
+}
+
+void AddOutputOptions(CLI::App& app, MapOptions& options) {
+  app.add_flag("--overwrite", options.overwrite, "Replace an output that exists");
+  app.add_flag("--quiet", options.quiet, "Print nothing but errors");
+}

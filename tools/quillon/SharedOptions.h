@@ -1,0 +1,34 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "tools/quillon/Choice.h"
+#include "tools/quillon/MapOptions.h"
+
+/// Options that several commands have, by the same names. The references live as long as `app`.
+
+/// The value of a name. Throws CLI::ValidationError, which names the option, for other names.
+template <class Value, std::size_t Count>
+Value ParseChoice(const std::string& option, const std::array<Choice<Value>, Count>& choices,
+                  const std::string& text) {
+  for (const auto& choice : choices) {
+    if (choice.name == text) return choice.value;
+  }
+  throw CLI::ValidationError(option, "'" + text + "' is none of " + ChoiceNames(choices));
+}
+
+/// Whether the text is a finite number above 0, which `nits` then is.
+bool ParseNits(const std::string& text, double& nits);
+
+/// --to, --to-cicp, --from, --from-cicp; `fromHelp` says what `--from` is for.
+void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string& fromHelp);
+
+/// --target-peak and --white.
+void AddTargetOptions(CLI::App& app, MapOptions& options);
+
+/// --knee, --gain and --preserve.
+void AddDialOptions(CLI::App& app, MapOptions& options);
+
+/// --overwrite and --quiet.
+void AddOutputOptions(CLI::App& app, MapOptions& options);
