@@ -11,6 +11,9 @@
 // short as a branch that was guessed wrong, IsWorthSkipping stands for AllOf, and may be false. A
 // vector type needs AnyOf, AllOf, IsWorthSkipping, Uniform, Widen and Narrow of its own, declared
 // before the curves are included.
+//
+// Literals for the bits of a double end in U alone, which is as wide as the number needs in all
+// three languages; ULL is none of OpenCL C 1.2's.
 
 #if defined(__OPENCL_VERSION__)
 

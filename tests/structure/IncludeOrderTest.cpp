@@ -3,6 +3,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::IsSupersetOf;
 
 /// A source tree of one file, gone with the object.
@@ -74,6 +76,8 @@ TEST(IncludeOrder, IsTheStatedOne) {
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "gpu/KernelCache.h"}));
   EXPECT_FALSE(RunsDown({"curves/A.h", "base/Trace.h"}));
   EXPECT_FALSE(RunsDown({"base/A.h", "curves/Three.h"}));
+  EXPECT_FALSE(RunsDown({"curves/A.h", "host/PX/ToneMappingUtils.h"}));
+  EXPECT_TRUE(RunsDown({"curves/A.h", "curves/Three.h"}));
   EXPECT_FALSE(RunsDown({"host/A.h", "base/ResultCodes.h"}));
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "kernels/ToneMapMain.h"}));
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "tools/quillon/Frames.h"}));
@@ -82,4 +86,15 @@ TEST(IncludeOrder, IsTheStatedOne) {
 TEST(IncludeOrder, RefusesIncludesNotWrittenFromTheRoot) {
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "QuillonImpl.h"}));
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "base/../engine/Quillon.h"}));
+}
+
+// OpenCL C has no headers of its own.
+TEST(IncludeOrder, HasOneSystemHeaderInTheCurvesForTheSquareRoot) {
+  std::vector<std::string> includes;
+  for (const Include& include : ReadSystemIncludes(QUILLON_SOURCE_DIR)) {
+    if (include.file.starts_with("curves/")) {
+      includes.push_back(include.file + " includes " + include.target);
+    }
+  }
+  EXPECT_THAT(includes, ElementsAre("curves/math64.h includes cmath"));
 }
