@@ -26,6 +26,8 @@ TEST(RowObjects, ShareNothingButTheirEntryWithCodeForOlderProcessors) {
     int entries = 0;
     for (const Symbol& symbol : ReadObjectSymbols(object)) {
       const bool isEntry = symbol.type == 'T' && symbol.name.starts_with("Quillon::MapRun");
+      // A pointer that sanitized builds unwind by; no code.
+      if (symbol.name.starts_with("DW.ref.")) continue;
       entries += isEntry ? 1 : 0;
       EXPECT_TRUE(isEntry || std::islower(static_cast<unsigned char>(symbol.type)) != 0)
           << symbol.type << ' ' << symbol.name << " in " << object;
