@@ -10,7 +10,7 @@ set(libraries Quillon)
 set(QUILLON_PC_LIBS -lQuillon)
 
 if(NOT QUILLON_HOST_DIR)
-  foreach(library kestrel pavix chromant orvmediatypes orvcore)
+  foreach(library kestrel ironlane pavix chromant orvmediatypes orvcore)
     list(APPEND libraries ${library})
     string(APPEND QUILLON_PC_LIBS " -l${library}")
     string(SUBSTRING ${library} 0 1 initial)
@@ -19,10 +19,13 @@ if(NOT QUILLON_HOST_DIR)
     set_target_properties(${library} PROPERTIES EXPORT_NAME Host${initial}${rest})
   endforeach()
 
-  # What a program needs to be a host: make frames, name colour spaces, hear the trace.
+  # What a program needs to be a host: make frames, find devices, name colour spaces, hear
+  # the trace.
   foreach(header
-      chromant/PixelConverter.h
       chromant/ResultCodes.h
+      ironlane/Devices.h
+      ironlane/GpuDevice.h
+      ironlane/ResultCodes.h
       kestrel/PixelFormats.h
       kestrel/ResultCodes.h
       kestrel/SystemFrame.h

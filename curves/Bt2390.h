@@ -13,6 +13,19 @@ typedef struct Bt2390Params {
   float maxLum;
 } Bt2390Params;
 
+/// The parameters from black and peak of source and destination, PQ code values. Nothing is
+/// guarded: a source without range gives what the divisions give.
+QUILLON_FUNCTION Bt2390Params MakeBt2390Params(float sourceBlack, float sourcePeak,
+                                               float destinationBlack, float destinationPeak) {
+  Bt2390Params p;
+  p.sourceBlack = sourceBlack;
+  p.sourceRange = sourcePeak - sourceBlack;
+  p.minLum = (destinationBlack - sourceBlack) / p.sourceRange;
+  p.maxLum = (destinationPeak - sourceBlack) / p.sourceRange;
+  p.kneeStart = 1.5f * p.maxLum - 0.5f;
+  return p;
+}
+
 /// One value through the EETF.
 ///
 /// Deliberate: above the knee a cubic takes the place of the report's Hermite spline.

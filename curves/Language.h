@@ -17,6 +17,9 @@
 
 #if defined(__OPENCL_VERSION__)
 
+#pragma OPENCL FP_CONTRACT OFF
+#pragma OPENCL EXTENSION cl_khr_fp64 : enable
+
 typedef float Real;
 typedef double Wide;
 #define QUILLON_CURVE static inline
@@ -42,7 +45,7 @@ typedef double Wide;
 
 #else
 
-#if defined(__CUDACC__)
+#if defined(__CUDACC__) || defined(__CUDA__)
 #define QUILLON_FUNCTION __host__ __device__ static inline
 #else
 #define QUILLON_FUNCTION static inline

@@ -182,15 +182,12 @@ void GetITU2390SupportParams(ToneMapSettings& settings, SupportVector& params) {
   const float referenceWhite = ReferenceWhite(settings, colorManaged);
   params.push_back(referenceWhite);
 
-  const float range = params[1] - params[0];
-  const float minLum = (params[2] - params[0]) / range;
-  const float maxLum = (params[3] - params[0]) / range;
-  const float kneeStart = 1.5F * maxLum - 0.5F;
-  params.push_back(range);
-  params.push_back(minLum);
-  params.push_back(maxLum);
-  params.push_back(kneeStart);
-  params.push_back(DecodePQ(kneeStart) / referenceWhite);
+  const Bt2390Params curve = MakeBt2390Params(params[0], params[1], params[2], params[3]);
+  params.push_back(curve.sourceRange);
+  params.push_back(curve.minLum);
+  params.push_back(curve.maxLum);
+  params.push_back(curve.kneeStart);
+  params.push_back(DecodePQ(curve.kneeStart) / referenceWhite);
 
   for (const float weight : GetDestinationLuminanceWeights(settings.destinationColorSpace,
                                                            settings.colorManagementSettings)) {

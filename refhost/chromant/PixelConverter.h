@@ -5,6 +5,7 @@
 
 #include "host/orvmediatypes/ColorManagementSettings.h"
 #include "host/orvmediatypes/ColorSpace.h"
+#include "refhost/chromant/ConversionParams.h"
 
 namespace CHR {
 
@@ -14,13 +15,19 @@ namespace CHR {
 /// be called from any number of threads.
 class PixelConverter {
  public:
-  virtual ~PixelConverter() = default;
+  explicit PixelConverter(const ConversionParams& params) : params_(params) {}
 
   /// The two colour spaces are equivalent: `Convert` only copies.
-  virtual bool IsIdentity() const = 0;
+  bool IsIdentity() const;
 
   /// `source` and `destination` may be the same memory, but must not overlap otherwise.
-  virtual void Convert(const float* source, float* destination, std::size_t pixels) const = 0;
+  void Convert(const float* source, float* destination, std::size_t pixels) const;
+
+  /// The conversion as kernels take it.
+  const ConversionParams& Params() const { return params_; }
+
+ private:
+  ConversionParams params_;
 };
 
 /// Null when a colour space is empty, or its primaries or transfer are unknown here. The matrix

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "refhost/chromant/HalfFloat.h"
+#include "curves/HalfFloat.h"
 
 namespace CHR {
 
@@ -107,7 +107,9 @@ void StorePixels(ComponentType type, const float* floats, std::size_t pixels, st
     case ComponentType::UInt16:
       return Store<std::uint16_t>(floats, pixels, stored, ToInteger<std::uint16_t>);
     case ComponentType::Half:
-      return Store<std::uint16_t>(floats, pixels, stored, ToHalf);
+      return Store<std::uint16_t>(floats, pixels, stored, [](float value) {
+        return static_cast<std::uint16_t>(ToHalf(value));
+      });
     case ComponentType::Float:
       std::memcpy(stored, floats, pixels * PixelBytes(type));
       return;

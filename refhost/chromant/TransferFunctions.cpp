@@ -14,13 +14,13 @@ namespace {
 /// The curve in the unit of transfer functions: nits for PQ and HLG (BT.2020 primaries, a display
 /// of 1000 nits); light relative to the white for all others, which have no luminance of their
 /// own.
-std::optional<TransferCurve> CurveOf(int transferCharacteristic, int videoColorimetry) {
+std::optional<TransferParams> CurveOf(int transferCharacteristic, int videoColorimetry) {
   if (videoColorimetry != 0) return std::nullopt;
   if (transferCharacteristic < 0 || transferCharacteristic > UINT8_MAX) return std::nullopt;
   orvmediatypes::color::ColorDescription description;
   description.primaries = H273::kPrimariesBT2020;
   description.transfer = static_cast<std::uint8_t>(transferCharacteristic);
-  return TransferCurve::Of(orvmediatypes::color::ColorSpace(description), 1.0);
+  return TransferParamsOf(orvmediatypes::color::ColorSpace(description), 1.0);
 }
 
 using Rgb = std::array<double, 3>;
@@ -39,7 +39,7 @@ TransferFunction GetSignalToLinearTransferFn(int transferCharacteristic, int vid
   if (!curve.has_value()) return {};
   return [curve = *curve](float* pixel, float scale) {
     Rgb rgb = Load(pixel);
-    curve.Decode(rgb);
+    DecodePixel(curve, rgb.data());
     for (double& channel : rgb) channel *= scale;
     Store(rgb, pixel);
   };
@@ -51,7 +51,7 @@ TransferFunction GetLinearToSignalTransferFn(int transferCharacteristic, int vid
   return [curve = *curve](float* pixel, float scale) {
     Rgb rgb = Load(pixel);
     for (double& channel : rgb) channel /= scale;
-    curve.Encode(rgb);
+    EncodePixel(curve, rgb.data());
     Store(rgb, pixel);
   };
 }

@@ -2,10 +2,10 @@
 #include <utility>
 
 #include "host/KS/FrameManipulators.h"
-#include "refhost/chromant/PixelConverter.h"
 #include "refhost/kestrel/BandCopy.h"
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/InterleavedCopy.h"
+#include "refhost/kestrel/MakeConverter.h"
 #include "refhost/kestrel/PlaneCopy.h"
 #include "refhost/kestrel/ResultCodes.h"
 #include "refhost/kestrel/YCbCrCopy.h"
@@ -17,12 +17,6 @@ using orvmediatypes::color::ColorManagementSettings;
 namespace KS::VideoFrameManipulators {
 
 namespace {
-
-/// Whether equal R'G'B' signals are equal colours, also where no one knows which colours.
-bool MeanTheSame(const ColorDescription& one, const ColorDescription& other) {
-  return one.primaries == other.primaries && one.transfer == other.transfer &&
-         one.chromaticities == other.chromaticities && one.peakLuminance == other.peakLuminance;
-}
 
 /// Whether equal codes are equal R'G'B' signals.
 bool AreCodedAlike(const FormatInfo& info, const ColorDescription& one,
@@ -90,10 +84,9 @@ int CopyFrame(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
   const auto sourceSpace = from->GetColorSpace();
   const auto destinationSpace = to->GetColorSpace();
   std::shared_ptr<const CHR::PixelConverter> converter;
-  if (!MeanTheSame(sourceSpace.Description(), destinationSpace.Description())) {
-    converter = CHR::MakePixelConverter(sourceSpace, destinationSpace, settings);
-    if (converter == nullptr) return kNotSupported;
-    if (converter->IsIdentity()) converter = nullptr;
+  if (const int result = MakeConverter(sourceSpace, destinationSpace, settings, converter);
+      result < 0) {
+    return result;
   }
 
   // Memory that both frames show in different ways is the one case with a picture in between.

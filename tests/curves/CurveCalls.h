@@ -5,10 +5,12 @@
 // many numbers each takes and gives.
 
 #include "curves/Bt2390.h"
+#include "curves/Bt2390Linear.h"
 #include "curves/Bt2446A.h"
 #include "curves/Car.h"
 #include "curves/GamutDesaturation.h"
 #include "curves/GamutReinhard.h"
+#include "curves/HalfFloat.h"
 #include "curves/HighlightDesaturation.h"
 #include "curves/Hlg.h"
 #include "curves/HuePreservation.h"
@@ -33,6 +35,12 @@ QUILLON_FUNCTION void CallExponential(const float* in, float* out) { out[0] = Ex
 
 QUILLON_FUNCTION void CallSoftKnee(const float* in, float* out) {
   out[0] = SoftKnee(in[0], in[1], in[2], in[3]);
+}
+
+/// A float rounded to half, and any half.
+QUILLON_FUNCTION void CallHalfFloat(const float* in, float* out) {
+  out[0] = FromHalf(ToHalf(in[0]));
+  out[1] = FromHalf(BitsOf(in[0]) & 0xffffU);
 }
 
 // Curves of pixels: three channels come first, then what the curve reads.
@@ -75,6 +83,23 @@ QUILLON_FUNCTION void CallEetfByChannel(const float* in, float* out) {
 QUILLON_FUNCTION void CallEetfMaxRGB(const float* in, float* out) {
   CopyPixel(in, out);
   EetfMaxRGB(out, Bt2390ParamsOf(in + 3));
+}
+
+/// Black and peak of source and destination, reference white, gain, peak, colour preservation.
+QUILLON_FUNCTION Bt2390LinearParams Bt2390LinearParamsOf(const float* in) {
+  const Bt2390LinearParams params = {in[0], in[1], in[2],   in[3],   in[4],  in[5],
+                                     in[6], in[7], 0.2627f, 0.6780f, 0.0593f};
+  return params;
+}
+
+QUILLON_FUNCTION void CallBt2390LinearByChannel(const float* in, float* out) {
+  CopyPixel(in, out);
+  ToneMapBt2390ByChannel(out, Bt2390LinearParamsOf(in + 3));
+}
+
+QUILLON_FUNCTION void CallBt2390LinearMaxRGB(const float* in, float* out) {
+  CopyPixel(in, out);
+  ToneMapBt2390MaxRGB(out, Bt2390LinearParamsOf(in + 3));
 }
 
 QUILLON_FUNCTION void CallBt2446A(const float* in, float* out) {

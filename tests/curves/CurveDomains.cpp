@@ -27,6 +27,8 @@ Domains<float> MathDomains() {
          {{-0.5F, 2.0F, 1.0F}, {0.5F, 1.0F, 2.0F}},
          {{0.25F, 1.0F, 1.0F}, {0.25F, 1.0F}}}}},
       {"Three", {3, 2.0F, {{{}, {0.5F, 1.0F}}}}},
+      {"HalfFloat",
+       {1, 70000.0F, {{{}, {0x1p-25F, 0x1p-24F, 0x1p-14F, 1.0F, 65504.0F, 65519.0F, 65520.0F}}}}},
   };
 }
 
@@ -75,6 +77,14 @@ std::vector<Setting<float>> EetfSettings() {
           {{0.0F, 0.75F, 1.25F, 0.0F, 0.77F}, {0.75F, 1.0F}},
           {{0.1F, 0.65F, 0.3F, -0.5F, 0.6F}, {0.1F, 0.295F, 0.75F}},
           {{0.0F, 0.0F, 0.5F, 0.0F, 1.0F}, {1.0F}}};
+}
+
+/// Black and peak of source and destination, reference white, gain, peak, colour preservation.
+std::vector<Setting<float>> Bt2390LinearSettings() {
+  return {{{0.0F, 0.751827F, 0.0F, 0.5806889F, 203.0F, 1.0F, 4.926F, 0.5F}, {0.5F, 1.0F, 4.926F}},
+          {{0.05F, 0.9F, 0.1F, 0.6F, 100.0F, 1.3F, 40.0F, 0.0F}, {1e-6F, 1.0F, 40.0F}},
+          {{0.0F, 0.5F, 0.0F, 0.6F, 203.0F, 1.0F, 1.0F, 0.5F}, {0.5F, 1.0F}},
+          {{0.5F, 0.5F, 0.0F, 0.5F, 203.0F, 1.0F, 1.0F, 0.5F}, {1.0F}}};
 }
 
 Domains<float> GamutDomains() {
@@ -175,6 +185,8 @@ const std::map<std::string, Domain<float>>& FloatDomains() {
     domains.merge(GamutDomains());
     domains["EetfByChannel"] = {3, 1.0F, EetfSettings()};
     domains["EetfMaxRGB"] = {3, 1.0F, EetfSettings()};
+    domains["Bt2390LinearByChannel"] = {3, 6.0F, Bt2390LinearSettings()};
+    domains["Bt2390LinearMaxRGB"] = {3, 6.0F, Bt2390LinearSettings()};
     return domains;
   }();
   return kDomains;

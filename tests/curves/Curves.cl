@@ -1,9 +1,6 @@
 // A kernel Run<name> for every call of a curve: items lie one after another, as many numbers each
 // as the call takes and gives.
 
-#pragma OPENCL FP_CONTRACT OFF
-#pragma OPENCL EXTENSION cl_khr_fp64 : enable
-
 #include "tests/curves/CurveCalls.h"
 
 #define QUILLON_CURVE_CALL(name, Number, ins, outs)                          \

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "host/CHR/Conversion.h"
-#include "refhost/chromant/HalfFloat.h"
+#include "curves/HalfFloat.h"
 #include "tests/refhost/chromant/Samples.h"
 
 using orvmediatypes::kLinearFloatBGRA;
@@ -312,38 +312,38 @@ TEST(ConvertFrame, GivesATallFrameWhatItGivesEachOfItsRows) {
 TEST(HalfFloat, KeepsEveryHalfThroughFloat) {
   for (int code = 0; code < 65536; ++code) {
     const auto half = static_cast<std::uint16_t>(code);
-    const float value = CHR::FromHalf(half);
+    const float value = FromHalf(half);
     if (std::isnan(value)) {
       EXPECT_GT(half & 0x7FFF, 0x7C00);
-      EXPECT_TRUE(std::isnan(CHR::FromHalf(CHR::ToHalf(value))));
+      EXPECT_TRUE(std::isnan(FromHalf(ToHalf(value))));
     } else {
-      ASSERT_EQ(CHR::ToHalf(value), half);
+      ASSERT_EQ(ToHalf(value), half);
     }
   }
 }
 
 TEST(HalfFloat, MeansTheNumbersOfTheFormat) {
-  EXPECT_EQ(CHR::FromHalf(0x3C00), 1.0F);
-  EXPECT_EQ(CHR::FromHalf(0xC000), -2.0F);
-  EXPECT_EQ(CHR::FromHalf(0x7BFF), 65504.0F);
-  EXPECT_EQ(CHR::FromHalf(0x0001), std::ldexp(1.0F, -24));
-  EXPECT_EQ(CHR::FromHalf(0x0400), std::ldexp(1.0F, -14));
-  EXPECT_EQ(CHR::FromHalf(0x7C00), kInfinity);
-  EXPECT_TRUE(std::signbit(CHR::FromHalf(0x8000)));
+  EXPECT_EQ(FromHalf(0x3C00), 1.0F);
+  EXPECT_EQ(FromHalf(0xC000), -2.0F);
+  EXPECT_EQ(FromHalf(0x7BFF), 65504.0F);
+  EXPECT_EQ(FromHalf(0x0001), std::ldexp(1.0F, -24));
+  EXPECT_EQ(FromHalf(0x0400), std::ldexp(1.0F, -14));
+  EXPECT_EQ(FromHalf(0x7C00), kInfinity);
+  EXPECT_TRUE(std::signbit(FromHalf(0x8000)));
 }
 
 TEST(HalfFloat, RoundsToNearestTiesToEven) {
-  EXPECT_EQ(CHR::ToHalf(1.0F + std::ldexp(1.0F, -11)), 0x3C00);
-  EXPECT_EQ(CHR::ToHalf(1.0F + std::ldexp(3.0F, -11)), 0x3C02);
-  EXPECT_EQ(CHR::ToHalf(std::nextafter(1.0F + std::ldexp(1.0F, -11), 2.0F)), 0x3C01);
-  EXPECT_EQ(CHR::ToHalf(std::ldexp(1.0F, -25)), 0x0000);
-  EXPECT_EQ(CHR::ToHalf(std::ldexp(3.0F, -25)), 0x0002);
-  EXPECT_EQ(CHR::ToHalf(std::nextafter(std::ldexp(1.0F, -14), 0.0F)), 0x0400);
+  EXPECT_EQ(ToHalf(1.0F + std::ldexp(1.0F, -11)), 0x3C00);
+  EXPECT_EQ(ToHalf(1.0F + std::ldexp(3.0F, -11)), 0x3C02);
+  EXPECT_EQ(ToHalf(std::nextafter(1.0F + std::ldexp(1.0F, -11), 2.0F)), 0x3C01);
+  EXPECT_EQ(ToHalf(std::ldexp(1.0F, -25)), 0x0000);
+  EXPECT_EQ(ToHalf(std::ldexp(3.0F, -25)), 0x0002);
+  EXPECT_EQ(ToHalf(std::nextafter(std::ldexp(1.0F, -14), 0.0F)), 0x0400);
 }
 
 TEST(HalfFloat, BecomesInfiniteBeyondItsLargest) {
-  EXPECT_EQ(CHR::ToHalf(65519.0F), 0x7BFF);
-  EXPECT_EQ(CHR::ToHalf(65520.0F), 0x7C00);
-  EXPECT_EQ(CHR::ToHalf(3e38F), 0x7C00);
-  EXPECT_EQ(CHR::ToHalf(-kInfinity), 0xFC00);
+  EXPECT_EQ(ToHalf(65519.0F), 0x7BFF);
+  EXPECT_EQ(ToHalf(65520.0F), 0x7C00);
+  EXPECT_EQ(ToHalf(3e38F), 0x7C00);
+  EXPECT_EQ(ToHalf(-kInfinity), 0xFC00);
 }

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string_view>
+
+namespace kernels {
+
+/// One module of kernels, as texts for the compilers of devices.
+struct KernelModule {
+  std::string_view name;
+  /// OpenCL C 1.2, with every header it includes in place of its line.
+  std::string_view openCl;
+  /// PTX; empty where no compiler for it was there when this was built.
+  std::string_view ptx;
+};
+
+/// The module of this name, or null.
+const KernelModule* FindKernelModule(std::string_view name);
+
+}  // namespace kernels

@@ -1,0 +1,12 @@
+#include "refhost/ironlane/ContextIdentity.h"
+
+#include <atomic>
+
+namespace IL {
+
+std::uint64_t NewContextIdentity() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
+
+}  // namespace IL

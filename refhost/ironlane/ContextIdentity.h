@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+namespace IL {
+
+/// A number that no device of this process had before; never 0.
+std::uint64_t NewContextIdentity();
+
+}  // namespace IL

@@ -1,0 +1,14 @@
+#include "refhost/ironlane/DeviceMemory.h"
+
+namespace IL {
+
+int DeviceMemory::Allocate(const std::shared_ptr<GpuDevice>& device, std::size_t bytes,
+                           std::unique_ptr<DeviceMemory>& memory) {
+  std::uint64_t pointer = 0;
+  const int result = device->Allocate(bytes, pointer);
+  if (result < 0) return result;
+  memory.reset(new DeviceMemory(device, pointer));
+  return 0;
+}
+
+}  // namespace IL

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "refhost/ironlane/GpuDevice.h"
+
+namespace IL {
+
+/// Memory of a device, which it keeps alive, freed with this object.
+class DeviceMemory {
+ public:
+  /// 0, or a negative code and `memory` as it was.
+  static int Allocate(const std::shared_ptr<GpuDevice>& device, std::size_t bytes,
+                      std::unique_ptr<DeviceMemory>& memory);
+
+  DeviceMemory(const DeviceMemory&) = delete;
+  DeviceMemory& operator=(const DeviceMemory&) = delete;
+  ~DeviceMemory() { device_->Free(pointer_); }
+
+  const std::shared_ptr<GpuDevice>& Device() const { return device_; }
+  std::uint64_t Pointer() const { return pointer_; }
+
+ private:
+  DeviceMemory(std::shared_ptr<GpuDevice> device, std::uint64_t pointer)
+      : device_(std::move(device)), pointer_(pointer) {}
+
+  std::shared_ptr<GpuDevice> device_;
+  std::uint64_t pointer_;
+};
+
+}  // namespace IL

@@ -1,0 +1,30 @@
+#include "refhost/ironlane/Devices.h"
+
+#include <map>
+#include <mutex>
+#include <utility>
+
+#include "refhost/ironlane/opencl/OpenClDevice.h"
+
+namespace IL {
+
+std::vector<DeviceInfo> ListDevices() {
+  std::vector<DeviceInfo> devices;
+  const std::vector<DeviceInfo> others = ListOpenClDevices();
+  devices.insert(devices.end(), others.begin(), others.end());
+  return devices;
+}
+
+std::shared_ptr<GpuDevice> OpenDevice(std::int32_t platformKind, std::int32_t ordinal) {
+  static std::mutex mutex;
+  static std::map<std::pair<std::int32_t, std::int32_t>, std::weak_ptr<GpuDevice>> open;
+  const std::lock_guard lock(mutex);
+  std::weak_ptr<GpuDevice>& known = open[{platformKind, ordinal}];
+  std::shared_ptr<GpuDevice> device = known.lock();
+  if (device != nullptr) return device;
+  if (platformKind == kPlatformOpenCl) device = OpenOpenClDevice(ordinal);
+  known = device;
+  return device;
+}
+
+}  // namespace IL

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "host/IL/Device.h"
+
+namespace IL {
+
+/// Platform kinds of `DeviceDescription`.
+inline constexpr std::int32_t kPlatformCuda = 1;
+inline constexpr std::int32_t kPlatformOpenCl = 2;
+
+/// What is known of a device before any work is given to it.
+struct DeviceInfo {
+  std::int32_t platformKind = 0;
+  /// Place among all devices of the kind, from 0.
+  std::int32_t ordinal = 0;
+  /// As their makers call them.
+  std::string platform;
+  std::string name;
+  std::string driver;
+  std::uint64_t memoryBytes = 0;
+  /// Whether arithmetic on floats is all that IEEE 754 asks: division and square root rounded
+  /// correctly, subnormal numbers kept. Where it is not, results may differ from those of a
+  /// processor in the last bits.
+  bool isExact = true;
+  /// Why no kernels can run there ("no double precision"); empty where they can.
+  std::string obstacle;
+};
+
+/// A device of the reference host, with what the host does on it beside the engine's launches. Work
+/// is done in the order in which it was given. Any thread may call; failures that the device
+/// notices late come out of a later call. Codes are those of ResultCodes.h.
+class GpuDevice : public Device {
+ public:
+  virtual ~GpuDevice() = default;
+
+  virtual const DeviceInfo& Info() const = 0;
+
+  /// Memory whose contents are undefined. `bytes` is above 0; `pointer` is as it was on failure.
+  /// Kernels take it as a frame's device pointer; it is aligned to 256 bytes.
+  virtual int Allocate(std::size_t bytes, std::uint64_t& pointer) = 0;
+  /// Once for every pointer that `Allocate` gave, while the device lives.
+  virtual void Free(std::uint64_t pointer) = 0;
+
+  /// Both return when the bytes have been read or written.
+  virtual int Upload(const void* from, std::uint64_t to, std::size_t bytes) = 0;
+  virtual int Download(std::uint64_t from, void* to, std::size_t bytes) = 0;
+  /// Between pieces of memory that do not overlap.
+  virtual int Copy(std::uint64_t from, std::uint64_t to, std::size_t bytes) = 0;
+
+  /// Waits until all work is done, and tells whether any of it failed.
+  virtual int Finish() = 0;
+
+  /// The kernel of a module, built where it has not been before. It lives as long as the device.
+  /// Null, and a message to the trace that holds the compiler's, when there is none or it does not
+  /// build; the next call tries again.
+  virtual KernelHandle LoadKernel(std::string_view module, std::string_view kernel) = 0;
+};
+
+}  // namespace IL

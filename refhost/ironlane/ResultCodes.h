@@ -1,0 +1,12 @@
+#pragma once
+
+namespace IL {
+
+/// The device refused, failed or is gone; the trace holds what its driver said.
+inline constexpr int kDeviceFailed = static_cast<int>(0xA00F0010U);
+/// The device has no memory left.
+inline constexpr int kOutOfDeviceMemory = static_cast<int>(0xA00F0011U);
+/// A kernel or arguments that do not belong together or to the device, or sizes that are no sizes.
+inline constexpr int kInvalidLaunch = static_cast<int>(0xA00F0012U);
+
+}  // namespace IL

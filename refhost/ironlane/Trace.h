@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string_view>
+
+namespace IL {
+
+/// Reports through the host's trace: level 7, category "Ironlane".
+void TraceMessage(std::string_view text);
+
+}  // namespace IL

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "refhost/ironlane/GpuDevice.h"
+
+namespace IL {
+
+/// All devices of all vendors whose drivers the loader finds.
+std::vector<DeviceInfo> ListOpenClDevices();
+
+/// Null, and a message to the trace, when there is no such device or it cannot be used. The device
+/// pointers that it gives are those of OpenCL's memory objects.
+std::shared_ptr<GpuDevice> OpenOpenClDevice(std::int32_t ordinal);
+
+}  // namespace IL

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/opencl/OpenCl.h"
+
+namespace IL {
+
+/// All devices in the order of their ordinals.
+std::vector<cl::Device> FindOpenClDevices();
+
+DeviceInfo DescribeOpenClDevice(const cl::Device& device, std::int32_t ordinal);
+
+}  // namespace IL

@@ -1,0 +1,83 @@
+#include "refhost/kestrel/GpuConversion.h"
+
+#include <cstdint>
+
+#include "refhost/ironlane/ResultCodes.h"
+
+namespace KS {
+
+namespace {
+
+/// The kernels' descriptor of a frame.
+struct FrameArgument {
+  std::uint64_t pixels;
+  std::uint32_t width;
+  std::uint32_t height;
+  std::uint32_t pitch;
+  std::uint32_t isNotHalf;
+  std::uint32_t reserved;
+  std::uint32_t padding;
+};
+static_assert(sizeof(FrameArgument) == 32);
+
+FrameArgument ArgumentOf(const GpuFrameView& frame) {
+  return {.pixels = frame.pixels,
+          .width = frame.width,
+          .height = frame.height,
+          .pitch = frame.rowBytes / frame.pixelBytes,
+          .isNotHalf = frame.IsHalf() ? 0U : 1U,
+          .reserved = 0,
+          .padding = 0};
+}
+
+struct Blocks {
+  std::uint32_t block;
+  std::uint32_t gridX;
+  std::uint32_t gridY;
+};
+
+/// OpenCL chooses its own work-groups.
+Blocks BlocksFor(const GpuFrameView& frame) {
+  constexpr std::uint32_t kBlock = 16;
+  if (frame.device->Info().platformKind == IL::kPlatformOpenCl) {
+    return {1, frame.width, frame.height};
+  }
+  return {kBlock, (frame.width + kBlock - 1) / kBlock, (frame.height + kBlock - 1) / kBlock};
+}
+
+int Push(IL::IArgumentSet& arguments, const GpuFrameView& source, const GpuFrameView& destination,
+         std::int32_t converts, const ConversionParams& params) {
+  for (const GpuFrameView* frame : {&source, &destination}) {
+    const FrameArgument argument = ArgumentOf(*frame);
+    const int result =
+        arguments.SetFrameArgument(reinterpret_cast<const Quillon::GPUFrameDescriptor*>(&argument));
+    if (result < 0) return result;
+  }
+  int result = arguments.SetValueArgument(&converts, sizeof(converts), alignof(std::int32_t));
+  if (result < 0) return result;
+  result = arguments.SetValueArgument(&params, sizeof(params), alignof(ConversionParams));
+  if (result < 0) return result;
+  return arguments.Finalize();
+}
+
+}  // namespace
+
+int ConvertOnGpu(const GpuFrameView& source, const GpuFrameView& destination,
+                 const CHR::PixelConverter* converter) {
+  IL::GpuDevice& device = *destination.device;
+  const IL::KernelHandle kernel = device.LoadKernel("PixelConversion", "ConvertPixels");
+  if (kernel == nullptr) return IL::kDeviceFailed;
+
+  const ConversionParams params = converter == nullptr ? ConversionParams{} : converter->Params();
+  const std::int32_t converts = converter == nullptr ? 0 : 1;
+  orvcore::classref::InterfaceRef<IL::IArgumentSet> arguments;
+  int result = device.CreateArguments(kernel, sizeof(converts) + sizeof(params), arguments);
+  if (result < 0) return result;
+  result = Push(*arguments, source, destination, converts, params);
+  if (result < 0) return result;
+  const Blocks blocks = BlocksFor(destination);
+  return device.Launch(kernel, arguments, blocks.gridX, blocks.gridY, blocks.block, blocks.block,
+                       0);
+}
+
+}  // namespace KS

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "host/PX/IVideoFrame.h"
+#include "refhost/ironlane/GpuDevice.h"
+
+namespace KS {
+
+/// The pixels of a frame on a GPU, valid while the frame lives: float or half BGRA.
+struct GpuFrameView {
+  std::shared_ptr<IL::GpuDevice> device;
+  std::uint64_t pixels = 0;
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  std::uint32_t rowBytes = 0;
+  std::uint32_t pixelBytes = 0;
+
+  bool IsHalf() const { return pixelBytes == 8; }
+  std::size_t Bytes() const { return std::size_t{rowBytes} * height; }
+};
+
+/// 0, or `kNotSupported` for frames that are not on a GPU of this host, `kInvalidFrame` for handles
+/// that are not usable.
+int ViewGpuFrame(const PX::VideoFrameRef& frame, GpuFrameView& view);
+
+/// Whether the frame's pixels live on a GPU.
+bool IsOnGpu(const PX::VideoFrameRef& frame);
+
+}  // namespace KS

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "host/PX/IVideoFrame.h"
+#include "refhost/ironlane/GpuDevice.h"
+
+/// Blue, green, red and alpha.
+using Pixel = std::array<float, 4>;
+using Pixels = std::vector<Pixel>;
+
+/// A frame on the device, contents undefined; not usable when it cannot be made.
+PX::VideoFrameRef MakeGpuFrame(const std::shared_ptr<IL::GpuDevice>& device,
+                               orvmediatypes::PixelFormat format, int width, int height,
+                               const orvmediatypes::color::ColorSpace& colorSpace);
+
+/// A frame in system memory with these pixels, in float or rounded to half.
+PX::VideoFrameRef MakeSystemFrame(orvmediatypes::PixelFormat format, int width, int height,
+                                  const orvmediatypes::color::ColorSpace& colorSpace,
+                                  const Pixels& pixels);
+
+/// A frame on the device with the pixels of one in system memory.
+PX::VideoFrameRef OnGpu(const std::shared_ptr<IL::GpuDevice>& device,
+                        const PX::VideoFrameRef& frame);
+
+/// The pixels of a float or half frame, wherever it is.
+Pixels PixelsOf(const PX::VideoFrameRef& frame);
+
+/// Linear light as pictures have it, with every combination of special values in the three channels
+/// as far as there is room: not a number, infinities, zeros, subnormals, thresholds, huge values.
+Pixels NotablePixels(int width, int height, unsigned seed);
+
+/// Rounded to half and back.
+Pixels RoundedToHalf(Pixels pixels);
+
+/// Expects the same bits in every float, where any NaN is as good as another.
+void ExpectSameBits(const Pixels& actual, const Pixels& expected);

@@ -1,0 +1,64 @@
+// What only the OpenCL back end does.
+
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "refhost/ironlane/ResultCodes.h"
+#include "tests/devices/EveryDevice.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class OpenClDevices : public OnDevice {
+ protected:
+  void SetUp() override {
+    OnDevice::SetUp();
+    if (GetParam().platformKind != IL::kPlatformOpenCl) GTEST_SKIP() << "not an OpenCL device";
+  }
+};
+
+TEST_P(OpenClDevices, RefuseMemoryThatIsNotTheirs) {
+  char byte = 0;
+  std::uint64_t pointer = 0;
+  ASSERT_EQ(device_->Allocate(16, pointer), 0);
+  EXPECT_EQ(device_->Upload(&byte, pointer + 8, 1), IL::kInvalidLaunch);
+  EXPECT_EQ(device_->Download(0, &byte, 1), IL::kInvalidLaunch);
+  EXPECT_EQ(device_->Copy(pointer, 12345, 1), IL::kInvalidLaunch);
+  EXPECT_EQ(device_->Upload(&byte, pointer, 17), IL::kInvalidLaunch) << "beyond its end";
+  device_->Free(pointer);
+  EXPECT_EQ(device_->Upload(&byte, pointer, 1), IL::kInvalidLaunch);
+}
+
+TEST_P(OpenClDevices, KeepCompiledModulesOnDisk) {
+  const fs::path folder = fs::path(testing::TempDir()) / "quillon-opencl-modules";
+  fs::remove_all(folder);
+  ::setenv("XDG_CACHE_HOME", folder.c_str(), 1);
+  const auto load = [this] {
+    device_ = nullptr;
+    device_ = GetParam().Open();
+    return IL::LoadKernel(device_, "PixelConversion", "ConvertPixels");
+  };
+  ASSERT_NE(load(), nullptr);
+  const fs::path kernels = folder / "quillon" / "kernels";
+  ASSERT_TRUE(fs::exists(kernels));
+  const auto file = fs::directory_iterator(kernels)->path();
+  const auto written = fs::last_write_time(file);
+  EXPECT_NE(load(), nullptr);
+  EXPECT_EQ(fs::last_write_time(file), written) << "read, not written again";
+
+  fs::resize_file(file, fs::file_size(file) / 2);
+  EXPECT_NE(load(), nullptr);
+  EXPECT_EQ(std::distance(fs::directory_iterator(kernels), {}), 1);
+  EXPECT_NE(fs::last_write_time(file), written) << "damaged, and written again";
+  device_ = nullptr;
+  fs::remove_all(folder);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryDevice, OpenClDevices, testing::ValuesIn(EveryDevice()),
+                         DeviceTestName);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(OpenClDevices);
+
+}  // namespace

@@ -1,0 +1,165 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "host/KS/CreateFrames.h"
+#include "host/KS/FrameInterfaces.h"
+#include "host/KS/FrameManipulators.h"
+#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/kestrel/PixelFormats.h"
+#include "refhost/kestrel/ResultCodes.h"
+#include "refhost/kestrel/SystemFrame.h"
+#include "tests/devices/DeviceFrames.h"
+#include "tests/devices/EveryDevice.h"
+#include "tests/refhost/Spaces.h"
+
+using KS::kBgra16;
+using KS::kBgra8;
+using KS::kBgraFloat;
+using KS::kBgraHalf;
+using orvmediatypes::PixelFormat;
+using orvmediatypes::color::ColorSpace;
+
+namespace {
+
+/// Every transfer that is known, HLG for two displays, and several primaries.
+std::vector<ColorSpace> EveryColorSpace() {
+  return {Space(1, 1), Space(9, 8),  Space(1, 13), Space(9, 16),  Space(9, 18), Space(9, 18, 4000),
+          Space(5, 4), Space(11, 5), Space(7, 7),  Space(10, 17), Space(12, 16)};
+}
+
+class GpuFrames : public OnDevice {
+ protected:
+  static int Copy(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
+                  std::uint32_t white = 203) {
+    return KS::GPUFrameManipulators::CopyFrame(from, to, 4, White(white));
+  }
+};
+
+TEST_P(GpuFrames, ComeBackAsTheyWentUp) {
+  for (const PixelFormat format : {kBgraFloat, kBgraHalf}) {
+    const Pixels pixels = RoundedToHalf(NotablePixels(37, 11, 4));
+    const auto frame = MakeSystemFrame(format, 37, 11, Space(9, 16), pixels);
+    ExpectSameBits(PixelsOf(OnGpu(device_, frame)), pixels);
+  }
+}
+
+TEST_P(GpuFrames, AreConvertedToTheBitsOfTheProcessor) {
+  const Pixels pixels = NotablePixels(37, 29, 7);
+  const Pixels signals = [&] {
+    Pixels scaled = pixels;
+    for (Pixel& pixel : scaled) {
+      for (float& channel : pixel) channel *= 0.4F;
+    }
+    return scaled;
+  }();
+  for (const ColorSpace& from : EveryColorSpace()) {
+    for (const ColorSpace& to : EveryColorSpace()) {
+      SCOPED_TRACE(testing::Message()
+                   << int{from.Description().primaries} << '/' << int{from.Description().transfer}
+                   << " to " << int{to.Description().primaries} << '/'
+                   << int{to.Description().transfer});
+      const auto source = MakeSystemFrame(kBgraFloat, 37, 29, from, signals);
+      const auto expected = MakeSystemFrame(kBgraFloat, 37, 29, to, pixels);
+      ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(source, expected, 4, White(100)), 0);
+      const auto onGpu = MakeGpuFrame(device_, kBgraFloat, 37, 29, to);
+      ASSERT_EQ(Copy(OnGpu(device_, source), onGpu, 100), 0);
+      ExpectSameBits(PixelsOf(onGpu), PixelsOf(expected));
+    }
+  }
+}
+
+TEST_P(GpuFrames, AreRoundedOnceBetweenFloatAndHalf) {
+  const Pixels pixels = NotablePixels(37, 29, 9);
+  const auto source = OnGpu(device_, MakeSystemFrame(kBgraFloat, 37, 29, Space(9, 8), pixels));
+  const auto half = MakeGpuFrame(device_, kBgraHalf, 37, 29, Space(9, 8));
+  ASSERT_EQ(Copy(source, half), 0);
+  ExpectSameBits(PixelsOf(half), RoundedToHalf(pixels));
+  const auto back = MakeGpuFrame(device_, kBgraFloat, 37, 29, Space(9, 8));
+  ASSERT_EQ(Copy(half, back), 0);
+  ExpectSameBits(PixelsOf(back), RoundedToHalf(pixels));
+}
+
+TEST_P(GpuFrames, TakeAndGiveOtherFormatsOfSystemMemory) {
+  const auto integers = MakeSystemFrame(kBgraFloat, 9, 4, Space(1, 13), NotablePixels(9, 4, 2));
+  PX::VideoFrameRef eight;
+  ASSERT_EQ(KS::CreateSystemFrame(
+                eight, {.format = kBgra8, .width = 9, .height = 4, .colorSpace = Space(1, 13)}),
+            0);
+  ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(integers, eight, 4, {}), 0);
+
+  const auto onGpu = MakeGpuFrame(device_, kBgraFloat, 9, 4, Space(9, 16));
+  ASSERT_EQ(Copy(eight, onGpu), 0);
+  const auto expected = MakeSystemFrame(kBgraFloat, 9, 4, Space(9, 16), NotablePixels(9, 4, 2));
+  ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(eight, expected, 4, {}), 0);
+  ExpectSameBits(PixelsOf(onGpu), PixelsOf(expected));
+
+  const auto linear = MakeSystemFrame(kBgraFloat, 9, 4, Space(9, 8), NotablePixels(9, 4, 3));
+  const auto expectedLinear = MakeSystemFrame(kBgraFloat, 9, 4, Space(9, 8), PixelsOf(linear));
+  ASSERT_EQ(Copy(onGpu, linear), 0);
+  ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(expected, expectedLinear, 4, {}), 0);
+  ExpectSameBits(PixelsOf(linear), PixelsOf(expectedLinear));
+}
+
+TEST_P(GpuFrames, AreLeftAloneWhenCopiedOntoThemselves) {
+  const Pixels pixels = NotablePixels(5, 5, 1);
+  const auto frame = OnGpu(device_, MakeSystemFrame(kBgraFloat, 5, 5, Space(9, 16), pixels));
+  EXPECT_EQ(Copy(frame, frame), 0);
+  ExpectSameBits(PixelsOf(frame), pixels);
+}
+
+TEST_P(GpuFrames, ShowAllOfTheirInterfaces) {
+  using orvcore::classref::InterfaceCast;
+  const auto frame = MakeGpuFrame(device_, kBgraHalf, 33, 7, Space(9, 16));
+  EXPECT_EQ(InterfaceCast<KS::IGPUVideoFrame>(frame)->GetDevice(), device_);
+  EXPECT_NE(InterfaceCast<KS::IGPUVideoFrameMemoryAccess>(frame)->GetDevicePointer(), 0U);
+  const auto rows = InterfaceCast<KS::IVideoFrame2DPixelMemoryAccess>(frame);
+  EXPECT_EQ(rows->GetRowCount(), 7);
+  EXPECT_GE(rows->GetRowBytes(), 33 * 8);
+  EXPECT_EQ(rows->GetRowBytes() % 8, 0);
+  InterfaceCast<KS::ICompletionEventVideoFrame>(frame)->WaitForCompletion();
+  EXPECT_FALSE(InterfaceCast<KS::IVideoFrameMemoryAccess>(frame).IsUsable());
+  EXPECT_EQ(frame->GetBounds(), (orvcore::geom::Bounds{0, 0, 33, 7}));
+  EXPECT_EQ(frame->GetPixelFormat(), kBgraHalf);
+  frame->SetColorSpace(Space(1, 13));
+  EXPECT_EQ(frame->GetColorSpace().Description(), Space(1, 13).Description());
+}
+
+TEST_P(GpuFrames, KeepTheirDeviceAlive) {
+  const Pixels pixels = NotablePixels(5, 5, 1);
+  const auto frame = OnGpu(device_, MakeSystemFrame(kBgraFloat, 5, 5, Space(9, 16), pixels));
+  device_ = nullptr;
+  ExpectSameBits(PixelsOf(frame), pixels);
+}
+
+TEST_P(GpuFrames, AreRefusedWhereTheyCannotBeMadeOrConverted) {
+  const auto create = [&](const std::shared_ptr<IL::Device>& device, PixelFormat format, int width,
+                          int height) {
+    PX::VideoFrameRef frame;
+    const int result = KS::CreateGPUVideoFrame(frame, device, format, width, height, {}, {}, {},
+                                               Space(9, 8), 0, 0, 0, nullptr, {}, false);
+    EXPECT_FALSE(frame.IsUsable());
+    return result;
+  };
+  EXPECT_EQ(create(nullptr, kBgraFloat, 4, 4), KS::kNotSupported);
+  EXPECT_EQ(create(device_, kBgra8, 4, 4), KS::kNotSupported);
+  EXPECT_EQ(create(device_, kBgra16, 4, 4), KS::kNotSupported);
+  EXPECT_EQ(create(device_, KS::PlanarYCbCr(KS::ChromaFormat::C420, 8), 4, 4), KS::kNotSupported);
+  EXPECT_EQ(create(device_, kBgraFloat, 0, 4), KS::kInvalidFrame);
+  EXPECT_EQ(create(device_, kBgraFloat, 4, -1), KS::kInvalidFrame);
+  EXPECT_EQ(create(device_, kBgraFloat, 1 << 30, 4), KS::kInvalidFrame);
+  // Fits no device.
+  EXPECT_EQ(create(device_, kBgraFloat, 1 << 17, 1 << 17), IL::kOutOfDeviceMemory);
+
+  const auto frame = MakeGpuFrame(device_, kBgraFloat, 4, 4, Space(9, 16));
+  EXPECT_EQ(Copy(frame, MakeGpuFrame(device_, kBgraFloat, 4, 5, Space(9, 16))), KS::kInvalidFrame);
+  EXPECT_EQ(Copy(frame, MakeGpuFrame(device_, kBgraFloat, 4, 4, ColorSpace())), KS::kNotSupported);
+  EXPECT_EQ(Copy({}, frame), KS::kInvalidFrame);
+  EXPECT_EQ(Copy(frame, {}), KS::kInvalidFrame);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryDevice, GpuFrames, testing::ValuesIn(EveryDevice()), DeviceTestName);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GpuFrames);
+
+}  // namespace
