@@ -1,6 +1,7 @@
 #include "base/ResultCodes.h"
 #include "engine/ApplyGamutMappingSW.h"
 #include "engine/Quillon.h"
+#include "gpu/ApplyGamutMappingGPU.h"
 #include "host/KS/FrameInterfaces.h"
 
 namespace Quillon {
@@ -18,7 +19,9 @@ int ApplyGamutMapping(const PX::VideoFrameRef& source,
                       PX::VideoFrameRef& destination) {
   if (!source.IsUsable() || !destination.IsUsable()) return kInvalidFrame;
 
-  if (IsOnGPU(source) && IsOnGPU(destination)) return kNotSupported;
+  if (IsOnGPU(source) && IsOnGPU(destination)) {
+    return ApplyGamutMappingGPU(source, settings, destination);
+  }
   if (IsOnGPU(source) || IsOnGPU(destination)) return kNotSupported;
 
   const orvcore::geom::Bounds destinationBounds = destination->GetBounds();

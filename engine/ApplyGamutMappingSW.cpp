@@ -1,5 +1,6 @@
 #include "engine/ApplyGamutMappingSW.h"
 
+#include "base/CopyQuality.h"
 #include "base/FrameMemory.h"
 #include "base/ResultCodes.h"
 #include "base/Trace.h"

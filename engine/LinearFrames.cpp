@@ -1,5 +1,6 @@
 #include "engine/LinearFrames.h"
 
+#include "base/CopyQuality.h"
 #include "base/FrameMemory.h"
 #include "base/Trace.h"
 #include "host/CHR/Conversion.h"

@@ -5,9 +5,6 @@
 
 namespace Quillon {
 
-/// Render quality of every copy with conversion that the engine asks for.
-inline constexpr orvmediatypes::RenderQuality kCopyQuality = 4;
-
 /// Supplies the frame that the CPU engine works on in place: linear float BGRA, in the linear
 /// equivalent of the source's colour space. When both frames are linear float BGRA already it is
 /// the destination itself, filled from the source and with its colour-space tag left alone; else

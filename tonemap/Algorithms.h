@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 
+#include "base/KernelSignatures.h"
 #include "base/SupportVector.h"
 #include "host/PX/ToneMappingUtils.h"
 
@@ -27,6 +28,8 @@ struct ToneMapAlgorithm {
   /// The curve with what it needs for all pixels of a frame with these parameters; empty when they
   /// are degenerate. Null where the curve needs nothing and takes any parameters.
   ToneMapPixelFunction (*bind)(const SupportVector& params);
+  /// The same curve on a GPU.
+  KernelId kernel;
 };
 
 /// The algorithm's entry, or null for a value that names none (the automatic choice among them).

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <utility>
 
+#include "kernels/KernelModules.h"
 #include "refhost/ironlane/opencl/OpenClDevice.h"
 
 namespace IL {
@@ -26,5 +27,7 @@ std::shared_ptr<GpuDevice> OpenDevice(std::int32_t platformKind, std::int32_t or
   known = device;
   return device;
 }
+
+bool IsBuiltForCuda() { return !kernels::FindKernelModule("ToneMapMain")->ptx.empty(); }
 
 }  // namespace IL

@@ -14,4 +14,7 @@ std::vector<DeviceInfo> ListDevices();
 /// this kind and ordinal, or it cannot be used; the trace then says why.
 std::shared_ptr<GpuDevice> OpenDevice(std::int32_t platformKind, std::int32_t ordinal);
 
+/// Whether kernels for CUDA are within this library; without them CUDA devices cannot be used.
+bool IsBuiltForCuda();
+
 }  // namespace IL

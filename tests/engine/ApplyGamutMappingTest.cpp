@@ -83,10 +83,15 @@ TEST_F(ApplyGamutMapping, RefusesASystemMemorySourceWithAGPUDestination) {
   EXPECT_THAT(host.Calls(), ElementsAre(kSourceOnGPU, kSourceOnGPU, kDestinationOnGPU));
 }
 
-TEST_F(ApplyGamutMapping, FindsTwoGPUFramesWithoutLookingAtTheirBounds) {
+TEST_F(ApplyGamutMapping, SendsTwoGPUFramesToTheGPUPipelineWithoutLookingAtTheirBounds) {
   Make(true, true);
-  EXPECT_EQ(Apply(), static_cast<int>(0xA00F000CU));  // there is no GPU pipeline yet
-  EXPECT_THAT(host.Calls(), ElementsAre(kSourceOnGPU, kDestinationOnGPU));
+  host.results.gamutMappingApplicable = false;
+  EXPECT_EQ(Apply(), 0);
+  EXPECT_THAT(
+      host.Calls(),
+      ElementsAre(kSourceOnGPU, kDestinationOnGPU, "ToneMapControls::GetVersion(3)",
+                  "CHR::IsGamutMappingApplicable(record)",
+                  "KS::GPUFrameManipulators::CopyFrame(source, destination, 4, white 203)"));
 }
 
 TEST_F(ApplyGamutMapping, RefusesBoundsThatDifferInAnyOfTheirFourValues) {

@@ -1,7 +1,6 @@
-#include <map>
-
 #include "engine/Quillon.h"
 #include "tests/engine/Pipeline.h"
+#include "tests/host/Places.h"
 #include "tonemap/PqTables.h"
 
 /// Every single host call of whole runs, made to throw, to yield nothing or to fail, in turn.
@@ -9,7 +8,10 @@
 namespace {
 
 using pipeline::Frames;
+using scripted::CanThrow;
 using scripted::Inventory;
+using scripted::IsRelease;
+using scripted::Place;
 using scripted::Recycler;
 using scripted::TakeInventory;
 
@@ -37,12 +39,6 @@ const Road kRoads[] = {
     {"direct, BT.2390", pipeline::MakeDirectFrames, 3, 2, 0, true, true, 0},
     {"direct, BT.2446 A", pipeline::MakeDirectFrames, 3, 4, 0, true, true, 0},
     {"direct, CAR", pipeline::MakeDirectFrames, 3, 6, 0, true, true, 0},
-};
-
-/// An operation and which of its calls.
-struct Place {
-  std::string operation;
-  int nth;
 };
 
 class HostFailures : public scripted::HostTest {
@@ -79,34 +75,18 @@ class HostFailures : public scripted::HostTest {
 
   std::vector<Place> PlacesOf(const Road& road) {
     EXPECT_EQ(Run(road, [] {}), road.result);
-    std::map<std::string, int> counts;
-    std::vector<Place> places;
-    for (const std::string& operation : host.Operations()) {
-      places.push_back({operation, ++counts[operation]});
-    }
-    return places;
+    return scripted::PlacesIn(host.Operations());
   }
 
  private:
   std::int32_t changeCount_ = 1;
 };
 
-/// Releases and queries never throw.
-bool MayThrow(const std::string& operation) {
-  return operation.find("QueryInterface") == std::string::npos && !operation.ends_with("Release") &&
-         !operation.ends_with("DisposeObject") && !operation.ends_with("DestroyBlock");
-}
-
-bool IsRelease(const std::string& operation) {
-  return operation.ends_with("Release") || operation.ends_with("DisposeObject") ||
-         operation.ends_with("DestroyBlock");
-}
-
 TEST_F(HostFailures, AnExceptionFromAnyCallPassesWithNothingLeaked) {
   int tried = 0;
   for (const Road& road : kRoads) {
     for (const Place& place : PlacesOf(road)) {
-      if (!MayThrow(place.operation)) continue;
+      if (!CanThrow(place.operation)) continue;
       SCOPED_TRACE(std::string(road.name) + ", " + place.operation + " " +
                    std::to_string(place.nth));
       const Inventory before = TakeInventory();

@@ -87,6 +87,12 @@ void* Frame::QueryInterface(std::string_view qualifiedName) noexcept {
   if (qualifiedName == "KS::IGPUVideoFrame" && setup_.onGPU) {
     return static_cast<KS::IGPUVideoFrame*>(&gpu_);
   }
+  if (qualifiedName == "KS::IGPUVideoFrameMemoryAccess" && setup_.onGPU && setup_.hasGPUMemory) {
+    return static_cast<KS::IGPUVideoFrameMemoryAccess*>(&gpuMemory_);
+  }
+  if (qualifiedName == "KS::ICompletionEventVideoFrame" && setup_.hasCompletionEvent) {
+    return static_cast<KS::ICompletionEventVideoFrame*>(&completion_);
+  }
   return nullptr;
 }
 
@@ -114,12 +120,12 @@ void Frame::SetColorSpace(const orvmediatypes::color::ColorSpace& colorSpace) {
 }
 
 orvmediatypes::FieldType Frame::GetFieldType() const {
-  Enter("GetFieldType");
-  return orvmediatypes::FieldType::Progressive;
+  return Enter("GetFieldType").IsNormal() ? setup_.fieldType
+                                          : orvmediatypes::FieldType::Progressive;
 }
 
 orvcore::geom::PointT<int> Frame::GetOrigin() const {
-  Enter("GetOrigin");
+  if (!Enter("GetOrigin").IsNormal()) return {};
   return {setup_.bounds.left, setup_.bounds.top};
 }
 
@@ -141,9 +147,14 @@ std::int32_t Frame::PixelView::GetRowBytes() const {
 }
 
 std::shared_ptr<IL::Device> Frame::GPUView::GetDevice() const {
-  frame.Enter("GetDevice");
-  return nullptr;
+  return frame.Enter("GetDevice").IsNormal() ? frame.setup_.device : nullptr;
 }
+
+std::uint64_t Frame::GPUMemoryView::GetDevicePointer() const {
+  return frame.Enter("GetDevicePointer").IsNormal() ? frame.setup_.devicePointer : 0;
+}
+
+void Frame::CompletionView::WaitForCompletion() { frame.Enter("WaitForCompletion"); }
 
 PX::VideoFrameRef MakeFrame(FrameSetup setup) {
   auto block = std::make_unique<FrameBlock>(std::move(setup));

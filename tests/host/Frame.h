@@ -6,6 +6,7 @@
 
 #include "host/KS/FrameInterfaces.h"
 #include "host/PX/IVideoFrame.h"
+#include "tests/host/Device.h"
 #include "tests/host/Host.h"
 #include "tests/host/Inventory.h"
 
@@ -26,6 +27,12 @@ struct FrameSetup {
   bool has2D = true;
   bool onGPU = false;
   bool nullPixels = false;
+  /// Of frames on a GPU.
+  std::shared_ptr<Device> device{};
+  std::uint64_t devicePointer = 0x1000;
+  bool hasGPUMemory = true;
+  bool hasCompletionEvent = false;
+  orvmediatypes::FieldType fieldType = orvmediatypes::FieldType::Progressive;
 };
 
 /// A frame whose every operation is recorded under its name. Pixels start at 1.0.
@@ -68,6 +75,14 @@ class Frame : public orvcore::classref::IObject, public PX::IVideoFrame {
     explicit GPUView(Frame& owner) : View{owner} {}
     std::shared_ptr<IL::Device> GetDevice() const override;
   };
+  struct GPUMemoryView final : View, KS::IGPUVideoFrameMemoryAccess {
+    explicit GPUMemoryView(Frame& owner) : View{owner} {}
+    std::uint64_t GetDevicePointer() const override;
+  };
+  struct CompletionView final : View, KS::ICompletionEventVideoFrame {
+    explicit CompletionView(Frame& owner) : View{owner} {}
+    void WaitForCompletion() override;
+  };
 
   Outcome Enter(const std::string& operation, const std::string& arguments = {}) const;
 
@@ -76,6 +91,8 @@ class Frame : public orvcore::classref::IObject, public PX::IVideoFrame {
   MemoryView memory_{*this};
   PixelView pixelView_{*this};
   GPUView gpu_{*this};
+  GPUMemoryView gpuMemory_{*this};
+  CompletionView completion_{*this};
   Live<Counted::Frame> live_;
 };
 

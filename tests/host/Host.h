@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/IL/Device.h"
 #include "host/PX/GamutMappingUtils.h"
 #include "host/PX/IVideoFrame.h"
 
@@ -56,6 +57,9 @@ struct Message {
 /// How a sub-executor runs its tasks: inline, when they are waited for.
 enum class TaskOrder { AsQueued, Reversed };
 
+/// The handle of a kernel, by which device calls name it.
+IL::KernelHandle HandleOfKernel(std::string_view kernel);
+
 /// What the operations answer and do when they do not fail. What is not listed here follows from
 /// the colour spaces: their kind from the H.273 transfer (16 and 18 are HDR, 8 is neither, others
 /// are SDR), their metadata peak from `peakLuminance`, equivalence from the code points.
@@ -81,6 +85,10 @@ struct Results {
       };
   bool newColorManagement = true;
   int peakLuminance = -1;
+
+  /// What loading a kernel yields.
+  std::function<IL::KernelHandle(const std::shared_ptr<IL::Device>&, std::string_view kernel)>
+      loadKernel = [](const auto&, std::string_view kernel) { return HandleOfKernel(kernel); };
 
   bool hasSubExecutor = true;
   TaskOrder taskOrder = TaskOrder::AsQueued;

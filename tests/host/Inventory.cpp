@@ -29,6 +29,8 @@ Inventory TakeInventory() {
   inventory.converterParams = LiveCount(Counted::ConverterParams);
   inventory.executors = LiveCount(Counted::Executor);
   inventory.subExecutors = LiveCount(Counted::SubExecutor);
+  inventory.devices = LiveCount(Counted::Device);
+  inventory.argumentSets = LiveCount(Counted::ArgumentSet);
   inventory.recyclerBlocks = Recycler::Instance().Blocks();
   inventory.recyclerBytes = Recycler::Instance().Bytes();
   return inventory;
@@ -39,7 +41,8 @@ std::ostream& operator<<(std::ostream& out, const Inventory& inventory) {
              << ", colour spaces " << inventory.colorSpaces << ", colour-management settings "
              << inventory.colorManagementSettings << ", converter parameters "
              << inventory.converterParams << ", executors " << inventory.executors
-             << ", sub-executors " << inventory.subExecutors << ", recycler blocks "
+             << ", sub-executors " << inventory.subExecutors << ", devices " << inventory.devices
+             << ", argument sets " << inventory.argumentSets << ", recycler blocks "
              << inventory.recyclerBlocks << ", recycler bytes " << inventory.recyclerBytes;
 }
 

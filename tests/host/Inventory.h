@@ -14,6 +14,8 @@ struct Inventory {
   long converterParams = 0;
   long executors = 0;
   long subExecutors = 0;
+  long devices = 0;
+  long argumentSets = 0;
   long recyclerBlocks = 0;
   long recyclerBytes = 0;
   friend bool operator==(const Inventory&, const Inventory&) = default;
@@ -32,6 +34,8 @@ enum class Counted {
   ConverterParams,
   Executor,
   SubExecutor,
+  Device,
+  ArgumentSet,
   Count
 };
 

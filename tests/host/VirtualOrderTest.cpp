@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/IL/Device.h"
 #include "host/KS/FrameInterfaces.h"
 #include "host/PX/IVideoFrame.h"
 #include "host/orvcore/InterfaceRef.h"
@@ -47,6 +48,18 @@ TEST(VirtualOrder, MemoryAccessGivesDataFirstAndRowBytesSecond) {
 
 TEST(VirtualOrder, TwoDimensionalAccessGivesRowBytesSecond) {
   EXPECT_EQ(Slot(&KS::IVideoFrame2DPixelMemoryAccess::GetRowBytes), 2);
+}
+
+TEST(VirtualOrder, ADeviceCreatesArgumentsAndThenLaunches) {
+  EXPECT_EQ(Slot(&IL::Device::CreateArguments), 1);
+  EXPECT_EQ(Slot(&IL::Device::Launch), 2);
+}
+
+TEST(VirtualOrder, AnArgumentSetTakesMemoryFrameAndValueAndIsFinalized) {
+  EXPECT_EQ(Slot(&IL::IArgumentSet::SetMemoryArgument), 1);
+  EXPECT_EQ(Slot(&IL::IArgumentSet::SetFrameArgument), 2);
+  EXPECT_EQ(Slot(&IL::IArgumentSet::SetValueArgument), 3);
+  EXPECT_EQ(Slot(&IL::IArgumentSet::Finalize), 4);
 }
 
 TEST(VirtualOrder, ASubExecutorQueuesSecondAndWaitsNinth) {

@@ -16,20 +16,33 @@ std::string HexCode(int code) {
   return text;
 }
 
+void ApplyOrThrow(const PX::VideoFrameRef& source, const MapPlan& plan, const std::string& name,
+                  PX::VideoFrameRef& destination) {
+  const EngineMessages messages;
+  const int result = Quillon::ApplyGamutMapping(source, plan.settings, destination);
+  if (result >= 0) return;
+  const std::string said = messages.Joined();
+  throw CommandError(
+      ExitCode::EngineRefused,
+      name + ": the engine refused with " + HexCode(result) + (said.empty() ? "" : ": " + said));
+}
+
 }  // namespace
 
 PX::VideoFrameRef ApplyPlan(const MapPlan& plan, const std::string& name) {
   const FloatPixels pixels = ViewFloatPixels(plan.source);
-  PX::VideoFrameRef destination = MakeFloatFrame(
-      pixels.width, pixels.height, plan.settings.toneMapSettings.destinationColorSpace);
-
-  const EngineMessages messages;
-  const int result = Quillon::ApplyGamutMapping(plan.source, plan.settings, destination);
-  if (result < 0) {
-    const std::string said = messages.Joined();
-    throw CommandError(
-        ExitCode::EngineRefused,
-        name + ": the engine refused with " + HexCode(result) + (said.empty() ? "" : ": " + said));
+  const auto& colorSpace = plan.settings.toneMapSettings.destinationColorSpace;
+  PX::VideoFrameRef result = MakeFloatFrame(pixels.width, pixels.height, colorSpace);
+  if (plan.device == nullptr) {
+    ApplyOrThrow(plan.source, plan, name, result);
+    return result;
   }
-  return destination;
+  const PX::VideoFrameRef source =
+      MakeFloatFrameOn(plan.device, pixels.width, pixels.height, plan.source->GetColorSpace());
+  PX::VideoFrameRef destination =
+      MakeFloatFrameOn(plan.device, pixels.width, pixels.height, colorSpace);
+  MovePixels(plan.source, source);
+  ApplyOrThrow(source, plan, name, destination);
+  MovePixels(destination, result);
+  return result;
 }

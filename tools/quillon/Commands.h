@@ -12,3 +12,4 @@ using Subcommand = std::function<void()>;
 Subcommand AddMapCommand(CLI::App& app);
 Subcommand AddChartCommand(CLI::App& app);
 Subcommand AddCurveCommand(CLI::App& app);
+Subcommand AddDevicesCommand(CLI::App& app);

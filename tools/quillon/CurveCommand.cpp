@@ -56,6 +56,7 @@ void AddOptions(CLI::App& curve, CurveOptions& options) {
   curve.add_flag("--hue", options.hue,
                  "Add saturated colours, brightening past the source peak: a strip for each "
                  "algorithm in a plot, columns in CSV");
+  AddDeviceOption(curve, options.map);
   AddOutputOptions(curve, options.map);
 }
 

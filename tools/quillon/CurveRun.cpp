@@ -111,6 +111,8 @@ CurveData RunCurves(const CurveOptions& options, std::ostream& notes) {
   data.sourceNits = RampLuminances({options.map.peakNits, static_cast<double>(options.map.white)});
   if (options.hue) data.hueNames = HueNames();
   const Pictures pictures = RenderPictures(options, data.sourceNits);
+  // Held here so that all plans find it ready.
+  const auto device = OpenChosenDevice(options.map.device);
 
   bool asked = false;
   bool applies = false;

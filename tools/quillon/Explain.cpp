@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/DeviceChoice.h"
 #include "tools/quillon/ResolvedToneMap.h"
 
 using orvmediatypes::color::ToneMapAlgorithmType;
@@ -95,6 +96,8 @@ void ExplainPlan(std::ostream& out, const MapPlan& plan) {
   Label(out, "mapped from") << DescribeColorSpace(source) << '\n';
   Label(out, "destination") << DescribeColorSpace(settings.destinationColorSpace.Description())
                             << '\n';
+  Label(out, "device") << (plan.device == nullptr ? "cpu" : DeviceName(plan.device->Info()))
+                       << '\n';
   Label(out, "white") << plan.white << " nits = 1 in linear light\n";
   ExplainPeak(out, "source peak", plan.sourcePeakNits, plan.white);
   out << " (" << plan.peakOrigin << "), signal " << settings.controls.peak << '\n';

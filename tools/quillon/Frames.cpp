@@ -6,6 +6,8 @@
 #include "host/KS/FrameInterfaces.h"
 #include "host/KS/FrameManipulators.h"
 #include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/DeviceChoice.h"
+#include "tools/quillon/EngineMessages.h"
 #include "tools/quillon/ExitCodes.h"
 
 using orvmediatypes::color::ColorManagementSettings;
@@ -27,6 +29,27 @@ PX::VideoFrameRef MakeFloatFrame(int width, int height, const ColorSpace& colorS
                                                    std::to_string(height) + " can be made");
   }
   return frame;
+}
+
+PX::VideoFrameRef MakeFloatFrameOn(const std::shared_ptr<IL::GpuDevice>& device, int width,
+                                   int height, const ColorSpace& colorSpace) {
+  PX::VideoFrameRef frame;
+  const EngineMessages messages;
+  if (KS::CreateGPUVideoFrame(frame, device, orvmediatypes::kLinearFloatBGRA, width, height, {}, {},
+                              {}, colorSpace, 0, 0, 0, nullptr, {}, false) < 0) {
+    throw CommandError(ExitCode::NotSupported,
+                       "no frame of " + std::to_string(width) + "x" + std::to_string(height) +
+                           " can be made on " + DeviceName(device->Info()) + ": " +
+                           messages.Joined() + "; --device cpu maps it in system memory");
+  }
+  return frame;
+}
+
+void MovePixels(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to) {
+  const EngineMessages messages;
+  if (KS::GPUFrameManipulators::CopyFrame(from, to, kQuality, {}) < 0) {
+    throw CommandError(ExitCode::EngineRefused, "the device failed: " + messages.Joined());
+  }
 }
 
 PX::VideoFrameRef ConvertToFloat(const PX::VideoFrameRef& frame, const ColorSpace& colorSpace,

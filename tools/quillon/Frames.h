@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
 #include "host/PX/IVideoFrame.h"
 #include "host/orvmediatypes/ColorManagementSettings.h"
+#include "refhost/ironlane/GpuDevice.h"
 
 /// Colour-management settings with graphics white at a whole number of nits.
 orvmediatypes::color::ColorManagementSettings ColorManagementFor(int white);
@@ -15,6 +17,13 @@ PX::VideoFrameRef MakeFloatFrame(int width, int height,
 /// The frame as a new float BGRA frame in another colour space. Throws CommandError.
 PX::VideoFrameRef ConvertToFloat(const PX::VideoFrameRef& frame,
                                  const orvmediatypes::color::ColorSpace& colorSpace, int white);
+
+/// A new float BGRA frame on a device, contents undefined. Throws CommandError.
+PX::VideoFrameRef MakeFloatFrameOn(const std::shared_ptr<IL::GpuDevice>& device, int width,
+                                   int height, const orvmediatypes::color::ColorSpace& colorSpace);
+
+/// Pixels between system memory and a device, colours left alone. Throws CommandError.
+void MovePixels(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to);
 
 /// The pixels of a float BGRA frame, valid while the frame lives.
 struct FloatPixels {

@@ -74,6 +74,7 @@ void AddRunOptions(CLI::App& map, MapOptions& options) {
                  "Bits of a component in the output. PNG: 8 or 16; AVIF: 8, 10 or 12; EXR: 16 "
                  "(half) or 32 (float)")
       ->type_name("BITS");
+  AddDeviceOption(map, options);
   map.add_option("--threads", options.threads, "Threads to use (all processors when not given)")
       ->check(CLI::Range(1, 1024))
       ->type_name("COUNT");

@@ -6,6 +6,7 @@
 
 #include "host/orvmediatypes/AlgorithmTypes.h"
 #include "host/orvmediatypes/ColorSpace.h"
+#include "tools/quillon/DeviceChoice.h"
 
 /// Where the source peak comes from.
 enum class PeakSource { Default, Number, Metadata, Measure };
@@ -31,6 +32,7 @@ struct MapOptions {
   std::optional<float> gain;
   std::optional<float> colorPreservation;
   std::optional<int> depth;
+  DeviceChoice device;
   std::optional<int> threads;
   bool explain = false;
   bool overwrite = false;

@@ -123,6 +123,7 @@ double DestinationPeakNits(const ColorSpace& destination, int white) {
 MapPlan PlanMap(const MapOptions& options, const Still& still) {
   MapPlan plan;
   plan.white = options.white;
+  plan.device = OpenChosenDevice(options.device);
   plan.taggedSource = TaggedSource(options, still);
   RequireTags(options, plan.taggedSource);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ struct MapPlan {
   /// The picture as the engine gets it: float BGRA in the settings' source colour space.
   PX::VideoFrameRef source;
   PX::GamutMappingUtils::GamutMappingSettings settings;
+  /// Where it is mapped; null: on the processor.
+  std::shared_ptr<IL::GpuDevice> device;
   double sourcePeakNits = 0.0;
   std::string peakOrigin;  ///< "measured", "MaxCLL of the file", ...
   double destinationPeakNits = 0.0;

@@ -70,6 +70,14 @@ void AddDialOptions(CLI::App& app, MapOptions& options) {
       ->type_name("SHARE");
 }
 
+void AddDeviceOption(CLI::App& app, MapOptions& options) {
+  app.add_option_function<std::string>(
+         "--device", [&](const std::string& text) { options.device = ParseDevice(text); },
+         "Where to map: the processor (cpu, when not given), the first GPU, or one that 'quillon "
+         "devices' lists")
+      ->type_name(kDeviceSyntax);
+}
+
 void AddOutputOptions(CLI::App& app, MapOptions& options) {
   app.add_flag("--overwrite", options.overwrite, "Replace an output that exists");
   app.add_flag("--quiet", options.quiet, "Print nothing but errors");

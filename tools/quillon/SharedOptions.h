@@ -30,5 +30,8 @@ void AddTargetOptions(CLI::App& app, MapOptions& options);
 /// --knee, --gain and --preserve.
 void AddDialOptions(CLI::App& app, MapOptions& options);
 
+/// --device.
+void AddDeviceOption(CLI::App& app, MapOptions& options);
+
 /// --overwrite and --quiet.
 void AddOutputOptions(CLI::App& app, MapOptions& options);

@@ -3,9 +3,13 @@
 #include <filesystem>
 #include <string>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ironlane/opencl/OpenClDevices.h"
+#include "refhost/ironlane/opencl/OpenClProgram.h"
+#include "refhost/orvcore/TraceSettings.h"
 #include "tests/devices/EveryDevice.h"
 
 namespace {
@@ -55,6 +59,22 @@ TEST_P(OpenClDevices, KeepCompiledModulesOnDisk) {
   EXPECT_NE(fs::last_write_time(file), written) << "damaged, and written again";
   device_ = nullptr;
   fs::remove_all(folder);
+}
+
+TEST_P(OpenClDevices, TraceWhatTheCompilerSaysOfAModuleThatDoesNotBuild) {
+  std::string messages;
+  orvcore::debug::SetTraceLevel(7);
+  orvcore::debug::SetTraceSink(
+      [&](int, std::string_view, std::string_view text) { messages += text; });
+  const cl::Device device = IL::FindOpenClDevices()[static_cast<std::size_t>(GetParam().ordinal)];
+  const kernels::KernelModule broken = {"Broken", "__kernel void Run() { ThereIsNoSuch(); }", ""};
+  EXPECT_FALSE(IL::BuildOpenClProgram(cl::Context(device), device, device_->Info(), broken,
+                                      IL::BinaryCache(fs::path()))
+                   .has_value());
+  orvcore::debug::SetTraceSink({});
+  orvcore::debug::SetTraceLevel(0);
+  EXPECT_THAT(messages, testing::AllOf(testing::HasSubstr("module Broken does not build"),
+                                       testing::HasSubstr("ThereIsNoSuch")));
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryDevice, OpenClDevices, testing::ValuesIn(EveryDevice()),

@@ -1,0 +1,75 @@
+#include "tools/quillon/DeviceChoice.h"
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+#include "refhost/ironlane/Devices.h"
+#include "tools/quillon/EngineMessages.h"
+#include "tools/quillon/ExitCodes.h"
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, DeviceChoice::Kind>, 2> kNumbered = {
+    {{"opencl:", DeviceChoice::Kind::OpenCl}, {"cuda:", DeviceChoice::Kind::Cuda}}};
+
+bool ParseOrdinal(std::string_view text, std::int32_t& ordinal) {
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, ordinal);
+  return error == std::errc() && rest == end && ordinal >= 0;
+}
+
+IL::DeviceInfo InfoOf(const DeviceChoice& choice) {
+  IL::DeviceInfo info;
+  info.platformKind =
+      choice.kind == DeviceChoice::Kind::Cuda ? IL::kPlatformCuda : IL::kPlatformOpenCl;
+  info.ordinal = choice.ordinal;
+  return info;
+}
+
+/// The first device that can run kernels.
+IL::DeviceInfo FirstDevice() {
+  for (const IL::DeviceInfo& info : IL::ListDevices()) {
+    if (info.obstacle.empty()) return info;
+  }
+  throw CommandError(ExitCode::NotSupported,
+                     "--device gpu: there is no GPU that can run the kernels; 'quillon devices' "
+                     "tells why, and --device cpu works everywhere");
+}
+
+}  // namespace
+
+DeviceChoice ParseDevice(const std::string& text) {
+  if (text == "cpu") return {};
+  if (text == "gpu") return {.kind = DeviceChoice::Kind::AnyGpu};
+  for (const auto& [prefix, kind] : kNumbered) {
+    DeviceChoice choice{.kind = kind};
+    if (!text.starts_with(prefix)) continue;
+    if (ParseOrdinal(std::string_view(text).substr(prefix.size()), choice.ordinal)) return choice;
+  }
+  throw CLI::ValidationError("--device", "'" + text + "' is none of " + kDeviceSyntax +
+                                             ", N being a number that 'quillon devices' shows");
+}
+
+std::string DeviceName(const IL::DeviceInfo& info) {
+  return (info.platformKind == IL::kPlatformCuda ? "cuda:" : "opencl:") +
+         std::to_string(info.ordinal);
+}
+
+std::shared_ptr<IL::GpuDevice> OpenChosenDevice(const DeviceChoice& choice) {
+  if (choice.kind == DeviceChoice::Kind::Cpu) return nullptr;
+  const IL::DeviceInfo info =
+      choice.kind == DeviceChoice::Kind::AnyGpu ? FirstDevice() : InfoOf(choice);
+  const EngineMessages messages;
+  auto device = IL::OpenDevice(info.platformKind, info.ordinal);
+  if (device == nullptr) {
+    const std::string said = messages.Joined();
+    throw CommandError(ExitCode::NotSupported,
+                       "--device " + DeviceName(info) + ": " +
+                           (said.empty() ? "there is no such device" : said) +
+                           "; 'quillon devices' lists those there are");
+  }
+  return device;
+}

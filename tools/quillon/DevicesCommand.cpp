@@ -1,0 +1,77 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "refhost/ironlane/Devices.h"
+#include "tools/quillon/Commands.h"
+#include "tools/quillon/DeviceChoice.h"
+#include "tools/quillon/EngineMessages.h"
+
+namespace {
+
+std::string Memory(std::uint64_t bytes) {
+  std::ostringstream text;
+  text << std::fixed << std::setprecision(1) << static_cast<double>(bytes) / (1U << 30U) << " GiB";
+  return text.str();
+}
+
+/// Whether the kernels build there, found out by building them.
+std::string Kernels(const IL::DeviceInfo& info) {
+  if (!info.obstacle.empty()) return "no: " + info.obstacle;
+  const EngineMessages messages;
+  const auto device = IL::OpenDevice(info.platformKind, info.ordinal);
+  const bool builds = device != nullptr &&
+                      IL::LoadKernel(device, "ToneMapMain", "ToneMapKernelITU2446A") != nullptr &&
+                      IL::LoadKernel(device, "PixelConversion", "ConvertPixels") != nullptr;
+  if (!builds) return "do not build: " + messages.Joined();
+  return info.isExact ? "build, exact" : "build; the last bits may differ from the processor's";
+}
+
+using Row = std::array<std::string, 6>;
+
+std::vector<Row> Rows() {
+  std::vector<Row> rows = {{"device", "name", "platform", "driver", "memory", "kernels"}};
+  for (const IL::DeviceInfo& info : IL::ListDevices()) {
+    rows.push_back({DeviceName(info), info.name, info.platform, info.driver,
+                    Memory(info.memoryBytes), Kernels(info)});
+  }
+  return rows;
+}
+
+void PrintTable(std::ostream& out, const std::vector<Row>& rows) {
+  std::array<std::size_t, std::tuple_size_v<Row>> widths{};
+  for (const Row& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+  }
+  for (const Row& row : rows) {
+    for (std::size_t i = 0; i + 1 < row.size(); ++i) {
+      out << std::left << std::setw(static_cast<int>(widths[i]) + 2) << row[i];
+    }
+    out << row.back() << '\n';
+  }
+}
+
+void RunDevices() {
+  const std::vector<Row> rows = Rows();
+  if (rows.size() > 1) {
+    PrintTable(std::cout, rows);
+  } else {
+    std::cout << "no GPU was found; --device cpu, the default, needs none\n";
+  }
+  if (!IL::IsBuiltForCuda()) {
+    std::cout << "the CUDA back end was left out: neither nvcc nor clang++ was there when this was "
+                 "built\n";
+  }
+}
+
+}  // namespace
+
+Subcommand AddDevicesCommand(CLI::App& app) {
+  app.add_subcommand("devices", "List the GPUs that --device takes, and whether kernels run there");
+  return [] { RunDevices(); };
+}
