@@ -139,7 +139,8 @@ Measurement Measure(const Device& device, Quillon::KernelId kernel, const PX::Vi
   const int count = std::clamp(static_cast<int>(0.05 / once), 1, 200);
   std::vector<double> kernelSeconds;
   std::vector<double> copySeconds;
-  for (int round = 0; round < 7; ++round) {
+  const int rounds = std::clamp(static_cast<int>(1.0 / once), 1, 7);
+  for (int round = 0; round < rounds; ++round) {
     copySeconds.push_back(SecondsOf(device, count, copy) / count);
     kernelSeconds.push_back(SecondsOf(device, count, run) / count);
   }
@@ -148,8 +149,16 @@ Measurement Measure(const Device& device, Quillon::KernelId kernel, const PX::Vi
           bytes / Median(copySeconds)};
 }
 
+void Print(const Measurement& m) {
+  std::printf("%-46s %-16s %10.1f %10.1f %7.1f%%\n", m.kernel.c_str(), m.frame.c_str(),
+              m.bytesPerSecond * 1e-9, m.copyBytesPerSecond * 1e-9,
+              100.0 * m.bytesPerSecond / m.copyBytesPerSecond);
+  std::fflush(stdout);
+}
+
 std::vector<Measurement> MeasureAll(const Device& device) {
   std::vector<Measurement> measurements;
+  std::printf("%-46s %-16s %10s %10s %8s\n", "kernel", "frame", "GB/s", "copy GB/s", "of copy");
   for (const Size size : {Size{3840, 2160}, Size{7680, 4320}}) {
     for (const auto format : {KS::kBgraFloat, KS::kBgraHalf}) {
       const std::string frameName = std::to_string(size.width) + "x" + std::to_string(size.height) +
@@ -159,19 +168,11 @@ std::vector<Measurement> MeasureAll(const Device& device) {
       for (std::size_t i = 0; i < Quillon::kKernelCount; ++i) {
         measurements.push_back(
             Measure(device, static_cast<Quillon::KernelId>(i), frame, other, frameName));
+        Print(measurements.back());
       }
     }
   }
   return measurements;
-}
-
-void PrintTable(const std::vector<Measurement>& measurements) {
-  std::printf("%-46s %-16s %10s %10s %8s\n", "kernel", "frame", "GB/s", "copy GB/s", "of copy");
-  for (const Measurement& m : measurements) {
-    std::printf("%-46s %-16s %10.1f %10.1f %7.1f%%\n", m.kernel.c_str(), m.frame.c_str(),
-                m.bytesPerSecond * 1e-9, m.copyBytesPerSecond * 1e-9,
-                100.0 * m.bytesPerSecond / m.copyBytesPerSecond);
-  }
 }
 
 void WriteJson(const std::string& path, const IL::DeviceInfo& info,
@@ -209,7 +210,6 @@ int main(int argc, char** argv) {
     const Device device = Choose(argc > 1 ? argv[1] : "");
     if (device == nullptr) throw std::runtime_error("the device cannot be used");
     const std::vector<Measurement> measurements = MeasureAll(device);
-    PrintTable(measurements);
     if (argc > 2) WriteJson(argv[2], device->Info(), measurements);
   } catch (const std::exception& error) {
     std::cerr << "quillon-gpu-bench: " << error.what() << '\n';

@@ -15,6 +15,7 @@
 #include "host/CHR/Applicability.h"
 #include "host/CHR/Conversion.h"
 #include "host/KS/FrameManipulators.h"
+#include "refhost/ironlane/opencl/OpenClDevice.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "tests/devices/DeviceFrames.h"
 #include "tests/devices/EveryDevice.h"
@@ -222,6 +223,25 @@ TEST_P(GpuPipeline, CopiesWhereNothingApplies) {
   PX::VideoFrameRef destination = MakeGpuFrame(device_, KS::kBgraFloat, 9, 4, Space(9, 16));
   ASSERT_EQ(Quillon::ApplyGamutMapping(source, settings, destination), 0);
   ExpectSameBits(PixelsOf(destination), pixels);
+}
+
+TEST_P(GpuPipeline, RefusesFramesOnDifferentDevices) {
+  if (GetParam().platformKind != IL::kPlatformOpenCl) GTEST_SKIP() << "not an OpenCL device";
+  // The same hardware, but another context: neither knows the other's memory.
+  const auto other = IL::OpenOpenClDevice(GetParam().ordinal);
+  ASSERT_NE(other, nullptr);
+  const Pixels pixels = NotablePixels(9, 4, 2);
+  for (const auto gamut :
+       {GamutCompressionAlgorithmType::None, GamutCompressionAlgorithmType::Desaturation}) {
+    const auto settings = SettingsFor(Space(9, 16), Space(1, 13),
+                                      ToneMapAlgorithmType::HuePreservationDesaturation, gamut);
+    const auto source = OnGpu(device_, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 16), pixels));
+    PX::VideoFrameRef destination =
+        OnGpu(other, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(1, 13), pixels));
+    EXPECT_LT(Quillon::ApplyGamutMapping(source, settings, destination), 0);
+    ExpectSameBits(PixelsOf(destination), pixels);
+    ExpectSameBits(PixelsOf(source), pixels);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryDevice, GpuPipeline, testing::ValuesIn(EveryDevice()),

@@ -10,7 +10,6 @@ using gpu::Pushed;
 using orvmediatypes::color::GamutCompressionAlgorithmType;
 using scripted::FrameOf;
 using testing::AllOf;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::HasSubstr;

@@ -11,7 +11,6 @@ namespace {
 using gpu::Lines;
 using gpu::Pushed;
 using orvmediatypes::color::ToneMapAlgorithmType;
-using scripted::FrameOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
