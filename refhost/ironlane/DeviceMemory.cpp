@@ -7,7 +7,7 @@ int DeviceMemory::Allocate(const std::shared_ptr<GpuDevice>& device, std::size_t
   std::uint64_t pointer = 0;
   const int result = device->Allocate(bytes, pointer);
   if (result < 0) return result;
-  memory.reset(new DeviceMemory(device, pointer));
+  memory = std::make_unique<DeviceMemory>(device, pointer);
   return 0;
 }
 

@@ -11,6 +11,10 @@ namespace IL {
 /// Memory of a device, which it keeps alive, freed with this object.
 class DeviceMemory {
  public:
+  /// Takes over memory that the device gave.
+  DeviceMemory(std::shared_ptr<GpuDevice> device, std::uint64_t pointer)
+      : device_(std::move(device)), pointer_(pointer) {}
+
   /// 0, or a negative code and `memory` as it was.
   static int Allocate(const std::shared_ptr<GpuDevice>& device, std::size_t bytes,
                       std::unique_ptr<DeviceMemory>& memory);
@@ -23,9 +27,6 @@ class DeviceMemory {
   std::uint64_t Pointer() const { return pointer_; }
 
  private:
-  DeviceMemory(std::shared_ptr<GpuDevice> device, std::uint64_t pointer)
-      : device_(std::move(device)), pointer_(pointer) {}
-
   std::shared_ptr<GpuDevice> device_;
   std::uint64_t pointer_;
 };

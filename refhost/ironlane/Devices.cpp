@@ -5,12 +5,13 @@
 #include <utility>
 
 #include "kernels/KernelModules.h"
+#include "refhost/ironlane/cuda/CudaDevice.h"
 #include "refhost/ironlane/opencl/OpenClDevice.h"
 
 namespace IL {
 
 std::vector<DeviceInfo> ListDevices() {
-  std::vector<DeviceInfo> devices;
+  std::vector<DeviceInfo> devices = ListCudaDevices();
   const std::vector<DeviceInfo> others = ListOpenClDevices();
   devices.insert(devices.end(), others.begin(), others.end());
   return devices;
@@ -23,6 +24,7 @@ std::shared_ptr<GpuDevice> OpenDevice(std::int32_t platformKind, std::int32_t or
   std::weak_ptr<GpuDevice>& known = open[{platformKind, ordinal}];
   std::shared_ptr<GpuDevice> device = known.lock();
   if (device != nullptr) return device;
+  if (platformKind == kPlatformCuda) device = OpenCudaDevice(ordinal);
   if (platformKind == kPlatformOpenCl) device = OpenOpenClDevice(ordinal);
   known = device;
   return device;

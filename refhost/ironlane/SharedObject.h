@@ -16,7 +16,8 @@ class SharedObject final : public orvcore::classref::ControlBlock {
   explicit SharedObject(Arguments&&... arguments)
       : object_(std::in_place, std::forward<Arguments>(arguments)...) {}
 
-  Object& Get() { return *object_; }
+  /// Null once disposed of.
+  Object* Get() { return object_.has_value() ? &*object_ : nullptr; }
   void DisposeObject() noexcept override { object_.reset(); }
   void DestroyBlock() noexcept override { const std::unique_ptr<SharedObject> self(this); }
 
@@ -28,8 +29,8 @@ class SharedObject final : public orvcore::classref::ControlBlock {
 template <class Interface, class Object, class... Arguments>
 orvcore::classref::InterfaceRef<Interface> MakeShared(Arguments&&... arguments) {
   auto block = std::make_unique<SharedObject<Object>>(std::forward<Arguments>(arguments)...);
-  Object& object = block->Get();
-  return orvcore::classref::InterfaceRef<Interface>(&object, &object, block.release());
+  Object* object = block->Get();
+  return orvcore::classref::InterfaceRef<Interface>(object, object, block.release());
 }
 
 }  // namespace IL

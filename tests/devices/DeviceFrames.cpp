@@ -95,8 +95,8 @@ PX::VideoFrameRef MakeSystemFrame(PixelFormat format, int width, int height,
 PX::VideoFrameRef OnGpu(const std::shared_ptr<IL::GpuDevice>& device,
                         const PX::VideoFrameRef& frame) {
   const orvcore::geom::Bounds bounds = frame->GetBounds();
-  const PX::VideoFrameRef onGpu = MakeGpuFrame(device, frame->GetPixelFormat(), bounds.width,
-                                               bounds.height, frame->GetColorSpace());
+  PX::VideoFrameRef onGpu = MakeGpuFrame(device, frame->GetPixelFormat(), bounds.width,
+                                         bounds.height, frame->GetColorSpace());
   EXPECT_EQ(KS::GPUFrameManipulators::CopyFrame(frame, onGpu, 4, {}), 0);
   return onGpu;
 }

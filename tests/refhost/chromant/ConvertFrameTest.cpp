@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/CHR/Conversion.h"
 #include "curves/HalfFloat.h"
+#include "host/CHR/Conversion.h"
 #include "tests/refhost/chromant/Samples.h"
 
 using orvmediatypes::kLinearFloatBGRA;

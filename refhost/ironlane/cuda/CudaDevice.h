@@ -1,0 +1,17 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "refhost/ironlane/GpuDevice.h"
+
+namespace IL {
+
+/// All devices of NVIDIA's driver; none where there is no driver.
+std::vector<DeviceInfo> ListCudaDevices();
+
+/// Null, and a message to the trace, when there is no such device or it cannot be used. Works in
+/// the device's primary context, which is current during calls alone.
+std::shared_ptr<GpuDevice> OpenCudaDevice(std::int32_t ordinal);
+
+}  // namespace IL
