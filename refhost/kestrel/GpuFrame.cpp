@@ -7,10 +7,10 @@
 #include "host/KS/CreateFrames.h"
 #include "host/KS/FrameInterfaces.h"
 #include "refhost/ironlane/DeviceMemory.h"
-#include "refhost/ironlane/SharedObject.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/ResultCodes.h"
 #include "refhost/kestrel/SystemFrame.h"
+#include "refhost/orvcore/SharedObject.h"
 
 namespace KS {
 
@@ -112,7 +112,7 @@ int CreateGPUVideoFrame(PX::VideoFrameRef& frame, const std::shared_ptr<IL::Devi
   std::unique_ptr<IL::DeviceMemory> memory;
   const auto bytes = static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(height);
   if (const int result = IL::DeviceMemory::Allocate(gpu, bytes, memory); result < 0) return result;
-  frame = IL::MakeShared<PX::IVideoFrame, GpuFrame>(
+  frame = orvcore::classref::MakeShared<PX::IVideoFrame, GpuFrame>(
       GpuFrameLayout{.bounds = {origin.x, origin.y, width, height},
                      .aspect = aspect,
                      .format = format,

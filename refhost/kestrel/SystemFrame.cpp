@@ -11,6 +11,7 @@
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/ResultCodes.h"
 #include "refhost/orvcore/RecycledMemory.h"
+#include "refhost/orvcore/SharedObject.h"
 
 namespace KS {
 
@@ -139,22 +140,6 @@ class SystemFrame final : public orvcore::classref::IObject,
   std::function<void()> release_;
 };
 
-/// Frame and counts in one allocation.
-class FrameBlock final : public orvcore::classref::ControlBlock {
- public:
-  template <class... Arguments>
-  explicit FrameBlock(Arguments&&... arguments) {
-    frame_.emplace(std::forward<Arguments>(arguments)...);
-  }
-
-  SystemFrame* Frame() { return frame_.has_value() ? &*frame_ : nullptr; }
-  void DisposeObject() noexcept override { frame_.reset(); }
-  void DestroyBlock() noexcept override { const std::unique_ptr<FrameBlock> self(this); }
-
- private:
-  std::optional<SystemFrame> frame_;
-};
-
 /// Puts the frame's own memory, or the borrowed one, into the planes. False when a borrowed plane
 /// is null or the frame is too large.
 bool AttachMemory(const SystemFrameLayout& layout, int planeCount, Planes& planes,
@@ -184,9 +169,8 @@ int CreateSystemFrame(PX::VideoFrameRef& frame, const SystemFrameLayout& layout)
   try {
     std::unique_ptr<orvcore::allocator::RecycledMemory> memory;
     if (!AttachMemory(layout, info->planeCount, *planes, memory)) return kInvalidFrame;
-    auto block = std::make_unique<FrameBlock>(layout, *info, *planes, std::move(memory));
-    SystemFrame* made = block->Frame();
-    frame = PX::VideoFrameRef(made, made, block.release());
+    frame = orvcore::classref::MakeShared<PX::IVideoFrame, SystemFrame>(layout, *info, *planes,
+                                                                        std::move(memory));
   } catch (const std::bad_alloc&) {
     return kInvalidFrame;
   }

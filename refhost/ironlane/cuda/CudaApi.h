@@ -19,6 +19,7 @@ using CudaLinkState = struct CudaLinkStateOpaque*;
 
 /// The driver's functions.
 struct CudaApi {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): they would not be declarations then.
 #define QUILLON_CUDA_FUNCTION(name, symbol, parameters) CudaResult(*name) parameters = nullptr;
 #include "refhost/ironlane/cuda/CudaFunctions.inc"
 

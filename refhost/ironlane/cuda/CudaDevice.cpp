@@ -6,13 +6,13 @@
 #include <string>
 
 #include "kernels/KernelModules.h"
+#include "refhost/ironlane/ArgumentSet.h"
 #include "refhost/ironlane/ContextIdentity.h"
 #include "refhost/ironlane/ResultCodes.h"
-#include "refhost/ironlane/SharedObject.h"
 #include "refhost/ironlane/Trace.h"
 #include "refhost/ironlane/cuda/CudaApi.h"
-#include "refhost/ironlane/cuda/CudaArguments.h"
 #include "refhost/ironlane/cuda/CudaModules.h"
+#include "refhost/orvcore/SharedObject.h"
 
 namespace IL {
 
@@ -39,6 +39,17 @@ class Current {
   const CudaApi& api_;
   int result_;
 };
+
+/// Where each argument lies, as a launch takes them.
+std::vector<void*> PointersTo(const std::vector<Argument>& arguments) {
+  std::vector<void*> pointers;
+  pointers.reserve(arguments.size());
+  // The driver's interface is not const; it reads.
+  for (const Argument& argument : arguments) {
+    pointers.push_back(const_cast<std::byte*>(argument.bytes.data()));
+  }
+  return pointers;
+}
 
 class CudaDevice final : public GpuDevice {
  public:
@@ -122,20 +133,20 @@ class CudaDevice final : public GpuDevice {
   int CreateArguments(KernelHandle kernel, std::uint32_t byValueBytes,
                       orvcore::classref::InterfaceRef<IArgumentSet>& arguments) override {
     if (!IsKnown(kernel)) return kInvalidLaunch;
-    arguments = MakeShared<IArgumentSet, CudaArguments>(kernel, byValueBytes);
+    arguments = orvcore::classref::MakeShared<IArgumentSet, ArgumentSet>(kernel, byValueBytes);
     return 0;
   }
 
   int Launch(KernelHandle kernel, const orvcore::classref::InterfaceRef<IArgumentSet>& arguments,
              std::uint32_t gridX, std::uint32_t gridY, std::uint32_t blockX, std::uint32_t blockY,
              std::uint32_t /*flags*/) override {
-    auto* set = dynamic_cast<CudaArguments*>(arguments.Object());
-    if (set == nullptr || !set->IsFor(kernel) || !IsKnown(kernel)) return kInvalidLaunch;
+    const ArgumentSet* set = FinalArguments(arguments, kernel);
+    if (set == nullptr || !IsKnown(kernel)) return kInvalidLaunch;
     for (const std::uint32_t size : {gridX, gridY, blockX, blockY}) {
       if (size == 0) return kInvalidLaunch;
     }
     return Call("cuLaunchKernel", [&] {
-      std::vector<void*> pointers = set->Pointers();
+      std::vector<void*> pointers = PointersTo(set->Arguments());
       return api_.LaunchKernel(static_cast<CudaFunction>(kernel), gridX, gridY, 1, blockX, blockY,
                                1, 0, stream_, pointers.data(), nullptr);
     });

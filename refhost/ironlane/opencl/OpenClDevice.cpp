@@ -1,26 +1,63 @@
 #include "refhost/ironlane/opencl/OpenClDevice.h"
 
-#include <array>
-#include <atomic>
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "refhost/ironlane/ArgumentSet.h"
 #include "refhost/ironlane/BinaryCache.h"
 #include "refhost/ironlane/ContextIdentity.h"
 #include "refhost/ironlane/ResultCodes.h"
-#include "refhost/ironlane/SharedObject.h"
 #include "refhost/ironlane/Trace.h"
-#include "refhost/ironlane/opencl/OpenClArguments.h"
 #include "refhost/ironlane/opencl/OpenClDevices.h"
 #include "refhost/ironlane/opencl/OpenClProgram.h"
 #include "refhost/ironlane/opencl/OpenClStatus.h"
+#include "refhost/orvcore/SharedObject.h"
 
 namespace IL {
 
 namespace {
+
+/// Gives arguments to a kernel one after another.
+class ArgumentPasser {
+ public:
+  explicit ArgumentPasser(cl::Kernel& kernel) : kernel_(kernel) {}
+
+  void PassMemory(std::uint64_t pointer) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a memory object's handle travels as a number.
+    auto* buffer = reinterpret_cast<cl_mem>(pointer);
+    Pass(sizeof(buffer), buffer == nullptr ? nullptr : &buffer);
+  }
+  void PassValue(const std::vector<std::byte>& bytes) { Pass(bytes.size(), bytes.data()); }
+
+  /// The first failure, also that the kernel takes another number of arguments.
+  cl_int Status() const {
+    if (status_ != CL_SUCCESS) return status_;
+    return kernel_.getInfo<CL_KERNEL_NUM_ARGS>() == count_ ? CL_SUCCESS : CL_INVALID_KERNEL_ARGS;
+  }
+
+ private:
+  void Pass(std::size_t bytes, const void* value) {
+    if (status_ == CL_SUCCESS) status_ = kernel_.setArg(count_++, bytes, value);
+  }
+
+  cl::Kernel& kernel_;
+  cl_uint count_ = 0;
+  cl_int status_ = CL_SUCCESS;
+};
+
+/// A frame is two arguments: its memory, and the descriptor.
+cl_int PassArguments(const std::vector<Argument>& arguments, cl::Kernel& kernel) {
+  ArgumentPasser passer(kernel);
+  for (const Argument& argument : arguments) {
+    if (argument.kind != Argument::Kind::Value) passer.PassMemory(argument.Pointer());
+    if (argument.kind != Argument::Kind::Memory) passer.PassValue(argument.bytes);
+  }
+  return passer.Status();
+}
 
 class OpenClDevice final : public GpuDevice {
  public:
@@ -93,22 +130,19 @@ class OpenClDevice final : public GpuDevice {
   int CreateArguments(KernelHandle kernel, std::uint32_t byValueBytes,
                       orvcore::classref::InterfaceRef<IArgumentSet>& arguments) override {
     if (KernelAt(kernel) == nullptr) return kInvalidLaunch;
-    arguments = MakeShared<IArgumentSet, OpenClArguments>(kernel, byValueBytes);
+    arguments = orvcore::classref::MakeShared<IArgumentSet, ArgumentSet>(kernel, byValueBytes);
     return 0;
   }
 
   int Launch(KernelHandle kernel, const orvcore::classref::InterfaceRef<IArgumentSet>& arguments,
              std::uint32_t gridX, std::uint32_t gridY, std::uint32_t blockX, std::uint32_t blockY,
              std::uint32_t /*flags*/) override {
-    const auto* set = dynamic_cast<const OpenClArguments*>(arguments.Object());
-    if (set == nullptr || !set->IsFor(kernel)) return kInvalidLaunch;
+    const ArgumentSet* set = FinalArguments(arguments, kernel);
+    if (set == nullptr || !HasMemoryOf(set->Arguments())) return kInvalidLaunch;
     for (const std::uint32_t size : {gridX, gridY, blockX, blockY}) {
       if (size == 0) return kInvalidLaunch;
     }
     cl::Kernel* known = KernelAt(kernel);
-    for (const std::uint64_t memory : set->Memory()) {
-      if (!MemoryAt(memory).has_value()) return kInvalidLaunch;
-    }
     if (known == nullptr) return kInvalidLaunch;
 
     const cl::NDRange items(std::size_t{gridX} * blockX, std::size_t{gridY} * blockY);
@@ -116,7 +150,7 @@ class OpenClDevice final : public GpuDevice {
     const cl::NDRange group =
         blockX == 1 && blockY == 1 ? cl::NDRange() : cl::NDRange(blockX, blockY);
     const std::lock_guard lock(launchMutex_);
-    cl_int status = set->PassTo(*known);
+    cl_int status = PassArguments(set->Arguments(), *known);
     if (status == CL_SUCCESS) {
       status = queue_.enqueueNDRangeKernel(*known, cl::NullRange, items, group);
     }
@@ -137,6 +171,14 @@ class OpenClDevice final : public GpuDevice {
     auto program = BuildOpenClProgram(context_, device_, info_, *source, cache_);
     if (!program.has_value()) return nullptr;
     return &programs_.emplace(module, *std::move(program)).first->second;
+  }
+
+  /// Whether all memory that a kernel is to see is the device's; null is none.
+  bool HasMemoryOf(const std::vector<Argument>& arguments) {
+    return std::all_of(arguments.begin(), arguments.end(), [&](const Argument& argument) {
+      return argument.kind == Argument::Kind::Value || argument.Pointer() == 0 ||
+             MemoryAt(argument.Pointer()).has_value();
+    });
   }
 
   std::optional<cl::Buffer> MemoryAt(std::uint64_t pointer) {

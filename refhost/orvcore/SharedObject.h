@@ -6,15 +6,16 @@
 
 #include "host/orvcore/InterfaceRef.h"
 
-namespace IL {
+namespace orvcore::classref {
 
 /// Object and counts in one allocation.
 template <class Object>
-class SharedObject final : public orvcore::classref::ControlBlock {
+class SharedObject final : public ControlBlock {
  public:
   template <class... Arguments>
-  explicit SharedObject(Arguments&&... arguments)
-      : object_(std::in_place, std::forward<Arguments>(arguments)...) {}
+  explicit SharedObject(Arguments&&... arguments) {
+    object_.emplace(std::forward<Arguments>(arguments)...);
+  }
 
   /// Null once disposed of.
   Object* Get() { return object_.has_value() ? &*object_ : nullptr; }
@@ -27,10 +28,10 @@ class SharedObject final : public orvcore::classref::ControlBlock {
 
 /// A new object, held by the handle alone.
 template <class Interface, class Object, class... Arguments>
-orvcore::classref::InterfaceRef<Interface> MakeShared(Arguments&&... arguments) {
+InterfaceRef<Interface> MakeShared(Arguments&&... arguments) {
   auto block = std::make_unique<SharedObject<Object>>(std::forward<Arguments>(arguments)...);
   Object* object = block->Get();
-  return orvcore::classref::InterfaceRef<Interface>(object, object, block.release());
+  return InterfaceRef<Interface>(object, object, block.release());
 }
 
-}  // namespace IL
+}  // namespace orvcore::classref
