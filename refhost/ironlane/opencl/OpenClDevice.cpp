@@ -29,7 +29,7 @@ class ArgumentPasser {
   void PassMemory(std::uint64_t pointer) {
     // NOLINTNEXTLINE(performance-no-int-to-ptr): a memory object's handle travels as a number.
     auto* buffer = reinterpret_cast<cl_mem>(pointer);
-    Pass(sizeof(buffer), buffer == nullptr ? nullptr : &buffer);
+    Pass(sizeof(cl_mem), buffer == nullptr ? nullptr : &buffer);
   }
   void PassValue(const std::vector<std::byte>& bytes) { Pass(bytes.size(), bytes.data()); }
 
