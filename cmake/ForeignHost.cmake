@@ -1,6 +1,6 @@
 # Links the engine against the libraries of another host, by name.
 
-foreach(library orvcore orvmediatypes pavix kestrel chromant ironlane)
+foreach(library orvcore orvmediatypes pavix kestrel chromant ironlane hostos)
   find_library(QUILLON_HOST_${library} ${library} PATHS ${QUILLON_HOST_DIR}
                PATH_SUFFIXES lib NO_DEFAULT_PATH REQUIRED)
   add_library(${library} SHARED IMPORTED GLOBAL)

@@ -10,7 +10,7 @@ set(libraries Quillon)
 set(QUILLON_PC_LIBS -lQuillon)
 
 if(NOT QUILLON_HOST_DIR)
-  foreach(library kestrel ironlane pavix chromant orvmediatypes orvcore)
+  foreach(library kestrel ironlane pavix chromant orvmediatypes orvcore hostos)
     list(APPEND libraries ${library})
     string(APPEND QUILLON_PC_LIBS " -l${library}")
     string(SUBSTRING ${library} 0 1 initial)

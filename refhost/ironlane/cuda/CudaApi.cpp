@@ -3,12 +3,7 @@
 #include <optional>
 #include <string>
 
-#ifdef _WIN32
-#include <windows.h>
-#else
-#include <dlfcn.h>
-#endif
-
+#include "host/os/DynamicLibrary.h"
 #include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/Trace.h"
 
@@ -16,27 +11,15 @@ namespace IL {
 
 namespace {
 
-/// The driver's library, never closed: its threads may outlive us.
-void* OpenDriver() {
-#ifdef _WIN32
-  return reinterpret_cast<void*>(LoadLibraryW(L"nvcuda.dll"));
-#else
-  return dlopen("libcuda.so.1", RTLD_NOW | RTLD_LOCAL);
-#endif
-}
-
 template <class Function>
-bool Find(void* driver, const char* symbol, Function& function) {
-#ifdef _WIN32
-  function = reinterpret_cast<Function>(GetProcAddress(reinterpret_cast<HMODULE>(driver), symbol));
-#else
-  function = reinterpret_cast<Function>(dlsym(driver, symbol));
-#endif
+bool Find(HMODULE driver, const char* symbol, Function& function) {
+  function = reinterpret_cast<Function>(GetProcAddress(driver, symbol));
   return function != nullptr;
 }
 
 std::optional<CudaApi> OpenApi() {
-  void* driver = OpenDriver();
+  // Never closed: the driver's threads may outlive us.
+  const HMODULE driver = LoadLibraryW(L"nvcuda.dll");
   if (driver == nullptr) return std::nullopt;
   CudaApi api;
 #define QUILLON_CUDA_FUNCTION(name, symbol, parameters) \

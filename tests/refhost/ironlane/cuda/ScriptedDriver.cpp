@@ -2,11 +2,12 @@
 
 #include "tests/refhost/ironlane/cuda/ScriptedDriver.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <mutex>
-#include <regex>
+#include <sstream>
 #include <string_view>
 
 namespace {
@@ -38,21 +39,28 @@ int Enter(const std::string& function) {
   return isLost || call == driver.failingFrom ? driver.error : 0;
 }
 
-std::size_t SizeOf(const std::string& type, const std::string& count) {
-  const std::size_t bytes = std::stoul(type.substr(1)) / 8;
-  return count.empty() ? bytes : bytes * std::stoul(count);
+/// Bytes of the parameter that a line of PTX declares: ".param .align 8 .b8 Kernel_param_0[32],".
+std::size_t ParameterBytes(const std::string& line) {
+  std::istringstream words(line);
+  std::size_t bytes = 0;
+  std::string name;
+  for (std::string word; words >> word; name = word) {
+    // The type is a letter and its bits.
+    const bool isType = word.size() > 2 && word[0] == '.' && word[2] >= '0' && word[2] <= '9';
+    if (isType) bytes = std::stoul(word.substr(2)) / 8;
+  }
+  const auto bracket = name.find('[');
+  return bracket == std::string::npos ? bytes : bytes * std::stoul(name.substr(bracket + 1));
 }
 
 /// The sizes of a kernel's parameters, out of its PTX; none when there is no such kernel.
 std::vector<std::size_t> ParametersOf(const std::string& ptx, const std::string& kernel) {
-  const auto entry = ptx.find(".entry " + kernel + "(");
   std::vector<std::size_t> sizes;
+  const auto entry = ptx.find(".entry " + kernel + "(");
   if (entry == std::string::npos) return sizes;
-  const std::string text = ptx.substr(entry, ptx.find(")\n", entry) - entry);
-  static const std::regex kParameter(
-      R"(\.param (?:\.align \d+ )?\.([a-z]\d+) (?:\.ptr[^,]*? )?\w+(?:\[(\d+)\])?)");
-  for (std::sregex_iterator it(text.begin(), text.end(), kParameter), end; it != end; ++it) {
-    sizes.push_back(SizeOf((*it)[1], (*it)[2]));
+  std::istringstream lines(ptx.substr(entry, ptx.find(")\n", entry) - entry));
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find(".param") != std::string::npos) sizes.push_back(ParameterBytes(line));
   }
   return sizes;
 }
