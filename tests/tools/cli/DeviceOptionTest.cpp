@@ -13,8 +13,6 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Not;
 using ::testing::StartsWith;
 
 /// A variable of the environment for as long as this lives.
@@ -36,7 +34,7 @@ std::string NumbersOf(const std::string& csv) {
   std::istringstream lines(csv);
   std::string numbers;
   for (std::string line; std::getline(lines, line);) {
-    if (!line.starts_with('#')) numbers += line + '\n';
+    if (!line.starts_with('#')) numbers.append(line).append(1, '\n');
   }
   return numbers;
 }
@@ -58,7 +56,7 @@ class DeviceOption : public ::testing::Test {
 TEST_F(DeviceOption, GivesTheBytesOfTheProcessor) {
   for (const std::string algorithm : {"auto", "hue", "bt2446a", "car", "none"}) {
     for (const std::string gamut : {"none", "reinhard", "desaturate"}) {
-      SCOPED_TRACE(algorithm + " " + gamut);
+      SCOPED_TRACE(testing::Message() << algorithm << " " << gamut);
       const std::vector<std::string> more = {"--algorithm", algorithm, "--gamut", gamut,
                                              "--overwrite"};
       ASSERT_EQ(Map("cpu", "cpu.png", more).exitCode, 0);

@@ -71,6 +71,12 @@ Opaque* NewHandle() {
 }
 void DeleteHandle(void* handle) { const std::unique_ptr<char> owner(static_cast<char*>(handle)); }
 
+/// Memory of the device, which is the process's own.
+void* At(std::uint64_t pointer) {
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the driver's interface has numbers for it.
+  return reinterpret_cast<void*>(pointer);
+}
+
 constexpr std::string_view kBinaryStart =
     "\x7F"
     "CUBIN";
@@ -149,11 +155,11 @@ int cuStreamSynchronize(void*) { return Enter("cuStreamSynchronize"); }
 int cuMemAlloc_v2(std::uint64_t* pointer, std::size_t bytes) {
   const int result = Enter("cuMemAlloc");
   if (result != 0) return result;
-  void* memory = bytes > std::size_t{8} << 30U ? nullptr : std::malloc(bytes);
-  if (memory == nullptr) return 2;
-  *pointer = reinterpret_cast<std::uint64_t>(memory);
+  if (bytes > std::size_t{8} << 30U) return 2;
+  std::vector<std::uint8_t> memory(bytes);
+  *pointer = reinterpret_cast<std::uint64_t>(memory.data());
   const std::lock_guard lock(mutex);
-  driver.memory[*pointer] = bytes;
+  driver.memory.emplace(*pointer, std::move(memory));
   return 0;
 }
 int cuMemFree_v2(std::uint64_t pointer) {
@@ -161,24 +167,21 @@ int cuMemFree_v2(std::uint64_t pointer) {
     const std::lock_guard lock(mutex);
     driver.memory.erase(pointer);
   }
-  std::free(reinterpret_cast<void*>(pointer));
   return Enter("cuMemFree");
 }
 int cuMemcpyHtoDAsync_v2(std::uint64_t to, const void* from, std::size_t bytes, void*) {
   const int result = Enter("cuMemcpyHtoDAsync");
-  if (result == 0) std::memcpy(reinterpret_cast<void*>(to), from, bytes);
+  if (result == 0) std::memcpy(At(to), from, bytes);
   return result;
 }
 int cuMemcpyDtoHAsync_v2(void* to, std::uint64_t from, std::size_t bytes, void*) {
   const int result = Enter("cuMemcpyDtoHAsync");
-  if (result == 0) std::memcpy(to, reinterpret_cast<const void*>(from), bytes);
+  if (result == 0) std::memcpy(to, At(from), bytes);
   return result;
 }
 int cuMemcpyDtoDAsync_v2(std::uint64_t to, std::uint64_t from, std::size_t bytes, void*) {
   const int result = Enter("cuMemcpyDtoDAsync");
-  if (result == 0) {
-    std::memcpy(reinterpret_cast<void*>(to), reinterpret_cast<const void*>(from), bytes);
-  }
+  if (result == 0) std::memcpy(At(to), At(from), bytes);
   return result;
 }
 int cuLinkCreate_v2(unsigned count, int* options, void** values, void** state) {
@@ -187,7 +190,7 @@ int cuLinkCreate_v2(unsigned count, int* options, void** values, void** state) {
   // What the linker says goes where the options point.
   if (count == 2 && options[0] == 5 && options[1] == 6 &&
       values[1] == reinterpret_cast<void*>(8192)) {
-    std::strcpy(static_cast<char*>(values[0]), "what the linker says");
+    std::snprintf(static_cast<char*>(values[0]), 8192, "what the linker says");
   }
   ++driver.links;
   *state = std::make_unique<Link>().release();

@@ -32,7 +32,7 @@ struct Driver {
   int modules = 0;
   int links = 0;
   int current = 0;  ///< depth of the stack of contexts
-  std::map<std::uint64_t, std::size_t> memory;
+  std::map<std::uint64_t, std::vector<std::uint8_t>> memory;
 
   int linked = 0;  ///< modules ever linked
   std::vector<Launch> launches;
