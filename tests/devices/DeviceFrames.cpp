@@ -1,5 +1,6 @@
 #include "tests/devices/DeviceFrames.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -167,6 +168,22 @@ void ExpectSameBits(const Pixels& actual, const Pixels& expected) {
       if (std::isnan(a) && std::isnan(e)) continue;
       ASSERT_EQ(std::bit_cast<std::uint32_t>(a), std::bit_cast<std::uint32_t>(e))
           << "pixel " << i << " channel " << c << ": " << a << " and not " << e;
+    }
+  }
+}
+
+void ExpectComputed(const IL::GpuDevice& device, const Pixels& actual, const Pixels& expected) {
+  SCOPED_TRACE(testing::Message() << device.Info().name);
+  if (device.Info().isExact) return ExpectSameBits(actual, expected);
+  ASSERT_EQ(actual.size(), expected.size());
+  for (std::size_t i = 0; i < actual.size(); ++i) {
+    float largest = 0.0F;
+    for (const float channel : expected[i]) largest = std::max(largest, std::abs(channel));
+    const bool isOrdinary =
+        largest > 1e-6F && largest < 1e6F &&
+        std::none_of(expected[i].begin(), expected[i].end(), [](float x) { return std::isnan(x); });
+    for (std::size_t c = 0; isOrdinary && c < 4; ++c) {
+      ASSERT_NEAR(actual[i][c], expected[i][c], 1e-4F * largest) << "pixel " << i;
     }
   }
 }

@@ -38,3 +38,8 @@ Pixels RoundedToHalf(Pixels pixels);
 
 /// Expects the same bits in every float, where any NaN is as good as another.
 void ExpectSameBits(const Pixels& actual, const Pixels& expected);
+
+/// Expects of a device's results the bits of the processor; of a device whose arithmetic is not
+/// exact only that channels lie within a ten-thousandth of the pixel's largest, in pixels of
+/// ordinary numbers. A failure names the device.
+void ExpectComputed(const IL::GpuDevice& device, const Pixels& actual, const Pixels& expected);
