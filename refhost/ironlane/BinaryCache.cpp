@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -70,9 +69,8 @@ std::optional<BinaryCache::Binary> BinaryCache::Find(std::string_view key) const
       "Quillon kernels 1\n" + std::to_string(key.size()) + '\n' + std::string(key) + '\n';
   const auto lineEnd = text.find('\n', start.size());
   if (!text.starts_with(start) || lineEnd == std::string::npos) return std::nullopt;
-  const std::string_view stored = std::string_view(text).substr(lineEnd + 1);
-  Binary binary(stored.size());
-  std::memcpy(binary.data(), stored.data(), stored.size());
+  const auto stored = std::as_bytes(std::span(text).subspan(lineEnd + 1));
+  const Binary binary(stored.begin(), stored.end());
   if (HeaderOf(key, binary) != std::string_view(text).substr(0, lineEnd + 1)) return std::nullopt;
   return binary;
 }
