@@ -97,8 +97,8 @@ class CudaDevice final : public GpuDevice {
   void Free(std::uint64_t pointer) override {
     Call("cuMemFree", [&] {
       // What was given before may still be at work on it.
-      const CudaResult result = api_.StreamSynchronize(stream_);
-      return result == 0 ? api_.MemFree(pointer) : result;
+      api_.StreamSynchronize(stream_);
+      return api_.MemFree(pointer);
     });
   }
 

@@ -283,6 +283,18 @@ TEST_F(CudaDevices, LeaveNothingBehindAfterAFailure) {
   }
 }
 
+TEST_F(CudaDevices, FreeTheirMemoryThoughWaitingForTheWorkOnItFailed) {
+  {
+    const auto device = IL::OpenCudaDevice(0);
+    std::uint64_t pointer = 0;
+    ASSERT_EQ(device->Allocate(kBytes, pointer), 0);
+    driver_->failing = "cuStreamSynchronize";
+    device->Free(pointer);
+  }
+  EXPECT_EQ(driver_->calls["cuStreamSynchronize"], 2);
+  ExpectNothingHeld();
+}
+
 TEST_F(CudaDevices, TellMemoryThatIsUsedUpFromOtherFailures) {
   const auto device = IL::OpenCudaDevice(0);
   std::uint64_t pointer = 5;
