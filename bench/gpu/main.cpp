@@ -4,7 +4,6 @@
 //   quillon-gpu-bench [opencl:N|cuda:N] [OUTPUT.json]
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <functional>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "base/KernelSignatures.h"
+#include "bench/Timing.h"
 #include "gpu/KernelTarget.h"
 #include "host/KS/CreateFrames.h"
 #include "host/KS/FrameManipulators.h"
@@ -25,11 +25,6 @@
 namespace {
 
 using Device = std::shared_ptr<IL::GpuDevice>;
-
-/// Throws for a negative result code.
-void Check(int result, const std::string& what) {
-  if (result < 0) throw std::runtime_error(what + " failed");
-}
 
 struct Size {
   int width;
@@ -81,8 +76,7 @@ PX::VideoFrameRef MakeFrame(const Device& device, orvmediatypes::PixelFormat for
   return frame;
 }
 
-/// Support parameters that suit every kernel: those of BT.2390 from 1000 to 203 nits, whose first
-/// entries are a peak, a limit, weights or a knee to the others.
+/// Support parameters such as a picture of 1000 nits gives for a display of 203.
 Quillon::SupportVector ParamsFor(Quillon::KernelId kernel) {
   using enum Quillon::KernelId;
   switch (kernel) {
@@ -103,18 +97,12 @@ Quillon::SupportVector ParamsFor(Quillon::KernelId kernel) {
 }
 
 /// Seconds of `count` runs given to the device one after another.
-double SecondsOf(const Device& device, int count, const std::function<int()>& run) {
+double SecondsOnDevice(const Device& device, int count, const std::function<int()>& run) {
   Check(device->Finish(), "the device");
-  const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < count; ++i) Check(run(), "a launch");
-  Check(device->Finish(), "the device");
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
+  return SecondsOf([&] {
+    for (int i = 0; i < count; ++i) Check(run(), "a launch");
+    Check(device->Finish(), "the device");
+  });
 }
 
 /// Kernel and copy in turns, so that both meet the same clocks.
@@ -134,15 +122,15 @@ Measurement Measure(const Device& device, Quillon::KernelId kernel, const PX::Vi
   const auto copy = [&] { return device->Copy(view.pixels, target.pixels, view.Bytes()); };
 
   // As many at a time as take about a twentieth of a second.
-  SecondsOf(device, 1, run);
-  const double once = SecondsOf(device, 1, run);
+  SecondsOnDevice(device, 1, run);
+  const double once = SecondsOnDevice(device, 1, run);
   const int count = std::clamp(static_cast<int>(0.05 / once), 1, 200);
   std::vector<double> kernelSeconds;
   std::vector<double> copySeconds;
   const int rounds = std::clamp(static_cast<int>(1.0 / once), 1, 7);
   for (int round = 0; round < rounds; ++round) {
-    copySeconds.push_back(SecondsOf(device, count, copy) / count);
-    kernelSeconds.push_back(SecondsOf(device, count, run) / count);
+    copySeconds.push_back(SecondsOnDevice(device, count, copy) / count);
+    kernelSeconds.push_back(SecondsOnDevice(device, count, run) / count);
   }
   const double bytes = 2.0 * static_cast<double>(view.Bytes());
   return {std::string(Quillon::SignatureOf(kernel).name), frameName, bytes / Median(kernelSeconds),
@@ -193,8 +181,7 @@ void WriteJson(const std::string& path, const IL::DeviceInfo& info,
 /// The device of this name, "cuda:0" for example; without a name the first that runs kernels.
 Device Choose(const std::string& name) {
   for (const IL::DeviceInfo& info : IL::ListDevices()) {
-    const std::string itsName = (info.platformKind == IL::kPlatformCuda ? "cuda:" : "opencl:") +
-                                std::to_string(info.ordinal);
+    const std::string itsName = IL::DeviceName(info.platformKind, info.ordinal);
     if (!info.obstacle.empty() || (!name.empty() && name != itsName)) continue;
     std::cout << itsName << ": " << info.name << ", " << info.platform << ", driver " << info.driver
               << '\n';

@@ -10,6 +10,10 @@
 
 namespace IL {
 
+std::string DeviceName(std::int32_t platformKind, std::int32_t ordinal) {
+  return (platformKind == kPlatformCuda ? "cuda:" : "opencl:") + std::to_string(ordinal);
+}
+
 std::vector<DeviceInfo> ListDevices() {
   std::vector<DeviceInfo> devices = ListCudaDevices();
   const std::vector<DeviceInfo> others = ListOpenClDevices();

@@ -1,11 +1,15 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "refhost/ironlane/GpuDevice.h"
 
 namespace IL {
+
+/// The name of a device, "opencl:0" for example.
+std::string DeviceName(std::int32_t platformKind, std::int32_t ordinal);
 
 /// All devices, those of CUDA first. Those that cannot run kernels are among them and say why.
 std::vector<DeviceInfo> ListDevices();

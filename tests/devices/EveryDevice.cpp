@@ -1,11 +1,13 @@
 #include "tests/devices/EveryDevice.h"
 
-std::string TestDevice::Name() const {
-  return (platformKind == IL::kPlatformCuda ? "cuda:" : "opencl:") + std::to_string(ordinal);
-}
+#include <algorithm>
+
+std::string TestDevice::Name() const { return IL::DeviceName(platformKind, ordinal); }
 
 std::string TestDevice::TestName() const {
-  return (platformKind == IL::kPlatformCuda ? "cuda_" : "opencl_") + std::to_string(ordinal);
+  std::string name = Name();
+  std::replace(name.begin(), name.end(), ':', '_');
+  return name;
 }
 
 std::shared_ptr<IL::GpuDevice> TestDevice::Open() const {

@@ -54,8 +54,7 @@ DeviceChoice ParseDevice(const std::string& text) {
 }
 
 std::string DeviceName(const IL::DeviceInfo& info) {
-  return (info.platformKind == IL::kPlatformCuda ? "cuda:" : "opencl:") +
-         std::to_string(info.ordinal);
+  return IL::DeviceName(info.platformKind, info.ordinal);
 }
 
 std::shared_ptr<IL::GpuDevice> OpenChosenDevice(const DeviceChoice& choice) {
