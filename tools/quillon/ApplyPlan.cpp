@@ -8,6 +8,9 @@
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/Frames.h"
 
+using orvmediatypes::color::ColorDescription;
+using orvmediatypes::color::ColorSpace;
+
 namespace {
 
 std::string HexCode(int code) {
@@ -27,22 +30,58 @@ void ApplyOrThrow(const PX::VideoFrameRef& source, const MapPlan& plan, const st
       name + ": the engine refused with " + HexCode(result) + (said.empty() ? "" : ": " + said));
 }
 
+/// Through frames on the plan's device.
+void ApplyOnDevice(const PX::VideoFrameRef& source, const MapPlan& plan, const std::string& name,
+                   PX::VideoFrameRef& result) {
+  const orvcore::geom::Bounds bounds = source->GetBounds();
+  const PX::VideoFrameRef from =
+      MakeFloatFrameOn(plan.device, bounds.width, bounds.height, source->GetColorSpace());
+  PX::VideoFrameRef to =
+      MakeFloatFrameOn(plan.device, bounds.width, bounds.height, result->GetColorSpace());
+  MovePixels(source, from);
+  ApplyOrThrow(from, plan, name, to);
+  MovePixels(to, result);
+}
+
+/// A float BGRA frame, mapped into a new one in the destination's colour space.
+PX::VideoFrameRef ApplyToFloat(const MapPlan& plan, const std::string& name,
+                               const PX::VideoFrameRef& source) {
+  const orvcore::geom::Bounds bounds = source->GetBounds();
+  PX::VideoFrameRef result = MakeFloatFrame(bounds.width, bounds.height,
+                                            plan.settings.toneMapSettings.destinationColorSpace);
+  if (plan.device != nullptr) {
+    ApplyOnDevice(source, plan, name, result);
+  } else {
+    ApplyOrThrow(source, plan, name, result);
+  }
+  return result;
+}
+
+/// Whether two colour spaces differ in how they are coded alone.
+bool AreSameColors(const ColorDescription& one, const ColorDescription& other) {
+  return one.primaries == other.primaries && one.transfer == other.transfer &&
+         one.chromaticities == other.chromaticities;
+}
+
 }  // namespace
 
 PX::VideoFrameRef ApplyPlan(const MapPlan& plan, const std::string& name) {
-  const FloatPixels pixels = ViewFloatPixels(plan.source);
-  const auto& colorSpace = plan.settings.toneMapSettings.destinationColorSpace;
-  PX::VideoFrameRef result = MakeFloatFrame(pixels.width, pixels.height, colorSpace);
-  if (plan.device == nullptr) {
-    ApplyOrThrow(plan.source, plan, name, result);
-    return result;
+  return ApplyToFloat(plan, name, plan.source);
+}
+
+void ApplyPlanTo(const MapPlan& plan, const std::string& name, const PX::VideoFrameRef& source,
+                 PX::VideoFrameRef& destination) {
+  const ColorSpace& engineSpace = plan.settings.toneMapSettings.sourceColorSpace;
+  if (plan.device == nullptr && AreSameColors(plan.taggedSource, engineSpace.Description())) {
+    ColorDescription coded = engineSpace.Description();
+    coded.matrix = plan.taggedSource.matrix;
+    coded.fullRange = plan.taggedSource.fullRange;
+    coded.chromaLocation = plan.taggedSource.chromaLocation;
+    source->SetColorSpace(ColorSpace(coded));
+    ApplyOrThrow(source, plan, name, destination);
+    return;
   }
-  const PX::VideoFrameRef source =
-      MakeFloatFrameOn(plan.device, pixels.width, pixels.height, plan.source->GetColorSpace());
-  PX::VideoFrameRef destination =
-      MakeFloatFrameOn(plan.device, pixels.width, pixels.height, colorSpace);
-  MovePixels(plan.source, source);
-  ApplyOrThrow(source, plan, name, destination);
-  MovePixels(destination, result);
-  return result;
+  source->SetColorSpace(ColorSpace(plan.taggedSource));
+  const PX::VideoFrameRef floats = ConvertToFloat(source, engineSpace, plan.white);
+  CopyConverted(ApplyToFloat(plan, name, floats), destination, plan.white);
 }

@@ -4,16 +4,13 @@
 #include <iostream>
 #include <memory>
 
-#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/ChartClip.h"
 #include "tools/quillon/ChartScene.h"
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/Frames.h"
 #include "tools/quillon/LightLevels.h"
+#include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/io/WriteStill.h"
-
-using orvmediatypes::color::ColorDescription;
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
@@ -24,6 +21,9 @@ struct ChartOptions {
   int width = 1920;
   int height = 1080;
   bool overwrite = false;
+  bool video = false;
+  bool hlg = false;
+  int frames = 48;
 };
 
 void ParseSize(const std::string& text, ChartOptions& options) {
@@ -41,18 +41,18 @@ void ParseSize(const std::string& text, ChartOptions& options) {
   }
 }
 
-/// BT.2100 PQ with the mastering display that the scene is made for.
-ColorSpace ChartPQ() {
-  ColorDescription description = ColorSpaceOfName("bt2100-pq");
-  if (const auto primaries = H273::ChromaticitiesOf(ColorSpace(description))) {
-    description.masteringChromaticities = *primaries;
-  }
-  description.masteringMaxLuminance = static_cast<float>(kChartPeakNits);
-  description.masteringMinLuminance = 0.0001F;
-  return ColorSpace(description);
+void RunChartClip(const ChartOptions& options) {
+  const ChartClip clip{options.output, options.width, options.height,
+                       options.frames, options.hlg,   options.overwrite};
+  const ChartClipLight light = WriteChartClip(clip);
+  std::cout << options.output.string() << ": HDR chart, " << Counted(options.frames, "frame")
+            << ", " << options.width << 'x' << options.height << ", "
+            << (options.hlg ? "BT.2100 HLG" : "HDR10") << ", peak " << light.maxCLL
+            << " nits, largest average " << light.maxFALL << " nits\n";
 }
 
 void RunChart(const ChartOptions& options) {
+  if (options.video) return RunChartClip(options);
   CheckStillTarget(options.output, options.overwrite);
   const PX::VideoFrameRef scene = RenderChart(options.width, options.height, kWhite);
   const LightLevels levels = MeasureLightLevels(scene, kWhite);
@@ -76,13 +76,22 @@ Subcommand AddChartCommand(CLI::App& app) {
   chart
       .add_option(
           "OUTPUT", options->output,
-          "Picture to write: EXR (linear light, 1.0 = 203 nits), or PNG or AVIF (BT.2100 PQ)")
+          "Picture to write: EXR (linear light, 1.0 = 203 nits), or PNG or AVIF (BT.2100 PQ); with "
+          "--video an MP4, MOV or MKV clip")
       ->required();
   chart
       .add_option_function<std::string>(
           "--size", [options](const std::string& text) { ParseSize(text, *options); },
           "Width and height in pixels (1920x1080 when not given)")
       ->type_name("WxH");
+  CLI::Option* video =
+      chart.add_flag("--video", options->video, "Write a clip in HDR10: a day and a night scene");
+  chart.add_flag("--hlg", options->hlg, "Write the clip in BT.2100 HLG, to 1000 nits")
+      ->needs(video);
+  chart.add_option("--frames", options->frames, "Frames of the clip")
+      ->check(CLI::Range(1, 100000))
+      ->capture_default_str()
+      ->needs(video);
   chart.add_flag("--overwrite", options->overwrite, "Replace an output that exists");
   return [options] { RunChart(*options); };
 }

@@ -7,7 +7,11 @@
 
 #include "host/CHR/TransferFunctions.h"
 #include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Frames.h"
+
+using orvmediatypes::color::ColorDescription;
+using orvmediatypes::color::ColorSpace;
 
 namespace {
 
@@ -101,6 +105,7 @@ Light DarkCorner(double u, double v) {
 struct Region {
   double left, top, right, bottom;
   Light (*paint)(double u, double v);
+  bool moves = false;
 };
 
 constexpr std::array<Region, 6> kRegions = {{
@@ -108,16 +113,17 @@ constexpr std::array<Region, 6> kRegions = {{
     {0.02, 0.17, 0.98, 0.33, FlatPatches},
     {0.02, 0.36, 0.34, 0.97, SaturatedRamps},
     {0.36, 0.36, 0.66, 0.97, HueSweep},
-    {0.68, 0.36, 0.98, 0.70, Highlight},
+    {0.68, 0.36, 0.98, 0.70, Highlight, true},
     {0.68, 0.72, 0.98, 0.97, DarkCorner},
 }};
 
 constexpr double kBackgroundNits = 5.0;
 
-Light PaintPoint(double x, double y) {
+Light PaintPoint(double x, double y, const ChartMoment& moment) {
   for (const Region& region : kRegions) {
     if (x < region.left || x >= region.right || y < region.top || y >= region.bottom) continue;
-    return region.paint((x - region.left) / (region.right - region.left),
+    const double shift = region.moves ? moment.shift : 0.0;
+    return region.paint((x - region.left) / (region.right - region.left) - shift,
                         (y - region.top) / (region.bottom - region.top));
   }
   return Grey(kBackgroundNits);
@@ -125,16 +131,27 @@ Light PaintPoint(double x, double y) {
 
 }  // namespace
 
-PX::VideoFrameRef RenderChart(int width, int height, int white) {
-  orvmediatypes::color::ColorDescription linear;
+ColorSpace ChartPQ() {
+  ColorDescription description = ColorSpaceOfName("bt2100-pq");
+  if (const auto primaries = H273::ChromaticitiesOf(ColorSpace(description))) {
+    description.masteringChromaticities = *primaries;
+  }
+  description.masteringMaxLuminance = static_cast<float>(kChartPeakNits);
+  description.masteringMinLuminance = 0.0001F;
+  return ColorSpace(description);
+}
+
+PX::VideoFrameRef RenderChart(int width, int height, int white, const ChartMoment& moment) {
+  ColorDescription linear;
   linear.primaries = H273::kPrimariesBT2020;
   linear.transfer = H273::kTransferLinear;
-  PX::VideoFrameRef frame = MakeFloatFrame(width, height, orvmediatypes::color::ColorSpace(linear));
+  PX::VideoFrameRef frame = MakeFloatFrame(width, height, ColorSpace(linear));
   const FloatPixels pixels = ViewFloatPixels(frame);
   for (int y = 0; y < height; ++y) {
     float* pixel = pixels.Row(y);
     for (int x = 0; x < width; ++x, pixel += 4) {
-      const Light light = Scaled(PaintPoint((x + 0.5) / width, (y + 0.5) / height), 1.0 / white);
+      const Light light =
+          Scaled(PaintPoint((x + 0.5) / width, (y + 0.5) / height, moment), moment.light / white);
       pixel[0] = static_cast<float>(light.blue);
       pixel[1] = static_cast<float>(light.green);
       pixel[2] = static_cast<float>(light.red);

@@ -12,6 +12,7 @@ enum class ExitCode : int {
   NotSupported = 4,
   CannotWrite = 5,
   EngineRefused = 6,
+  Interrupted = 130,
 };
 
 /// Ends a command with an exit code and a sentence for the user.

@@ -52,17 +52,21 @@ void MovePixels(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to) {
   }
 }
 
+void CopyConverted(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to, int white) {
+  if (KS::VideoFrameManipulators::CopyFrame(from, to, kQuality, ColorManagementFor(white)) >= 0) {
+    return;
+  }
+  throw CommandError(ExitCode::NotSupported,
+                     "no conversion from " +
+                         DescribeColorSpace(from->GetColorSpace().Description()) + " to " +
+                         DescribeColorSpace(to->GetColorSpace().Description()));
+}
+
 PX::VideoFrameRef ConvertToFloat(const PX::VideoFrameRef& frame, const ColorSpace& colorSpace,
                                  int white) {
   const orvcore::geom::Bounds bounds = frame->GetBounds();
   PX::VideoFrameRef converted = MakeFloatFrame(bounds.width, bounds.height, colorSpace);
-  if (KS::VideoFrameManipulators::CopyFrame(frame, converted, kQuality, ColorManagementFor(white)) <
-      0) {
-    throw CommandError(ExitCode::NotSupported,
-                       "no conversion from " +
-                           DescribeColorSpace(frame->GetColorSpace().Description()) + " to " +
-                           DescribeColorSpace(colorSpace.Description()));
-  }
+  CopyConverted(frame, converted, white);
   return converted;
 }
 

@@ -18,6 +18,10 @@ PX::VideoFrameRef MakeFloatFrame(int width, int height,
 PX::VideoFrameRef ConvertToFloat(const PX::VideoFrameRef& frame,
                                  const orvmediatypes::color::ColorSpace& colorSpace, int white);
 
+/// Copies a frame into another one in system memory, into its format and colour space. Throws
+/// CommandError.
+void CopyConverted(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to, int white);
+
 /// A new float BGRA frame on a device, contents undefined. Throws CommandError.
 PX::VideoFrameRef MakeFloatFrameOn(const std::shared_ptr<IL::GpuDevice>& device, int width,
                                    int height, const orvmediatypes::color::ColorSpace& colorSpace);

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "host/CHR/Conversion.h"
+#include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/Frames.h"
 
 namespace {
@@ -31,4 +32,10 @@ LightLevels MeasureLightLevels(const PX::VideoFrameRef& frame, int white) {
   }
   const double count = static_cast<double>(pixels.width) * pixels.height;
   return {peak * white, sum / count * white};
+}
+
+ContentLight LightOfResult(const PX::VideoFrameRef& result, int white) {
+  if (result->GetColorSpace().Description().transfer != H273::kTransferPQ) return {};
+  const LightLevels levels = MeasureLightLevels(result, white);
+  return {static_cast<float>(levels.peakNits), static_cast<float>(levels.averageNits)};
 }

@@ -41,3 +41,11 @@ void CheckMapOptions(const MapOptions& options) {
          "--white (" +
              std::to_string(options.white) + " nits)");
 }
+
+void CheckStillOptions(const MapOptions& options) {
+  const std::string given = options.clip.FirstGiven();
+  Refuse(!given.empty(), given + " is for clips; " + options.input.string() +
+                             " is a still, on which it has no effect");
+  Refuse(options.peakSource == PeakSource::Scenes,
+         "--peak scenes is for clips; a still is measured with --peak measure");
+}

@@ -7,9 +7,10 @@
 #include "host/orvmediatypes/AlgorithmTypes.h"
 #include "host/orvmediatypes/ColorSpace.h"
 #include "tools/quillon/DeviceChoice.h"
+#include "tools/quillon/clip/ClipOptions.h"
 
 /// Where the source peak comes from.
-enum class PeakSource { Default, Number, Metadata, Measure };
+enum class PeakSource { Default, Number, Metadata, Measure, Scenes };
 
 /// What `quillon map` was asked for, each value checked on its own.
 struct MapOptions {
@@ -37,6 +38,7 @@ struct MapOptions {
   bool explain = false;
   bool overwrite = false;
   bool quiet = false;
+  ClipOptions clip;
 };
 
 /// Whether the algorithm's curve reads the knee.
@@ -44,3 +46,6 @@ bool HasKnee(orvmediatypes::color::ToneMapAlgorithmType algorithm);
 
 /// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
 void CheckMapOptions(const MapOptions& options);
+
+/// The same for options that are for clips alone.
+void CheckStillOptions(const MapOptions& options);

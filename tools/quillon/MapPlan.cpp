@@ -10,7 +10,7 @@
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/Frames.h"
-#include "tools/quillon/SourcePeak.h"
+#include "tools/quillon/LightLevels.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
@@ -18,18 +18,6 @@ using orvmediatypes::color::ToneMapAlgorithmType;
 using PX::ToneMappingUtils::ToneMapSettings;
 
 namespace {
-
-ColorDescription TaggedSource(const MapOptions& options, const Still& still) {
-  const ColorDescription file = still.frame->GetColorSpace().Description();
-  if (!options.source.has_value()) return file;
-  ColorDescription tagged = file;
-  tagged.primaries = options.source->primaries;
-  tagged.transfer = options.source->transfer;
-  tagged.chromaticities = {};
-  const bool fileTellsMatrix = file.matrix != 0 && file.matrix != H273::kUnspecified;
-  if (options.sourceTellsMatrix || !fileTellsMatrix) tagged.matrix = options.source->matrix;
-  return tagged;
-}
 
 void RequireTags(const MapOptions& options, const ColorDescription& tagged) {
   const auto tells = [](std::uint8_t point) { return point != 0 && point != H273::kUnspecified; };
@@ -83,28 +71,26 @@ void RequireDestination(const ColorSpace& source, const ColorSpace& destination,
 }
 
 /// The peak as a signal value of the source.
-float EncodePeak(const SourcePeak& peak, const ColorSpace& source, int white) {
-  const auto linear = static_cast<float>(peak.nits / white);
+float EncodePeak(double nits, const ColorSpace& source, int white) {
+  const auto linear = static_cast<float>(nits / white);
   std::array<float, 4> pixel = {linear, linear, linear, 1.0F};
   const int result = CHR::ConvertFrame(
       pixel.data(), pixel.data(), 1, 1, CHR::ORVColorSpaceToEquivalentLinearColorSpace(source),
       orvmediatypes::kLinearFloatBGRA, sizeof(pixel), source, orvmediatypes::kLinearFloatBGRA,
       sizeof(pixel), ColorManagementFor(white));
   if (result < 0 || !std::isfinite(pixel[0])) {
-    throw CommandError(ExitCode::NotSupported, "a peak of " + std::to_string(peak.nits) +
+    throw CommandError(ExitCode::NotSupported, "a peak of " + std::to_string(nits) +
                                                    " nits cannot be expressed in " +
                                                    DescribeColorSpace(source.Description()));
   }
   return pixel[0];
 }
 
-ToneMapSettings ToneMapSettingsFor(const MapOptions& options, const ColorSpace& source,
-                                   const SourcePeak& peak) {
+ToneMapSettings ToneMapSettingsFor(const MapOptions& options, const ColorSpace& source) {
   ToneMapSettings settings;
   settings.sourceColorSpace = source;
   settings.destinationColorSpace = EngineDestination(options);
   settings.colorManagementSettings = ColorManagementFor(options.white);
-  settings.controls.peak = EncodePeak(peak, source, options.white);
   settings.controls.peakGain = options.gain.value_or(settings.controls.peakGain);
   settings.controls.colorPreservation =
       options.colorPreservation.value_or(settings.controls.colorPreservation);
@@ -118,30 +104,71 @@ double DestinationPeakNits(const ColorSpace& destination, int white) {
   return nits > 0 ? nits : white;
 }
 
-}  // namespace
-
-MapPlan PlanMap(const MapOptions& options, const Still& still) {
+/// All but the peak.
+MapPlan BeginPlan(const MapOptions& options, const ColorDescription& file) {
   MapPlan plan;
   plan.white = options.white;
   plan.device = OpenChosenDevice(options.device);
-  plan.taggedSource = TaggedSource(options, still);
-  RequireTags(options, plan.taggedSource);
-
-  const PX::VideoFrameRef& picture = still.frame;
-  picture->SetColorSpace(ColorSpace(plan.taggedSource));
+  plan.taggedSource = TaggedColors(options, file);
   const ColorSpace source = EngineSource(plan.taggedSource, options.algorithm);
   RequireDestination(source, EngineDestination(options), options.white);
-  plan.source = ConvertToFloat(picture, source, options.white);
-
-  const SourcePeak peak = ChooseSourcePeak(options, still, plan.taggedSource, plan.source);
-  plan.sourcePeakNits = peak.nits;
-  plan.peakOrigin = peak.origin;
-
   plan.settings.algorithmType = options.gamut;
-  plan.settings.toneMapSettings = ToneMapSettingsFor(options, source, peak);
+  plan.settings.toneMapSettings = ToneMapSettingsFor(options, source);
   plan.destinationPeakNits =
       DestinationPeakNits(plan.settings.toneMapSettings.destinationColorSpace, options.white);
-  plan.toneMapApplies = CHR::IsToneMappingApplicable(plan.settings.toneMapSettings);
-  plan.gamutApplies = CHR::IsGamutCompressionApplicable(plan.settings);
   return plan;
+}
+
+}  // namespace
+
+ColorDescription TaggedColors(const MapOptions& options, const ColorDescription& file) {
+  ColorDescription tagged = file;
+  if (options.source.has_value()) {
+    tagged.primaries = options.source->primaries;
+    tagged.transfer = options.source->transfer;
+    tagged.chromaticities = {};
+    const bool fileTellsMatrix = file.matrix != 0 && file.matrix != H273::kUnspecified;
+    if (options.sourceTellsMatrix || !fileTellsMatrix) tagged.matrix = options.source->matrix;
+  }
+  RequireTags(options, tagged);
+  return tagged;
+}
+
+bool NeedsMeasuring(const MapOptions& options, const ColorDescription& colors,
+                    const ContentLight& light) {
+  bool measures = false;
+  ChooseSourcePeak(options, TaggedColors(options, colors), light, [&measures] {
+    measures = true;
+    return 0.0;
+  });
+  return measures;
+}
+
+MapPlan PlanMap(const MapOptions& options, const Still& still) {
+  MapPlan plan = BeginPlan(options, still.frame->GetColorSpace().Description());
+  still.frame->SetColorSpace(ColorSpace(plan.taggedSource));
+  plan.source =
+      ConvertToFloat(still.frame, plan.settings.toneMapSettings.sourceColorSpace, options.white);
+  const auto measurePeak = [&] { return MeasureLightLevels(plan.source, options.white).peakNits; };
+  const SourcePeak peak = ChooseSourcePeak(options, plan.taggedSource, still.light, measurePeak);
+  plan.peakOrigin = peak.origin;
+  return WithPeak(plan, peak.nits);
+}
+
+MapPlan PlanClip(const MapOptions& options, const ColorDescription& colors,
+                 const ContentLight& light, const PeakMeasurement& measurePeak) {
+  MapPlan plan = BeginPlan(options, colors);
+  const SourcePeak peak = ChooseSourcePeak(options, plan.taggedSource, light, measurePeak);
+  plan.peakOrigin = peak.origin;
+  return WithPeak(plan, peak.nits);
+}
+
+MapPlan WithPeak(const MapPlan& plan, double nits) {
+  MapPlan changed = plan;
+  ToneMapSettings& settings = changed.settings.toneMapSettings;
+  changed.sourcePeakNits = nits;
+  settings.controls.peak = EncodePeak(nits, settings.sourceColorSpace, plan.white);
+  changed.toneMapApplies = CHR::IsToneMappingApplicable(settings);
+  changed.gamutApplies = CHR::IsGamutCompressionApplicable(changed.settings);
+  return changed;
 }

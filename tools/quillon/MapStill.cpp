@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/ApplyPlan.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Explain.h"
@@ -12,13 +11,6 @@
 #include "tools/quillon/io/WriteStill.h"
 
 namespace {
-
-/// A PQ file tells the light levels that it now has; other files carry none.
-ContentLight LightOfResult(const PX::VideoFrameRef& result, int white) {
-  if (result->GetColorSpace().Description().transfer != H273::kTransferPQ) return {};
-  const LightLevels levels = MeasureLightLevels(result, white);
-  return {static_cast<float>(levels.peakNits), static_cast<float>(levels.averageNits)};
-}
 
 void Summarise(std::ostream& out, const MapOptions& options, const MapPlan& plan) {
   out << options.input.string() << " -> " << options.output.string() << ": "
@@ -31,14 +23,6 @@ void NoteOtherWhite(std::ostream& notes, const MapOptions& options, const Still&
   if (still.whiteNits <= 0.0F || still.whiteNits == static_cast<float>(options.white)) return;
   notes << "note: the file says that its 1.0 is " << still.whiteNits << " nits; it is mapped as "
         << options.white << " nits, which --white changes\n";
-}
-
-void NoteOptionsWithoutEffect(std::ostream& notes, const MapOptions& options, const MapPlan& plan) {
-  if (plan.toneMapApplies) return;
-  if (!options.gain && !options.knee && !options.colorPreservation) return;
-  notes << "note: the source peak (" << plan.sourcePeakNits
-        << " nits), with its gain, is not above the destination's (" << plan.destinationPeakNits
-        << " nits): nothing is tone mapped, and --gain, --knee and --preserve have no effect\n";
 }
 
 }  // namespace

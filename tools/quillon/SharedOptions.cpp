@@ -16,7 +16,8 @@ void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string&
   CLI::Option* to =
       app.add_option_function<std::string>(
              "--to", [&](const std::string& name) { options.destination = ColorSpaceOfName(name); },
-             "Colour space of the result: " + ColorSpaceNames() + " (srgb when not given)")
+             "Colour space of the result: " + ColorSpaceNames() +
+                 " (when not given: srgb, for clips bt709)")
           ->type_name(names);
   app.add_option_function<std::string>(
          "--to-cicp",

@@ -4,15 +4,15 @@
 
 #include "host/PX/ColorSpaceUtils.h"
 #include "tools/quillon/ExitCodes.h"
-#include "tools/quillon/LightLevels.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
 namespace {
 
-std::optional<SourcePeak> PeakOfMetadata(const Still& still, const ColorDescription& tagged) {
-  if (still.light.maxCLL > 0) return SourcePeak{still.light.maxCLL, "MaxCLL of the file"};
+std::optional<SourcePeak> PeakOfMetadata(const ContentLight& light,
+                                         const ColorDescription& tagged) {
+  if (light.maxCLL > 0) return SourcePeak{light.maxCLL, "MaxCLL of the file"};
   if (tagged.masteringMaxLuminance > 0.0F) {
     return SourcePeak{tagged.masteringMaxLuminance, "mastering display of the file"};
   }
@@ -30,29 +30,26 @@ std::optional<SourcePeak> NominalPeak(const ColorDescription& tagged, int white)
   return std::nullopt;
 }
 
-SourcePeak MeasuredPeak(const PX::VideoFrameRef& frame, int white) {
-  return {MeasureLightLevels(frame, white).peakNits, "measured"};
-}
-
 }  // namespace
 
-SourcePeak ChooseSourcePeak(const MapOptions& options, const Still& still,
-                            const ColorDescription& tagged, const PX::VideoFrameRef& frame) {
+SourcePeak ChooseSourcePeak(const MapOptions& options, const ColorDescription& tagged,
+                            const ContentLight& light, const PeakMeasurement& measurePeak) {
   switch (options.peakSource) {
     case PeakSource::Number:
       return {options.peakNits, "given"};
     case PeakSource::Measure:
-      return MeasuredPeak(frame, options.white);
+    case PeakSource::Scenes:
+      return SourcePeak{measurePeak(), "measured"};
     case PeakSource::Metadata:
     case PeakSource::Default:
       break;
   }
-  if (const auto peak = PeakOfMetadata(still, tagged)) return *peak;
+  if (const auto peak = PeakOfMetadata(light, tagged)) return *peak;
   if (const auto peak = NominalPeak(tagged, options.white)) return *peak;
   if (options.peakSource == PeakSource::Metadata) {
     throw CommandError(ExitCode::Usage, options.input.string() +
                                             " carries no light-level metadata; use --peak "
                                             "measure, or --peak with a number of nits");
   }
-  return MeasuredPeak(frame, options.white);
+  return SourcePeak{measurePeak(), "measured"};
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
-#include "host/PX/IVideoFrame.h"
 #include "tools/quillon/MapOptions.h"
 #include "tools/quillon/io/Still.h"
 
@@ -12,9 +12,12 @@ struct SourcePeak {
   std::string origin;
 };
 
+/// Measures the peak of what is to be mapped, in nits.
+using PeakMeasurement = std::function<double()>;
+
 /// The peak to map from: what the options say; without that the file's metadata (MaxCLL, else the
 /// mastering display's peak), else measured for scene-linear pictures, else the transfer's nominal
-/// peak. `frame` is the picture to measure. Throws CommandError.
-SourcePeak ChooseSourcePeak(const MapOptions& options, const Still& still,
+/// peak. Throws CommandError, and what the measurement throws.
+SourcePeak ChooseSourcePeak(const MapOptions& options,
                             const orvmediatypes::color::ColorDescription& tagged,
-                            const PX::VideoFrameRef& frame);
+                            const ContentLight& light, const PeakMeasurement& measurePeak);

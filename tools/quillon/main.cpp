@@ -5,6 +5,7 @@
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/io/StillError.h"
+#include "tools/quillon/video/AvLog.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ ExitCode RunCommandLine(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(
       "Exit codes: 0 done; 1 internal error; 2 usage; 3 input cannot be read; 4 not supported;\n"
-      "5 output cannot be written; 6 the engine refused.\n"
+      "5 output cannot be written; 6 the engine refused; 130 stopped by Ctrl-C.\n"
       "'quillon COMMAND --help' tells the options of a command.");
   const Subcommand map = AddMapCommand(app);
   const Subcommand chart = AddChartCommand(app);
@@ -55,6 +56,7 @@ int Fail(ExitCode code, const char* message) {
 
 /// Every failure ends as one line and an exit code.
 int main(int argc, char** argv) {
+  QuietAvLog();
   try {
     return static_cast<int>(RunCommandLine(argc, argv));
   } catch (const CommandError& error) {

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <new>
+#include <span>
 #include <string_view>
 
 #include "tools/quillon/io/Still.h"
@@ -23,8 +25,7 @@ constexpr std::array<Signature, 4> kSignatures{{
     {4, {"ftyp", 4}, ReadAvif},
 }};
 
-bool Matches(const Signature& signature, const StillSource& source) {
-  const auto& bytes = source.bytes;
+bool Matches(const Signature& signature, std::span<const std::uint8_t> bytes) {
   return bytes.size() >= signature.offset + signature.bytes.size() &&
          std::equal(signature.bytes.begin(), signature.bytes.end(),
                     bytes.begin() + static_cast<std::ptrdiff_t>(signature.offset),
@@ -33,14 +34,33 @@ bool Matches(const Signature& signature, const StillSource& source) {
 
 Still ReadKnown(const StillSource& source) {
   for (const Signature& signature : kSignatures) {
-    if (Matches(signature, source)) return signature.read(source);
+    if (Matches(signature, source.bytes)) return signature.read(source);
   }
   if (source.bytes.size() < 12) FailDamaged(source, "it is too short for a picture");
   FailNotSupported(source, "it is no EXR, Radiance HDR, PNG or AVIF file",
                    "convert it to one of these formats");
 }
 
+/// Movie files begin like AVIF, with other brands.
+bool IsMovie(std::span<const std::uint8_t> head) {
+  if (!Matches(kSignatures.back(), head) || head.size() < 12) return false;
+  const std::string_view brand(reinterpret_cast<const char*>(head.data()) + 8, 4);
+  constexpr std::array<std::string_view, 6> kPictureBrands = {"avif", "avis", "mif1",
+                                                              "msf1", "heic", "heix"};
+  return std::find(kPictureBrands.begin(), kPictureBrands.end(), brand) == kPictureBrands.end();
+}
+
 }  // namespace
+
+bool IsStill(const std::filesystem::path& path) {
+  std::array<std::uint8_t, 16> bytes{};
+  std::ifstream file(path, std::ios::binary);
+  file.read(reinterpret_cast<char*>(bytes.data()), bytes.size());
+  const std::span<const std::uint8_t> head(bytes.data(), static_cast<std::size_t>(file.gcount()));
+  return !IsMovie(head) &&
+         std::any_of(kSignatures.begin(), kSignatures.end(),
+                     [head](const Signature& signature) { return Matches(signature, head); });
+}
 
 Still ReadStill(const std::filesystem::path& path) {
   try {

@@ -33,3 +33,6 @@ struct Still {
 /// Reads an EXR, Radiance HDR, PNG or AVIF file, told apart by its first bytes. At most 65535
 /// pixels wide and high and 2^28 pixels in all. Throws StillError.
 Still ReadStill(const std::filesystem::path& path);
+
+/// Whether a file exists and begins as a still that is read here, by its first bytes.
+bool IsStill(const std::filesystem::path& path);

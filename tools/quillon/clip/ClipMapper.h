@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/quillon/MapPlan.h"
+#include "tools/quillon/clip/ClipPicture.h"
+#include "tools/quillon/clip/LevelsFile.h"
+
+/// Maps the pictures of a clip by one plan. Where the colour tags change in mid-clip the plan is
+/// made anew; where the clip has scenes, each is mapped from its own peak. One thread.
+class ClipMapper {
+ public:
+  /// `levels` are the measured levels of the clip, where the options ask for them.
+  ClipMapper(const MapOptions& options, const ClipTags& tags, std::optional<ClipLevels> levels);
+
+  /// For the first picture.
+  const MapPlan& Plan() const { return plan_; }
+  /// Empty: the whole clip is mapped alike.
+  const std::vector<ClipScene>& Scenes() const { return scenes_; }
+  /// What is known of the light of the clip: measured, else as it is tagged.
+  ContentLight KnownLight() const;
+
+  /// Throws CommandError.
+  void Map(const ClipPicture& picture, PX::VideoFrameRef& destination);
+  /// Peak of a picture in nits: measured before, else now.
+  double PeakOrSample(const ClipPicture& picture) const;
+  /// What is being done to pictures now, as "hue 1000 -> 203 nits".
+  std::string Doing() const;
+
+ private:
+  void FollowTags(const ClipPicture& picture);
+  void FollowScenes(std::int64_t number);
+
+  const MapOptions& options_;
+  ClipTags tags_;
+  std::optional<ClipLevels> levels_;
+  std::vector<ClipScene> scenes_;
+  MapPlan plan_;
+};

@@ -1,0 +1,24 @@
+#include "tools/quillon/clip/ClipOptions.h"
+
+#include <array>
+#include <utility>
+
+std::string ClipOptions::FirstGiven() const {
+  const std::array<std::pair<bool, const char*>, 11> given = {{
+      {encoding.codec.has_value(), "--codec"},
+      {encoding.sampling.has_value(), "--chroma"},
+      {encoding.quality.has_value(), "--quality"},
+      {encoding.preset.has_value(), "--preset"},
+      {sequenceRate.has_value(), "--fps"},
+      {frames.has_value(), "--frames"},
+      {chunk.has_value(), "--chunk"},
+      {progress.has_value(), "--progress"},
+      {resume, "--resume"},
+      {dryRun, "--dry-run"},
+      {keepDamaged, "--keep-damaged"},
+  }};
+  for (const auto& [isGiven, name] : given) {
+    if (isGiven) return name;
+  }
+  return {};
+}

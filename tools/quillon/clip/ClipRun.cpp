@@ -1,0 +1,240 @@
+#include "tools/quillon/clip/ClipRun.h"
+
+#include <sstream>
+
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/Explain.h"
+#include "tools/quillon/Frames.h"
+#include "tools/quillon/clip/ClipSink.h"
+#include "tools/quillon/clip/ExplainClip.h"
+#include "tools/quillon/clip/FileIdentity.h"
+#include "tools/quillon/clip/MeasureClip.h"
+#include "tools/quillon/clip/ResultTags.h"
+#include "tools/quillon/clip/SequenceSink.h"
+#include "tools/quillon/io/TargetFile.h"
+
+using orvmediatypes::color::ColorSpace;
+
+namespace {
+
+constexpr int kRateDenominator = 1001000;
+
+AVRational SequenceRate(const MapOptions& options) {
+  constexpr double kDefault = 24.0;
+  return av_d2q(options.clip.sequenceRate.value_or(kDefault), kRateDenominator);
+}
+
+bool IsSequence(const std::filesystem::path& path) { return SequenceName::Parse(path).has_value(); }
+
+[[noreturn]] void Refuse(const std::string& sentence) {
+  throw CommandError(ExitCode::Usage, sentence);
+}
+
+void CheckOptions(const MapOptions& options) {
+  const ClipOptions& clip = options.clip;
+  if (!IsSequence(options.input)) RequireClipFile(options.input);
+  if (clip.sequenceRate && !IsSequence(options.input)) {
+    Refuse("--fps is for image sequences; a clip keeps its own times");
+  }
+  if (clip.frames && clip.chunk) Refuse("give either --frames or --chunk");
+  if (!IsSequence(options.output)) return;
+  const bool encodes = clip.encoding.codec || clip.encoding.sampling || clip.encoding.quality ||
+                       clip.encoding.preset;
+  if (encodes) {
+    Refuse(clip.FirstGiven() + " has no effect on image sequences; leave it out");
+  }
+}
+
+void CheckClipTarget(const MapOptions& options) {
+  const std::string extension = LowerCaseExtension(options.output);
+  for (const char* known : {".mp4", ".m4v", ".mov", ".mkv", ".webm"}) {
+    if (extension == known) return CheckTargetFile(options.output, options.overwrite);
+  }
+  throw CommandError(ExitCode::NotSupported,
+                     options.output.string() + ": the extension \"" + extension +
+                         "\" names no clip that is written; choose .mp4, .mov, .mkv or .webm, or "
+                         "an image sequence such as frame.%05d.png");
+}
+
+void CheckSequenceTarget(const MapOptions& options, const SequenceName& name) {
+  CheckStillTarget(name.FileOf(0), true);
+  const auto existing = name.ExistingNumbers();
+  if (existing.empty() || options.overwrite || options.clip.resume) return;
+  throw CommandError(ExitCode::CannotWrite,
+                     name.FileOf(existing.front()).string() +
+                         ": pictures of this sequence exist already (" +
+                         std::to_string(existing.size()) +
+                         "); choose another name or give --overwrite or --resume");
+}
+
+void CheckTarget(const MapOptions& options) {
+  if (const auto name = SequenceName::Parse(options.output)) {
+    CheckSequenceTarget(options, *name);
+  } else {
+    CheckClipTarget(options);
+  }
+}
+
+std::int64_t CountFrames(ClipRun& run, const MapOptions& options) {
+  if (const auto name = SequenceName::Parse(options.input)) {
+    return static_cast<std::int64_t>(name->ExistingNumbers().size());
+  }
+  run.index = FrameIndex::Scan(options.input);
+  return run.index->Count();
+}
+
+/// The frames that were asked for, within the clip.
+FrameSelection Select(const MapOptions& options, std::int64_t frames) {
+  const ClipOptions& clip = options.clip;
+  const std::string has = options.input.string() + " has " + std::to_string(frames) + " frames; ";
+  if (clip.chunk) {
+    const auto range = RangeOf(*clip.chunk, frames);
+    if (!range) Refuse(has + "--chunk cuts it into more parts than that");
+    return FrameSelection({*range});
+  }
+  if (!clip.frames) return {};
+  const FrameSelection wanted(*clip.frames);
+  if (*wanted.Last() >= frames) {
+    Refuse(has + "--frames goes to " + std::to_string(*wanted.Last()) + ", the last is " +
+           std::to_string(frames - 1));
+  }
+  return wanted;
+}
+
+/// What of an earlier run can be used: of its two files the one that holds more.
+EncodedFrames FindEarlier(const MapOptions& options) {
+  const PartialClip files(options.output);
+  const EncodedFrames last = FindWholeGroups(files.clip);
+  const EncodedFrames before = FindWholeGroups(files.earlier);
+  return last.count >= before.count ? last : before;
+}
+
+void RequireSameSettings(const MapOptions& options, const ClipRun& run) {
+  const PartialClip files(options.output);
+  const auto earlier = files.ReadNote();
+  if (earlier && *earlier == run.settings) return;
+  throw CommandError(ExitCode::Usage,
+                     files.clip.string() +
+                         " was made with other settings or from another version of the input; "
+                         "give the same options as then, or begin anew without --resume");
+}
+
+/// A file of that name that no run of this program left is not to be lost.
+void CheckPartialNames(const MapOptions& options) {
+  const PartialClip files(options.output);
+  if (options.overwrite || files.ReadNote() || !std::filesystem::exists(files.clip)) return;
+  throw CommandError(ExitCode::CannotWrite, files.clip.string() +
+                                                ": this name is needed while the clip is written; "
+                                                "move the file away or give --overwrite");
+}
+
+std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const ClipTags& tags,
+                                             std::ostream& notes) {
+  const auto colorsOf = [&options](const ClipTags& of) { return TaggedColors(options, of.colors); };
+  if (!NeedsMeasuring(options, tags.colors, tags.light)) return std::nullopt;
+  MeasureRequest request;
+  request.clip = options.input;
+  request.sequenceRate = SequenceRate(options);
+  request.white = options.white;
+  request.progress =
+      options.quiet ? ProgressStyle::None : options.clip.progress.value_or(ProgressStyle::Auto);
+  request.colorsOf = colorsOf;
+  return LevelsOfClip(request, notes);
+}
+
+AVRational SampleAspectOf(const ClipRun& run) {
+  const ClipInput* input = run.source->Input();
+  if (input == nullptr) return {0, 1};
+  return av_guess_sample_aspect_ratio(input->container.get(), input->video, nullptr);
+}
+
+Encoding EncodingOf(const MapOptions& options, const ClipRun& run) {
+  const ClipInfo& info = run.source->Info();
+  EncodingWishes wishes = options.clip.encoding;
+  wishes.bits = options.depth;
+  const ClipTags tags =
+      ResultTags(run.mapper->Plan(), options, info.tags, run.mapper->KnownLight());
+  SourceSamples samples = run.source->Samples();
+  samples.oddSize = info.width % 2 != 0 || info.height % 2 != 0;
+  Encoding encoding = SettleEncoding(wishes, samples, tags, options.output);
+  encoding.width = info.width;
+  encoding.height = info.height;
+  encoding.timeBase = run.source->TimeBase();
+  encoding.frameRate = info.frameRate;
+  encoding.sampleAspect = SampleAspectOf(run);
+  return encoding;
+}
+
+std::string SettingsText(const MapOptions& options, const ClipRun& run) {
+  std::ostringstream text;
+  text << options.input.string() << " (" << FileIdentity(options.input) << ")\n";
+  for (const FrameRange& range : run.selection.Ranges()) {
+    text << "frames " << range.first << '-' << range.last << '\n';
+  }
+  ExplainPlan(text, run.mapper->Plan());
+  ExplainClip(text, run);
+  return text.str();
+}
+
+std::int64_t PtsOfFirst(const ClipRun& run) {
+  const std::int64_t first = run.selection.First();
+  const auto pts = run.index ? run.index->PtsOf(first) : std::optional(first);
+  return TimesOf(run).Moved(first, pts.value_or(first));
+}
+
+}  // namespace
+
+ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
+  CheckOptions(options);
+  if (!options.clip.dryRun) CheckTarget(options);
+  const bool clipOut = !IsSequence(options.output);
+  if (clipOut && !options.clip.dryRun) CheckPartialNames(options);
+
+  ClipRun run;
+  const bool bySingleFrames = options.clip.frames || options.clip.chunk || options.clip.resume;
+  if (bySingleFrames) run.frames = CountFrames(run, options);
+  run.selection = Select(options, run.frames);
+  run.left = run.selection;
+  if (options.clip.resume && clipOut) {
+    run.earlier = FindEarlier(options);
+    if (run.earlier.count > 0) run.left = run.selection.Without(run.earlier.count, run.frames);
+  }
+  run.source = OpenPictures(options.input, SequenceRate(options), run.index ? &*run.index : nullptr,
+                            run.left.First(),
+                            options.clip.keepDamaged ? DamagePolicy::GoOn : DamagePolicy::Stop);
+  const ClipTags& tags = run.source->Info().tags;
+  if (!bySingleFrames) run.frames = run.source->Info().frames;
+  run.mapper =
+      std::make_unique<ClipMapper>(options, tags, MeasureWhereNeeded(options, tags, notes));
+  if (clipOut) run.encoding = EncodingOf(options, run);
+  run.settings = SettingsText(options, run);
+  if (run.earlier.count > 0) RequireSameSettings(options, run);
+  return run;
+}
+
+OutputTimes TimesOf(const ClipRun& run) {
+  const auto ptsOf = [&run](std::int64_t frame) -> std::optional<std::int64_t> {
+    if (run.index) return run.index->PtsOf(frame);
+    return frame < run.frames ? std::optional(frame) : std::nullopt;
+  };
+  return {run.selection, ptsOf, run.source->TimeBase()};
+}
+
+std::unique_ptr<PictureSink> MakeSink(const MapOptions& options, const ClipRun& run) {
+  const auto name = SequenceName::Parse(options.output);
+  if (!name) {
+    const ClipInput* passOn = TimesOf(run).PassesOn() ? run.source->Input() : nullptr;
+    return std::make_unique<ClipSink>(options.output, options.overwrite, *run.encoding, passOn,
+                                      run.settings, run.earlier, PtsOfFirst(run));
+  }
+  StillOutput still;
+  still.settings = ColorManagementFor(options.white);
+  still.depth = options.depth;
+  still.overwrite = options.overwrite;
+  const ClipInfo& info = run.source->Info();
+  return std::make_unique<SequenceSink>(
+      *name, info.width, info.height,
+      run.mapper->Plan().settings.toneMapSettings.destinationColorSpace, still,
+      options.clip.resume);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "tools/quillon/clip/EarlierFrames.h"
+#include "tools/quillon/clip/PartialClip.h"
+#include "tools/quillon/clip/PictureSink.h"
+#include "tools/quillon/video/AvPictures.h"
+#include "tools/quillon/video/ClipWriter.h"
+
+/// Writes a clip under a temporary name, and renames it when it is whole.
+class ClipSink : public PictureSink {
+ public:
+  /// `settings` is all that shapes the output, as text. The frames of `earlier`, a clip of an
+  /// earlier run, come first, the first of them at `firstPts`.
+  ClipSink(const std::filesystem::path& output, bool overwrite, const Encoding& encoding,
+           const ClipInput* passOn, const std::string& settings, const EncodedFrames& earlier,
+           std::int64_t firstPts);
+
+  std::vector<std::string> Remarks() const override { return writer_->Remarks(); }
+  MappedPicture NewPicture() override;
+  void Write(MappedPicture picture, const ClipPicture& source) override;
+  void PassOn(const AVPacket& packet) override;
+  void Finish() override;
+  std::string Abandon(bool atOnce) override;
+
+ private:
+  /// Writes the earlier frames that are decoded before a time, in seconds.
+  void WriteEarlier(double until);
+
+  PartialClip files_;
+  bool overwrite_;
+  Encoding encoding_;
+  AvFramePool pool_;
+  std::unique_ptr<ClipWriter> writer_;
+  const ClipInput* passOn_;
+  std::unique_ptr<EarlierFrames> earlier_;
+  std::int64_t lastPts_;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tools/quillon/clip/PictureSource.h"
+
+struct SwsContext;
+
+/// The pictures of a clip. Samples that the host has no format for are converted to the nearest
+/// that it has.
+class ClipSource : public PictureSource {
+ public:
+  ClipSource(const std::filesystem::path& path, const FrameIndex* index, std::int64_t first,
+             DamagePolicy policy);
+
+  const ClipInfo& Info() const override { return reader_.Info(); }
+  SourceSamples Samples() const override;
+  AVRational TimeBase() const override { return reader_.TimeBase(); }
+  const ClipInput* Input() const override { return &reader_.Input(); }
+  void OnOtherPackets(ClipReader::PacketHandler handler) override {
+    reader_.OnOtherPackets(std::move(handler));
+  }
+  void PassOtherPackets(double until) override { reader_.PassOtherPackets(until); }
+  std::optional<ClipPicture> Next() override;
+  ClipDamage CountDamage() override;
+
+ private:
+  std::shared_ptr<const AVFrame> InHostFormat(std::shared_ptr<const AVFrame> frame);
+  std::int64_t TimeOf(std::int64_t number) const;
+  void RequireSameSize(const ClipFrame& frame) const;
+
+  std::filesystem::path path_;
+  ClipReader reader_;
+  std::unique_ptr<SwsContext, void (*)(SwsContext*)> scaler_;
+};

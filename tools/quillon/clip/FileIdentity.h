@@ -1,0 +1,7 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+/// What tells one version of a file from another: its size and when it was changed.
+std::string FileIdentity(const std::filesystem::path& path);

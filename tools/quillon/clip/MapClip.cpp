@@ -1,0 +1,124 @@
+#include "tools/quillon/clip/MapClip.h"
+
+#include <chrono>
+#include <exception>
+
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/Explain.h"
+#include "tools/quillon/clip/ClipRun.h"
+#include "tools/quillon/clip/Counted.h"
+#include "tools/quillon/clip/ExplainClip.h"
+#include "tools/quillon/clip/Interrupt.h"
+#include "tools/quillon/clip/Pipeline.h"
+#include "tools/quillon/io/StillError.h"
+
+namespace {
+
+void NoteWhatMatters(const MapOptions& options, const ClipRun& run, const PictureSink& sink,
+                     std::ostream& notes) {
+  if (options.quiet) return;
+  for (const std::string& remark : sink.Remarks()) notes << "note: " << remark << '\n';
+  const MapPlan& plan = run.mapper->Plan();
+  NoteOptionsWithoutEffect(notes, options, plan);
+  if (!TimesOf(run).PassesOn()) {
+    notes << "note: sound and the other streams are left out, since --frames picks frames that do "
+             "not follow each other\n";
+  }
+  if (options.clip.resume) {
+    notes << "note: taken over from an earlier run: " << Counted(run.earlier.count, "frame")
+          << '\n';
+  }
+}
+
+/// Closes the output and says what is left of it. What fails while closing is not told: it follows
+/// from what went wrong before.
+std::string Abandon(PictureSink& sink, bool atOnce) {
+  try {
+    const std::string left = sink.Abandon(atOnce);
+    return left.empty() ? std::string() : "; " + left;
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+/// Maps all pictures. False where it was interrupted.
+bool MapPictures(const MapOptions& options, ClipRun& run, PictureSink& sink, std::int64_t& done) {
+  const InterruptGuard interrupt;
+  const auto style = options.clip.progress.value_or(ProgressStyle::Auto);
+  Progress progress(options.quiet ? ProgressStyle::None : style, "map",
+                    run.left.CountOf(run.frames));
+  const OutputTimes times = TimesOf(run);
+  ClipMapper& mapper = *run.mapper;
+  ProgressStep last;
+  const auto map = [&](const ClipPicture& from, PX::VideoFrameRef& to) {
+    mapper.Map(from, to);
+    ++done;
+    progress.Update([&] {
+      return ProgressStep{from.number, done, mapper.PeakOrSample(from), mapper.Doing()};
+    });
+    last.frame = from.number;
+  };
+  const bool complete = RunPipeline({*run.source, sink, run.left, times, map,
+                                     [&interrupt] { return interrupt.IsInterrupted(); }});
+  last.done = done;
+  progress.Finish(last);
+  return complete;
+}
+
+void TellOfDamage(const MapOptions& options, ClipRun& run, PictureSink& sink, std::int64_t done,
+                  std::ostream& notes) {
+  const ClipDamage damage = run.source->CountDamage();
+  if (damage.places == 0) return;
+  const std::string what = options.input.string() + ": it is damaged: " + damage.first + "; " +
+                           Counted(damage.places, "damaged place") + " in all";
+  if (options.clip.keepDamaged) {
+    if (!options.quiet) notes << "note: " << what << '\n';
+    return;
+  }
+  throw CommandError(ExitCode::CannotRead, what + "; " + Counted(done, "frame") +
+                                               " before it mapped" + Abandon(sink, false) +
+                                               "; --keep-damaged maps on");
+}
+
+void Summarise(std::ostream& out, const MapOptions& options, const ClipRun& run, std::int64_t done,
+               double seconds) {
+  const MapPlan& plan = run.mapper->Plan();
+  out << options.input.string() << " -> " << options.output.string() << ": "
+      << Counted(done + run.earlier.count, "frame") << ", " << DescribeColorSpace(plan.taggedSource)
+      << ", peak " << plan.sourcePeakNits << " nits (" << plan.peakOrigin << ") to "
+      << DescribeColorSpace(options.destination) << ", peak " << plan.destinationPeakNits
+      << " nits; " << static_cast<double>(done) / seconds << " frames a second\n";
+}
+
+}  // namespace
+
+void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) {
+  const auto begin = std::chrono::steady_clock::now();
+  ClipRun run = PrepareClipRun(options, notes);
+  if (options.explain || options.clip.dryRun) {
+    ExplainPlan(out, run.mapper->Plan());
+    ExplainClip(out, run);
+  }
+  if (options.clip.dryRun) return;
+
+  const std::unique_ptr<PictureSink> sink = MakeSink(options, run);
+  NoteWhatMatters(options, run, *sink, notes);
+  std::int64_t done = 0;
+  try {
+    if (!MapPictures(options, run, *sink, done)) {
+      throw CommandError(ExitCode::Interrupted, options.input.string() + ": stopped" +
+                                                    Abandon(*sink, true) +
+                                                    "; --resume goes on from there");
+    }
+    TellOfDamage(options, run, *sink, done, notes);
+    sink->Finish();
+  } catch (const CommandError& error) {
+    throw CommandError(error.Code(), error.what() + Abandon(*sink, true));
+  } catch (const StillError&) {
+    Abandon(*sink, true);
+    throw;
+  }
+  const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+  if (!options.quiet && !options.explain) Summarise(out, options, run, done, taken.count());
+}

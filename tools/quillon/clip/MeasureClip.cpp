@@ -1,0 +1,47 @@
+#include "tools/quillon/clip/MeasureClip.h"
+
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/clip/Interrupt.h"
+#include "tools/quillon/io/StillError.h"
+
+using orvmediatypes::color::ColorSpace;
+
+namespace {
+
+void Keep(const MeasureRequest& request, const ClipLevels& levels, std::ostream& notes) {
+  try {
+    SaveLevels(request.clip, levels);
+  } catch (const StillError& error) {
+    notes << "note: the measured levels are not kept for the next run: " << error.what() << '\n';
+  }
+}
+
+}  // namespace
+
+ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
+  const auto source = OpenPictures(request.clip, request.sequenceRate);
+  const bool isSequence = source->Input() == nullptr;
+  const std::string name = DescribeColorSpace(request.colorsOf(source->Info().tags));
+  if (!isSequence) {
+    if (auto kept = LoadLevels(request.clip, name, request.white)) return *kept;
+  }
+
+  const InterruptGuard interrupt;
+  Progress progress(request.progress, "measure", source->Info().frames);
+  LevelMeter meter(request.white);
+  ClipLevels levels{name, request.white, {}};
+  ProgressStep step;
+  while (const auto picture = source->Next()) {
+    if (interrupt.IsInterrupted()) {
+      throw CommandError(ExitCode::Interrupted, request.clip.string() + ": measuring was stopped");
+    }
+    picture->frame->SetColorSpace(ColorSpace(request.colorsOf(picture->tags)));
+    levels.frames.push_back(meter.Measure(picture->frame));
+    step = {picture->number, picture->number + 1, levels.frames.back().peak, {}};
+    progress.Update([&step] { return step; });
+  }
+  progress.Finish(step);
+  if (!isSequence && source->CountDamage().places == 0) Keep(request, levels, notes);
+  return levels;
+}

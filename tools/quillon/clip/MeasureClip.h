@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <ostream>
+
+#include "tools/quillon/clip/LevelsFile.h"
+#include "tools/quillon/clip/PictureSource.h"
+#include "tools/quillon/clip/Progress.h"
+
+/// How a clip is to be measured.
+struct MeasureRequest {
+  std::filesystem::path clip;
+  AVRational sequenceRate{24, 1};
+  int white = 203;
+  ProgressStyle progress = ProgressStyle::Auto;
+  /// The colour space of a picture, from its tags. Throws where they do not tell.
+  std::function<orvmediatypes::color::ColorDescription(const ClipTags& tags)> colorsOf;
+};
+
+/// The light levels of all frames of a clip, up to a damaged place: what is kept beside the clip,
+/// else measured in a pass of its own, and kept. `notes` is told where they cannot be kept. Throws
+/// CommandError, also on Ctrl-C.
+ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes);

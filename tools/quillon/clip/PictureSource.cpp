@@ -1,0 +1,25 @@
+#include "tools/quillon/clip/PictureSource.h"
+
+#include "tools/quillon/clip/ClipSource.h"
+#include "tools/quillon/clip/SequenceSource.h"
+#include "tools/quillon/io/Still.h"
+
+bool IsClipOrSequence(const std::filesystem::path& path) {
+  return SequenceName::Parse(path).has_value() || !IsStill(path);
+}
+
+std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
+                                            AVRational sequenceRate, const FrameIndex* index,
+                                            std::int64_t first, DamagePolicy policy) {
+  if (auto name = SequenceName::Parse(path)) {
+    return std::make_unique<SequenceSource>(std::move(*name), sequenceRate, first);
+  }
+  return std::make_unique<ClipSource>(path, index, first, policy);
+}
+
+std::int64_t CountPictures(const std::filesystem::path& path) {
+  if (const auto name = SequenceName::Parse(path)) {
+    return static_cast<std::int64_t>(name->ExistingNumbers().size());
+  }
+  return FrameIndex::Scan(path).Count();
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/quillon/clip/ClipPicture.h"
+#include "tools/quillon/clip/SequenceName.h"
+#include "tools/quillon/video/ClipReader.h"
+#include "tools/quillon/video/Encoding.h"
+
+/// Where pictures come from, one after another in the order in which they are shown: a clip, or an
+/// image sequence. One thread.
+class PictureSource {
+ public:
+  virtual ~PictureSource() = default;
+
+  virtual const ClipInfo& Info() const = 0;
+  /// Samples of the pictures as they are coded.
+  virtual SourceSamples Samples() const = 0;
+  virtual AVRational TimeBase() const = 0;
+  /// The clip that the pictures come from; null for image sequences.
+  virtual const ClipInput* Input() const { return nullptr; }
+  /// See `ClipReader::OnOtherPackets`.
+  virtual void OnOtherPackets(ClipReader::PacketHandler /*handler*/) {}
+  /// See `ClipReader::PassOtherPackets`.
+  virtual void PassOtherPackets(double /*until*/) {}
+  /// Nothing at the end, and where the clip is damaged. Throws CommandError or StillError.
+  virtual std::optional<ClipPicture> Next() = 0;
+  /// To be called at the end: where damage ended it, reads on to count the rest of it. No places:
+  /// nothing is damaged.
+  virtual ClipDamage CountDamage() { return {}; }
+};
+
+/// Whether a path names an image sequence or a file that is no still: what `OpenPictures` opens.
+bool IsClipOrSequence(const std::filesystem::path& path);
+
+/// Opens a clip or an image sequence; `sequenceRate` is the latter's frame rate. With an index the
+/// pictures begin at `first`. Throws CommandError or StillError.
+std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
+                                            AVRational sequenceRate,
+                                            const FrameIndex* index = nullptr,
+                                            std::int64_t first = 0,
+                                            DamagePolicy policy = DamagePolicy::Stop);
+
+/// How many pictures there are, counted one by one.
+std::int64_t CountPictures(const std::filesystem::path& path);

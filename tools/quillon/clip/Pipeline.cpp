@@ -1,0 +1,115 @@
+#include "tools/quillon/clip/Pipeline.h"
+
+#include <exception>
+#include <mutex>
+#include <new>
+#include <thread>
+#include <utility>
+#include <variant>
+
+#include "tools/quillon/clip/BoundedQueue.h"
+
+namespace {
+
+constexpr std::size_t kPicturesAhead = 3;
+constexpr std::size_t kOutputsAhead = 6;
+
+struct Mapped {
+  MappedPicture picture;
+  ClipPicture source;
+};
+using Output = std::variant<Mapped, AvPacketPtr>;
+
+class Pipeline {
+ public:
+  explicit Pipeline(const PipelineWork& work) : work_(work) {}
+
+  bool Run() {
+    std::jthread reader([this] { Guarded([this] { Read(); }); });
+    std::jthread writer([this] { Guarded([this] { Write(); }); });
+    bool stopped = false;
+    Guarded([&] { stopped = !Map(); });
+    if (stopped) Cancel();
+    reader.join();
+    outputs_.Finish();
+    writer.join();
+    if (error_) std::rethrow_exception(error_);
+    return !stopped;
+  }
+
+ private:
+  /// Runs a stage; what it throws ends all of them.
+  template <class Stage>
+  void Guarded(const Stage& stage) {
+    try {
+      stage();
+    } catch (...) {
+      const std::lock_guard lock(mutex_);
+      if (!error_) error_ = std::current_exception();
+      Cancel();
+    }
+  }
+
+  void Cancel() {
+    pictures_.Cancel();
+    outputs_.Cancel();
+  }
+
+  void Read() {
+    work_.source.OnOtherPackets([this](const AVPacket& packet) { PassOn(packet); });
+    const auto last = work_.selection.Last();
+    bool atEnd = false;
+    while (!atEnd) {
+      auto picture = work_.source.Next();
+      atEnd = !picture || (last && picture->number >= *last);
+      if (!picture || !IsWanted(picture->number)) continue;
+      if (!pictures_.Push(std::move(*picture))) return;
+    }
+    pictures_.Finish();
+    if (last) work_.source.PassOtherPackets(work_.times.EndSeconds());
+  }
+
+  bool IsWanted(std::int64_t number) const {
+    return work_.selection.Contains(number) && !work_.sink.Has(number);
+  }
+
+  void PassOn(const AVPacket& packet) {
+    AvPacketPtr copy(av_packet_clone(&packet));
+    if (copy == nullptr) throw std::bad_alloc();
+    const AVStream& stream = *work_.source.Input()->container->streams[packet.stream_index];
+    if (work_.times.Move(*copy, stream.time_base)) outputs_.Push(std::move(copy));
+  }
+
+  /// False when stopped.
+  bool Map() {
+    while (auto source = pictures_.Pop()) {
+      if (work_.isStopped()) return false;
+      MappedPicture picture = work_.sink.NewPicture();
+      work_.map(*source, picture.frame);
+      picture.number = source->number;
+      picture.pts = work_.times.Moved(source->number, source->pts);
+      if (!outputs_.Push(Mapped{std::move(picture), std::move(*source)})) break;
+    }
+    return !work_.isStopped();
+  }
+
+  void Write() {
+    while (auto output = outputs_.Pop()) {
+      if (auto* mapped = std::get_if<Mapped>(&*output)) {
+        work_.sink.Write(std::move(mapped->picture), mapped->source);
+      } else {
+        work_.sink.PassOn(*std::get<AvPacketPtr>(*output));
+      }
+    }
+  }
+
+  const PipelineWork& work_;
+  BoundedQueue<ClipPicture> pictures_{kPicturesAhead};
+  BoundedQueue<Output> outputs_{kOutputsAhead};
+  std::mutex mutex_;
+  std::exception_ptr error_;
+};
+
+}  // namespace
+
+bool RunPipeline(const PipelineWork& work) { return Pipeline(work).Run(); }

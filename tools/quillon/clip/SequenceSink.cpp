@@ -1,0 +1,42 @@
+#include "tools/quillon/clip/SequenceSink.h"
+
+#include <filesystem>
+
+#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/Frames.h"
+#include "tools/quillon/LightLevels.h"
+#include "tools/quillon/clip/Counted.h"
+
+SequenceSink::SequenceSink(SequenceName name, int width, int height,
+                           const orvmediatypes::color::ColorSpace& colorSpace, StillOutput still,
+                           bool resume)
+    : name_(std::move(name)),
+      width_(width),
+      height_(height),
+      colorSpace_(colorSpace),
+      still_(std::move(still)),
+      resume_(resume) {}
+
+MappedPicture SequenceSink::NewPicture() {
+  MappedPicture picture;
+  picture.frame = MakeFloatFrame(width_, height_, colorSpace_);
+  return picture;
+}
+
+bool SequenceSink::Has(std::int64_t number) const {
+  return resume_ && std::filesystem::exists(name_.FileOf(number));
+}
+
+void SequenceSink::Write(MappedPicture picture, const ClipPicture& /*source*/) {
+  StillOutput output = still_;
+  output.frame = picture.frame;
+  output.light =
+      LightOfResult(picture.frame, static_cast<int>(still_.settings.GetGraphicsWhiteLuminance()));
+  WriteStill(output, name_.FileOf(picture.number));
+  ++written_;
+}
+
+std::string SequenceSink::Abandon(bool /*atOnce*/) {
+  if (written_ == 0) return {};
+  return Counted(written_, "picture") + " written";
+}

@@ -1,0 +1,59 @@
+#include "tools/quillon/clip/SequenceSource.h"
+
+#include <utility>
+
+#include "refhost/kestrel/PixelFormats.h"
+#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/io/Still.h"
+
+SequenceSource::SequenceSource(SequenceName name, AVRational rate, std::int64_t first)
+    : name_(std::move(name)), numbers_(name_.ExistingNumbers()), next_(first) {
+  if (next_ >= static_cast<std::int64_t>(numbers_.size())) {
+    throw CommandError(ExitCode::CannotRead, name_.FileOf(first).string() +
+                                                 ": the sequence has no such picture; check name "
+                                                 "and number");
+  }
+  ahead_ = Read(next_++);
+  const orvcore::geom::Bounds bounds = ahead_->frame->GetBounds();
+  const auto format = KS::DescribeFormat(ahead_->frame->GetPixelFormat());
+  info_.container = "image sequence";
+  info_.codec = name_.FileOf(numbers_.front()).extension().string().substr(1);
+  info_.pixelFormat = "as the stills";
+  info_.width = bounds.width;
+  info_.height = bounds.height;
+  info_.bits = format ? format->bits : 0;
+  info_.frameRate = rate;
+  info_.frames = static_cast<std::int64_t>(numbers_.size());
+  info_.seconds = static_cast<double>(info_.frames) / av_q2d(rate);
+  info_.tags = ahead_->tags;
+}
+
+SourceSamples SequenceSource::Samples() const {
+  const auto format = KS::DescribeFormat(ahead_->frame->GetPixelFormat());
+  return {Sampling::C444, format && format->bits <= 8 ? 8 : 16};
+}
+
+ClipPicture SequenceSource::Read(std::int64_t position) const {
+  const Still still = ReadStill(name_.FileOf(numbers_[static_cast<std::size_t>(position)]));
+  ClipPicture picture;
+  picture.frame = still.frame;
+  picture.tags = {still.frame->GetColorSpace().Description(), still.light};
+  picture.number = position;
+  picture.pts = position;
+  return picture;
+}
+
+std::optional<ClipPicture> SequenceSource::Next() {
+  std::optional<ClipPicture> picture = std::exchange(ahead_, std::nullopt);
+  if (picture || next_ >= static_cast<std::int64_t>(numbers_.size())) return picture;
+  picture = Read(next_++);
+  const orvcore::geom::Bounds bounds = picture->frame->GetBounds();
+  if (bounds.width == info_.width && bounds.height == info_.height) return picture;
+  throw CommandError(ExitCode::NotSupported,
+                     name_.FileOf(numbers_[static_cast<std::size_t>(picture->number)]).string() +
+                         ": it is " + std::to_string(bounds.width) + "x" +
+                         std::to_string(bounds.height) + " where the sequence began as " +
+                         std::to_string(info_.width) + "x" + std::to_string(info_.height) +
+                         "; map the parts apart");
+}

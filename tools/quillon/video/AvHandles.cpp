@@ -1,0 +1,22 @@
+#include "tools/quillon/video/AvHandles.h"
+
+#include <array>
+#include <new>
+
+AvFramePtr MakeAvFrame() {
+  AvFramePtr frame(av_frame_alloc());
+  if (frame == nullptr) throw std::bad_alloc();
+  return frame;
+}
+
+AvPacketPtr MakeAvPacket() {
+  AvPacketPtr packet(av_packet_alloc());
+  if (packet == nullptr) throw std::bad_alloc();
+  return packet;
+}
+
+std::string AvErrorText(int code) {
+  std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
+  av_strerror(code, text.data(), text.size());
+  return text.data();
+}

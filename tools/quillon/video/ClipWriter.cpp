@@ -1,0 +1,282 @@
+#include "tools/quillon/video/ClipWriter.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/io/TargetFile.h"
+
+namespace fs = std::filesystem;
+
+void CloseAvOutput::operator()(AVFormatContext* context) const {
+  if (context == nullptr) return;
+  avio_closep(&context->pb);
+  avformat_free_context(context);
+}
+
+namespace {
+
+[[noreturn]] void FailFile(const fs::path& path, int result) {
+  throw CommandError(ExitCode::CannotWrite,
+                     path.string() + ": writing failed (" + AvErrorText(result) +
+                         "); make room on the disk or choose another folder");
+}
+
+AvOutputPtr MakeContainer(const fs::path& path) {
+  AVFormatContext* made = nullptr;
+  if (avformat_alloc_output_context2(&made, nullptr, nullptr, path.string().c_str()) < 0) {
+    throw CommandError(ExitCode::NotSupported,
+                       path.string() + ": the extension \"" + LowerCaseExtension(path) +
+                           "\" names no clip that is written; choose .mp4, .mov, .mkv or .webm");
+  }
+  return AvOutputPtr(made);
+}
+
+void OpenFile(const fs::path& path, AVFormatContext& container) {
+  const int result = avio_open(&container.pb, ("file:" + path.string()).c_str(), AVIO_FLAG_WRITE);
+  if (result < 0) FailFile(path, result);
+}
+
+AVStream& NewStream(AVFormatContext& container) {
+  AVStream* stream = avformat_new_stream(&container, nullptr);
+  if (stream == nullptr) throw std::bad_alloc();
+  return *stream;
+}
+
+/// A stream as it is.
+AVStream& CopyStream(const AVStream& from, AVFormatContext& container) {
+  AVStream& to = NewStream(container);
+  if (avcodec_parameters_copy(to.codecpar, from.codecpar) < 0) throw std::bad_alloc();
+  const unsigned tag = to.codecpar->codec_tag;
+  if (av_codec_get_id(container.oformat->codec_tag, tag) != to.codecpar->codec_id) {
+    to.codecpar->codec_tag = 0;
+  }
+  to.time_base = from.time_base;
+  to.avg_frame_rate = from.avg_frame_rate;
+  to.sample_aspect_ratio = from.sample_aspect_ratio;
+  to.disposition = from.disposition;
+  av_dict_copy(&to.metadata, from.metadata, 0);
+  for (int i = 0; i < from.nb_side_data; ++i) {
+    const AVPacketSideData& data = from.side_data[i];
+    std::uint8_t* bytes = av_stream_new_side_data(&to, data.type, data.size);
+    if (bytes == nullptr) throw std::bad_alloc();
+    std::copy_n(data.data, data.size, bytes);
+  }
+  return to;
+}
+
+bool IsFragmented(const AVFormatContext& container) {
+  const std::string name = container.oformat->name;
+  return name == "mp4" || name == "mov";
+}
+
+void CopyChapters(const ClipInput& source, AVFormatContext& container) {
+  const unsigned count = source.container->nb_chapters;
+  if (count == 0) return;
+  auto** chapters =
+      static_cast<AVChapter**>(av_calloc(count, sizeof(AVChapter*)));  // freed with the container
+  if (chapters == nullptr) throw std::bad_alloc();
+  container.chapters = chapters;
+  for (unsigned i = 0; i < count; ++i) {
+    const AVChapter& from = *source.container->chapters[i];
+    auto* to = static_cast<AVChapter*>(av_mallocz(sizeof(AVChapter)));
+    if (to == nullptr) throw std::bad_alloc();
+    chapters[container.nb_chapters++] = to;
+    to->id = from.id;
+    to->time_base = from.time_base;
+    to->start = from.start;
+    to->end = from.end;
+    av_dict_copy(&to->metadata, from.metadata, 0);
+  }
+}
+
+/// Time stamps of the video stay exact: movie files count them in units of the file's choice.
+void KeepTimeBase(AvOptions& options, const AVFormatContext& container, AVRational timeBase) {
+  if (IsFragmented(container)) options.Set("video_track_timescale", std::to_string(timeBase.den));
+}
+
+}  // namespace
+
+ClipWriter::ClipWriter(const fs::path& path, const Encoding& encoding, const ClipInput* passOn)
+    : path_(path), encoding_(encoding), container_(MakeContainer(path)), packet_(MakeAvPacket()) {
+  encoder_ = OpenEncoder(encoding, (container_->oformat->flags & AVFMT_GLOBALHEADER) != 0);
+  video_ = &NewStream(*container_);
+  video_->time_base = encoding.timeBase;
+  video_->avg_frame_rate = encoding.frameRate;
+  video_->sample_aspect_ratio = encoding.sampleAspect;
+  if (avcodec_parameters_from_context(video_->codecpar, encoder_.get()) < 0) throw std::bad_alloc();
+  // The tag by which more players take HEVC in movie files.
+  if (encoding.codec == VideoCodec::Hevc && IsFragmented(*container_)) {
+    video_->codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
+  }
+  TagStream(encoding.tags, *video_);
+  if (passOn != nullptr) AddPassedStreams(*passOn);
+  WriteHeader();
+}
+
+ClipWriter::~ClipWriter() = default;
+
+void ClipWriter::AddPassedStreams(const ClipInput& source) {
+  av_dict_copy(&container_->metadata, source.container->metadata, 0);
+  av_dict_set(&container_->metadata, "encoder", nullptr, 0);
+  av_dict_copy(&video_->metadata, source.video->metadata, 0);
+  av_dict_set(&video_->metadata, "encoder", nullptr, 0);
+  video_->disposition = source.video->disposition;
+  std::size_t size = 0;
+  const std::uint8_t* matrix =
+      av_stream_get_side_data(source.video, AV_PKT_DATA_DISPLAYMATRIX, &size);
+  if (matrix != nullptr) {
+    std::uint8_t* copy = av_stream_new_side_data(video_, AV_PKT_DATA_DISPLAYMATRIX, size);
+    if (copy == nullptr) throw std::bad_alloc();
+    std::copy_n(matrix, size, copy);
+  }
+  streamOf_.assign(source.container->nb_streams, -1);
+  for (unsigned i = 0; i < source.container->nb_streams; ++i) {
+    const AVStream& from = *source.container->streams[i];
+    sourceTimeBases_.push_back(from.time_base);
+    if (&from != source.video) AddStream(source, from);
+  }
+  // Fragments cannot hold them; they come in when the file is written again.
+  if (!IsFragmented(*container_)) CopyChapters(source, *container_);
+}
+
+void ClipWriter::AddStream(const ClipInput& source, const AVStream& from) {
+  const AVCodecID id = from.codecpar->codec_id;
+  const bool secondVideo = from.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+                           (from.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+  const bool fits = id != AV_CODEC_ID_NONE &&
+                    avformat_query_codec(container_->oformat, id, FF_COMPLIANCE_NORMAL) == 1;
+  if (!secondVideo && fits) {
+    AVStream& to = CopyStream(from, *container_);
+    streamOf_[static_cast<std::size_t>(from.index)] = to.index;
+    return;
+  }
+  // How movie files keep their chapters, which are taken over as such.
+  if (from.discard == AVDISCARD_ALL) return;
+  const char* type = av_get_media_type_string(from.codecpar->codec_type);
+  const char* tag = secondVideo ? "a second picture, which is not mapped"
+                                : "which the output's container does not hold";
+  remarks_.push_back("stream " + std::to_string(from.index) + " of " +
+                     std::to_string(source.container->nb_streams) + " (" +
+                     (type != nullptr ? type : "unknown") + ", " + avcodec_get_name(id) +
+                     ") is left out: " + tag);
+}
+
+void ClipWriter::WriteHeader() {
+  AvOptions options;
+  KeepTimeBase(options, *container_, encoding_.timeBase);
+  if (IsFragmented(*container_)) {
+    options.Set("movflags", "frag_keyframe+delay_moov+default_base_moof");
+  }
+  container_->flags |= AVFMT_FLAG_FLUSH_PACKETS;
+  OpenFile(path_, *container_);
+  const int result = avformat_write_header(container_.get(), options.Address());
+  if (result < 0) {
+    std::error_code ignored;
+    fs::remove(path_, ignored);
+    throw CommandError(ExitCode::NotSupported, path_.string() +
+                                                   ": the container does not take these streams (" +
+                                                   AvErrorText(result) + "); name the output .mkv");
+  }
+  open_ = true;
+}
+
+void ClipWriter::FailWriting(int result) const { FailFile(path_, result); }
+
+void ClipWriter::WriteFrame(AVFrame& frame) {
+  frame.pict_type = AV_PICTURE_TYPE_NONE;
+  const int result = avcodec_send_frame(encoder_.get(), &frame);
+  if (result < 0) {
+    throw CommandError(ExitCode::EngineRefused, path_.string() + ": the encoder failed (" +
+                                                    AvErrorText(result) +
+                                                    "); try another --codec or --preset");
+  }
+  Drain();
+}
+
+void ClipWriter::Drain() {
+  while (avcodec_receive_packet(encoder_.get(), packet_.get()) >= 0) {
+    if (packet_->duration == 0 && encoding_.frameRate.num > 0) {
+      packet_->duration = av_rescale_q(1, av_inv_q(encoding_.frameRate), encoding_.timeBase);
+    }
+    WriteEncoded(*packet_, encoder_->time_base);
+    av_packet_unref(packet_.get());
+  }
+}
+
+void ClipWriter::WriteEncoded(const AVPacket& packet, AVRational timeBase) {
+  const AvPacketPtr copy(av_packet_clone(&packet));
+  if (copy == nullptr) throw std::bad_alloc();
+  copy->stream_index = video_->index;
+  av_packet_rescale_ts(copy.get(), timeBase, video_->time_base);
+  // An encoder that begins anew in the middle counts its decoding times anew, too.
+  if (lastDts_ && copy->dts <= *lastDts_) copy->dts = std::min(*lastDts_ + 1, copy->pts);
+  lastDts_ = copy->dts;
+  Mux(*copy);
+  ++framesWritten_;
+}
+
+void ClipWriter::PassOn(const AVPacket& packet) {
+  const auto from = static_cast<std::size_t>(packet.stream_index);
+  if (from >= streamOf_.size() || streamOf_[from] < 0) return;
+  const AvPacketPtr copy(av_packet_clone(&packet));
+  if (copy == nullptr) throw std::bad_alloc();
+  copy->stream_index = streamOf_[from];
+  copy->pos = -1;
+  av_packet_rescale_ts(copy.get(), sourceTimeBases_[from],
+                       container_->streams[copy->stream_index]->time_base);
+  Mux(*copy);
+}
+
+void ClipWriter::Mux(AVPacket& packet) {
+  const int result = av_interleaved_write_frame(container_.get(), &packet);
+  if (result < 0) FailWriting(result);
+  if (container_->pb->error < 0) FailWriting(container_->pb->error);
+}
+
+void ClipWriter::Finish() {
+  avcodec_send_frame(encoder_.get(), nullptr);
+  Drain();
+  Abandon();
+}
+
+void ClipWriter::Abandon() {
+  if (!std::exchange(open_, false)) return;
+  const int result = av_write_trailer(container_.get());
+  if (result < 0) FailWriting(result);
+  avio_flush(container_->pb);
+  if (container_->pb->error < 0) FailWriting(container_->pb->error);
+}
+
+bool NeedsRewriting(const fs::path& path) {
+  const AVOutputFormat* format = av_guess_format(nullptr, path.string().c_str(), nullptr);
+  return format != nullptr &&
+         (std::string(format->name) == "mp4" || std::string(format->name) == "mov");
+}
+
+void RewriteClip(const fs::path& from, const fs::path& to, const ClipInput* chapters) {
+  const ClipInput source = OpenClipInput(from);
+  const AvOutputPtr container = MakeContainer(to);
+  av_dict_copy(&container->metadata, source.container->metadata, 0);
+  if (chapters != nullptr) CopyChapters(*chapters, *container);
+  for (unsigned i = 0; i < source.container->nb_streams; ++i) {
+    CopyStream(*source.container->streams[i], *container);
+  }
+  AvOptions options;
+  KeepTimeBase(options, *container, source.video->time_base);
+  OpenFile(to, *container);
+  int result = avformat_write_header(container.get(), options.Address());
+  const AvPacketPtr packet = MakeAvPacket();
+  while (result >= 0 && ReadPacket(source, *packet) >= 0) {
+    const AVStream& in = *source.container->streams[packet->stream_index];
+    const AVStream& out = *container->streams[packet->stream_index];
+    av_packet_rescale_ts(packet.get(), in.time_base, out.time_base);
+    packet->pos = -1;
+    result = av_interleaved_write_frame(container.get(), packet.get());
+  }
+  if (result >= 0) result = av_write_trailer(container.get());
+  avio_flush(container->pb);
+  if (result >= 0) result = container->pb->error;
+  if (result < 0) FailFile(to, result);
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/quillon/video/AvPictures.h"
+#include "tools/quillon/video/ClipInput.h"
+#include "tools/quillon/video/Encoding.h"
+
+struct CloseAvOutput {
+  void operator()(AVFormatContext* context) const;
+};
+using AvOutputPtr = std::unique_ptr<AVFormatContext, CloseAvOutput>;
+
+/// Writes a clip: pictures through an encoder, all other streams as they are. The file can be
+/// played as far as it has come even when the program is killed. Not for several threads at a time.
+class ClipWriter {
+ public:
+  /// Makes the file. `passOn` is the clip whose other streams, chapters, rotation and texts are
+  /// taken over as far as the container holds them; null: none. Throws CommandError.
+  ClipWriter(const std::filesystem::path& path, const Encoding& encoding, const ClipInput* passOn);
+  ~ClipWriter();
+  ClipWriter(const ClipWriter&) = delete;
+  ClipWriter& operator=(const ClipWriter&) = delete;
+
+  /// Sentences on what was left out.
+  const std::vector<std::string>& Remarks() const { return remarks_; }
+
+  /// Time stamps in the encoding's time base, rising.
+  void WriteFrame(AVFrame& frame);
+  /// A packet of a stream of `passOn`; those of streams that are not taken over are dropped.
+  void PassOn(const AVPacket& packet);
+  /// An encoded packet of an earlier run with the same encoding.
+  void WriteEncoded(const AVPacket& packet, AVRational timeBase);
+
+  /// Frames that have reached the file.
+  std::int64_t FramesWritten() const { return framesWritten_; }
+
+  /// Writes what the encoder still holds, and the end of the file.
+  void Finish();
+  /// Ends the file with what has reached it.
+  void Abandon();
+
+ private:
+  void AddPassedStreams(const ClipInput& source);
+  void AddStream(const ClipInput& source, const AVStream& from);
+  void WriteHeader();
+  void Drain();
+  void Mux(AVPacket& packet);
+  [[noreturn]] void FailWriting(int result) const;
+
+  std::filesystem::path path_;
+  Encoding encoding_;
+  AvOutputPtr container_;
+  AvCodecPtr encoder_;
+  AVStream* video_ = nullptr;
+  std::vector<int> streamOf_;  ///< stream here of each stream of the source; -1: none
+  std::vector<AVRational> sourceTimeBases_;
+  AvPacketPtr packet_;
+  std::int64_t framesWritten_ = 0;
+  std::optional<std::int64_t> lastDts_;
+  std::vector<std::string> remarks_;
+  bool open_ = false;
+};
+
+/// Writes the clip again, packet by packet, with its head at one place, as players expect of a
+/// finished MP4 or MOV file, and with the chapters of `chapters`, where given. Throws CommandError.
+void RewriteClip(const std::filesystem::path& from, const std::filesystem::path& to,
+                 const ClipInput* chapters);
+
+/// MP4 and MOV are written in fragments while the run lasts, and so have to be written again.
+bool NeedsRewriting(const std::filesystem::path& path);

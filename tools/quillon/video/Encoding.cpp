@@ -1,0 +1,304 @@
+#include "tools/quillon/video/Encoding.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <thread>
+
+#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/io/TargetFile.h"
+
+extern "C" {
+#include <libavutil/opt.h>
+#include <libavutil/pixdesc.h>
+}
+
+using orvmediatypes::color::Chromaticity;
+using orvmediatypes::color::ColorDescription;
+
+namespace {
+
+/// One row an encoder. Empty: has no such option.
+struct EncoderTraits {
+  VideoCodec codec;
+  AVCodecID id;
+  const char* encoder;  ///< FFmpeg's name
+  const char* qualityOption;
+  double quality;
+  const char* preset;
+  const char* parameters;  ///< option that takes the encoder's own "name=value:..."
+};
+
+constexpr std::array<EncoderTraits, 5> kTraits = {{
+    {VideoCodec::H264, AV_CODEC_ID_H264, "libx264", "crf", 18, "medium", "x264-params"},
+    {VideoCodec::Hevc, AV_CODEC_ID_HEVC, "libx265", "crf", 20, "medium", "x265-params"},
+    {VideoCodec::Av1, AV_CODEC_ID_AV1, "libsvtav1", "crf", 28, "8", "svtav1-params"},
+    {VideoCodec::Ffv1, AV_CODEC_ID_FFV1, "ffv1", "", 0, "", ""},
+    {VideoCodec::ProRes, AV_CODEC_ID_PRORES, "prores_ks", "", 0, "", ""},
+}};
+
+const EncoderTraits& TraitsOf(VideoCodec codec) {
+  return *std::find_if(kTraits.begin(), kTraits.end(),
+                       [codec](const EncoderTraits& traits) { return traits.codec == codec; });
+}
+
+std::string NameOf(VideoCodec codec) {
+  for (const auto& choice : kVideoCodecs) {
+    if (choice.value == codec) return std::string(choice.name);
+  }
+  return {};
+}
+
+[[noreturn]] void Refuse(const std::string& sentence) {
+  throw CommandError(ExitCode::NotSupported, sentence);
+}
+
+bool IsHdr(const ColorDescription& colors) {
+  return colors.transfer == H273::kTransferPQ || colors.transfer == H273::kTransferHLG;
+}
+
+VideoCodec DefaultCodec(const ColorDescription& colors, const std::string& extension) {
+  if (extension == ".webm") return VideoCodec::Av1;
+  return IsHdr(colors) ? VideoCodec::Hevc : VideoCodec::H264;
+}
+
+Sampling DefaultSampling(VideoCodec codec, const SourceSamples& samples) {
+  const Sampling source = samples.sampling;
+  switch (codec) {
+    case VideoCodec::Ffv1:
+      return source;
+    case VideoCodec::ProRes:
+      return source == Sampling::C444 || source == Sampling::Rgb ? Sampling::C444 : Sampling::C422;
+    default:
+      return samples.oddSize ? Sampling::C444 : Sampling::C420;
+  }
+}
+
+int DefaultBits(VideoCodec codec, Sampling sampling, const ColorDescription& colors, int source) {
+  switch (codec) {
+    case VideoCodec::Ffv1:
+      if (sampling == Sampling::Rgb) source = std::max(source, 10);
+      return source <= 8 ? 8 : source <= 10 ? 10 : source <= 12 ? 12 : 16;
+    case VideoCodec::ProRes:
+      return 10;
+    default:
+      return IsHdr(colors) ? 10 : 8;
+  }
+}
+
+AVPixelFormat FormatOf(Sampling sampling, int bits) {
+  static constexpr std::array<const char*, 4> kStems = {"yuv420p", "yuv422p", "yuv444p", "gbrp"};
+  std::string name = kStems.at(static_cast<std::size_t>(sampling));
+  if (bits > 8) name += std::to_string(bits) + "le";
+  return av_get_pix_fmt(name.c_str());
+}
+
+const AVCodec& FindEncoder(VideoCodec codec) {
+  const char* name = TraitsOf(codec).encoder;
+  const AVCodec* encoder = avcodec_find_encoder_by_name(name);
+  if (encoder == nullptr) {
+    Refuse("this FFmpeg was built without " + std::string(name) + ", which --codec " +
+           NameOf(codec) + " needs; choose another codec");
+  }
+  return *encoder;
+}
+
+bool Takes(const AVCodec& encoder, AVPixelFormat format) {
+  for (const AVPixelFormat* f = encoder.pix_fmts; f != nullptr && *f != AV_PIX_FMT_NONE; ++f) {
+    if (*f == format) return true;
+  }
+  return false;
+}
+
+/// What an encoder takes, for messages: "420 8, 420 10, 444 8".
+std::string Takings(const AVCodec& encoder) {
+  std::string list;
+  for (const auto& sampling : kSamplings) {
+    for (const int bits : {8, 10, 12, 16}) {
+      if (!Takes(encoder, FormatOf(sampling.value, bits))) continue;
+      list += (list.empty() ? "" : ", ") + std::string(sampling.name) + " at " +
+              std::to_string(bits) + " bits";
+    }
+  }
+  return list;
+}
+
+AVPixelFormat SettleFormat(VideoCodec codec, Sampling sampling, int bits) {
+  const AVCodec& encoder = FindEncoder(codec);
+  const AVPixelFormat format = FormatOf(sampling, bits);
+  if (!Takes(encoder, format)) {
+    Refuse(std::string(encoder.name) + " does not take " +
+           std::string(kSamplings.at(static_cast<std::size_t>(sampling)).name) + " at " +
+           std::to_string(bits) + " bits; choose --chroma and --depth among: " + Takings(encoder));
+  }
+  return format;
+}
+
+void RequireContainer(VideoCodec codec, const std::filesystem::path& output) {
+  const AVOutputFormat* container = av_guess_format(nullptr, output.string().c_str(), nullptr);
+  if (container != nullptr &&
+      avformat_query_codec(container, TraitsOf(codec).id, FF_COMPLIANCE_NORMAL) == 1) {
+    return;
+  }
+  Refuse(output.string() + ": " + LowerCaseExtension(output) + " files do not hold " +
+         NameOf(codec) + "; name the output .mkv, or choose another --codec");
+}
+
+/// YCbCr by the matrix that goes with the primaries, in narrow range; R'G'B' in full range.
+void FitColors(ColorDescription& colors, Sampling sampling) {
+  colors.fullRange = sampling == Sampling::Rgb;
+  if (sampling == Sampling::Rgb) {
+    colors.matrix = H273::kMatrixIdentity;
+  } else if (colors.matrix == H273::kMatrixIdentity) {
+    colors.matrix =
+        colors.primaries == H273::kPrimariesBT2020 ? AVCOL_SPC_BT2020_NCL : AVCOL_SPC_BT709;
+  }
+}
+
+/// What H.265 says of the mastering display, in its units: "G(x,y)B(x,y)R(x,y)WP(x,y)L(max,min)".
+std::string MasteringInUnits(const ColorDescription& colors, double xyUnits, double nitsUnits,
+                             int decimals) {
+  const auto point = [&](const Chromaticity& at) {
+    char text[64];
+    std::snprintf(text, sizeof text, "(%.*f,%.*f)", decimals, at.x * xyUnits, decimals,
+                  at.y * xyUnits);
+    return std::string(text);
+  };
+  const auto& display = colors.masteringChromaticities;
+  return "G" + point(display.green) + "B" + point(display.blue) + "R" + point(display.red) + "WP" +
+         point(display.white) + "L" +
+         point({colors.masteringMaxLuminance * nitsUnits / xyUnits,
+                colors.masteringMinLuminance * nitsUnits / xyUnits});
+}
+
+std::string LightText(const ContentLight& light) {
+  return std::to_string(std::lround(light.maxCLL)) + "," +
+         std::to_string(std::lround(light.maxFALL));
+}
+
+std::string X265Parameters(const Encoding& encoding) {
+  const ColorDescription& colors = encoding.tags.colors;
+  std::string text = "log-level=error:open-gop=0";
+  if (IsHdr(colors)) text += ":repeat-headers=1";
+  if (colors.transfer == H273::kTransferHLG) text += ":atc-sei=18";
+  const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(encoding.pixelFormat);
+  if (format->log2_chroma_h == 1) text += ":chromaloc=" + std::to_string(colors.chromaLocation);
+  if (colors.masteringMaxLuminance > 0.0F) {
+    text += ":master-display=" + MasteringInUnits(colors, 50000, 10000, 0);
+  }
+  if (encoding.tags.light.maxCLL > 0.0F)
+    text += ":hdr10=1:max-cll=" + LightText(encoding.tags.light);
+  return text;
+}
+
+std::string X264Parameters(const Encoding& encoding) {
+  const ColorDescription& colors = encoding.tags.colors;
+  std::string text = "open-gop=0";
+  const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(encoding.pixelFormat);
+  if (format->log2_chroma_h == 1) text += ":chromaloc=" + std::to_string(colors.chromaLocation);
+  if (colors.masteringMaxLuminance > 0.0F) {
+    text += ":mastering-display=" + MasteringInUnits(colors, 50000, 10000, 0);
+  }
+  if (encoding.tags.light.maxCLL > 0.0F) text += ":cll=" + LightText(encoding.tags.light);
+  return text;
+}
+
+std::string SvtAv1Parameters(const Encoding& encoding) {
+  const ColorDescription& colors = encoding.tags.colors;
+  std::string text = "color-primaries=" + std::to_string(colors.primaries) +
+                     ":transfer-characteristics=" + std::to_string(colors.transfer) +
+                     ":matrix-coefficients=" + std::to_string(colors.matrix) +
+                     ":color-range=" + (colors.fullRange ? "1" : "0");
+  if (IsHdr(colors)) text += ":enable-hdr=1";
+  if (colors.masteringMaxLuminance > 0.0F) {
+    text += ":mastering-display=" + MasteringInUnits(colors, 1, 1, 4);
+  }
+  if (encoding.tags.light.maxCLL > 0.0F) text += ":content-light=" + LightText(encoding.tags.light);
+  return text;
+}
+
+std::string ParametersOf(const Encoding& encoding) {
+  switch (encoding.codec) {
+    case VideoCodec::Hevc:
+      return X265Parameters(encoding);
+    case VideoCodec::H264:
+      return X264Parameters(encoding);
+    case VideoCodec::Av1:
+      return SvtAv1Parameters(encoding);
+    default:
+      return {};
+  }
+}
+
+/// Key frames every two seconds, so that players seek fast and a broken-off run loses little.
+int KeyFrameInterval(const Encoding& encoding) {
+  constexpr double kSeconds = 2.0;
+  const double rate = encoding.frameRate.num > 0 ? av_q2d(encoding.frameRate) : 25.0;
+  return std::max(1, static_cast<int>(std::lround(kSeconds * rate)));
+}
+
+std::string FormatNumber(double number) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g", number);
+  return text;
+}
+
+}  // namespace
+
+Encoding SettleEncoding(const EncodingWishes& wishes, const SourceSamples& source,
+                        const ClipTags& tags, const std::filesystem::path& output) {
+  Encoding encoding;
+  encoding.codec = wishes.codec.value_or(DefaultCodec(tags.colors, LowerCaseExtension(output)));
+  RequireContainer(encoding.codec, output);
+  const EncoderTraits& traits = TraitsOf(encoding.codec);
+  const Sampling sampling = wishes.sampling.value_or(DefaultSampling(encoding.codec, source));
+  const int bits =
+      wishes.bits.value_or(DefaultBits(encoding.codec, sampling, tags.colors, source.bits));
+  encoding.pixelFormat = SettleFormat(encoding.codec, sampling, bits);
+  encoding.tags = tags;
+  FitColors(encoding.tags.colors, sampling);
+
+  const bool hasQuality = *traits.qualityOption != '\0';
+  if (!hasQuality && (wishes.quality || wishes.preset)) {
+    Refuse("--quality and --preset have no effect with --codec " + NameOf(encoding.codec) +
+           "; leave them out");
+  }
+  if (hasQuality) encoding.quality = wishes.quality.value_or(traits.quality);
+  encoding.preset = wishes.preset.value_or(traits.preset);
+  return encoding;
+}
+
+AvCodecPtr OpenEncoder(const Encoding& encoding, bool globalHeader) {
+  const AVCodec& codec = FindEncoder(encoding.codec);
+  const EncoderTraits& traits = TraitsOf(encoding.codec);
+  AvCodecPtr encoder(avcodec_alloc_context3(&codec));
+  if (encoder == nullptr) throw std::bad_alloc();
+  encoder->width = encoding.width;
+  encoder->height = encoding.height;
+  encoder->pix_fmt = encoding.pixelFormat;
+  encoder->time_base = encoding.timeBase;
+  encoder->framerate = encoding.frameRate;
+  encoder->sample_aspect_ratio = encoding.sampleAspect;
+  encoder->gop_size = encoding.codec == VideoCodec::Ffv1 ? 1 : KeyFrameInterval(encoding);
+  encoder->thread_count = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+  if (globalHeader) encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+  TagEncoder(encoding.tags.colors, *encoder);
+
+  AvOptions options;
+  if (!encoding.preset.empty()) options.Set("preset", encoding.preset);
+  if (encoding.quality) options.Set(traits.qualityOption, FormatNumber(*encoding.quality));
+  if (*traits.parameters != '\0') options.Set(traits.parameters, ParametersOf(encoding));
+  if (encoding.codec == VideoCodec::Ffv1) {
+    encoder->level = 3;
+    options.Set("slicecrc", "1");
+  }
+  const int result = avcodec_open2(encoder.get(), &codec, options.Address());
+  if (result < 0) {
+    Refuse(std::string(codec.name) + " does not take these settings (" + AvErrorText(result) +
+           "); check --preset, --quality and the size (" + std::to_string(encoding.width) + "x" +
+           std::to_string(encoding.height) + ")");
+  }
+  return encoder;
+}
