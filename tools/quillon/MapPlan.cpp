@@ -11,6 +11,7 @@
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/Frames.h"
 #include "tools/quillon/SourcePeak.h"
+#include "tools/quillon/SourceTags.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
@@ -18,29 +19,6 @@ using orvmediatypes::color::ToneMapAlgorithmType;
 using PX::ToneMappingUtils::ToneMapSettings;
 
 namespace {
-
-ColorDescription TaggedSource(const MapOptions& options, const Still& still) {
-  const ColorDescription file = still.frame->GetColorSpace().Description();
-  if (!options.source.has_value()) return file;
-  ColorDescription tagged = file;
-  tagged.primaries = options.source->primaries;
-  tagged.transfer = options.source->transfer;
-  tagged.chromaticities = {};
-  const bool fileTellsMatrix = file.matrix != 0 && file.matrix != H273::kUnspecified;
-  if (options.sourceTellsMatrix || !fileTellsMatrix) tagged.matrix = options.source->matrix;
-  return tagged;
-}
-
-void RequireTags(const MapOptions& options, const ColorDescription& tagged) {
-  const auto tells = [](std::uint8_t point) { return point != 0 && point != H273::kUnspecified; };
-  const bool tellsPrimaries =
-      tells(tagged.primaries) || H273::ChromaticitiesOf(ColorSpace(tagged)).has_value();
-  if (tells(tagged.transfer) && tellsPrimaries) return;
-  throw CommandError(ExitCode::CannotRead,
-                     options.input.string() + " does not say which colour space it is in (" +
-                         DescribeColorSpace(tagged) + "); tell with --from NAME (" +
-                         ColorSpaceNames() + ") or --from-cicp P/T/M");
-}
 
 bool IsBT2390(ToneMapAlgorithmType algorithm) {
   return algorithm == ToneMapAlgorithmType::ITU2390MaxRGB ||
@@ -124,8 +102,9 @@ MapPlan PlanMap(const MapOptions& options, const Still& still) {
   MapPlan plan;
   plan.white = options.white;
   plan.device = OpenChosenDevice(options.device);
-  plan.taggedSource = TaggedSource(options, still);
-  RequireTags(options, plan.taggedSource);
+  plan.taggedSource = TaggedSource(still.frame->GetColorSpace().Description(),
+                                   {options.source, options.sourceTellsMatrix});
+  RequireTags(options.input, plan.taggedSource, "");
 
   const PX::VideoFrameRef& picture = still.frame;
   picture->SetColorSpace(ColorSpace(plan.taggedSource));
