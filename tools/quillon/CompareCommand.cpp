@@ -2,15 +2,20 @@
 #include <iostream>
 #include <memory>
 
+#include "tools/quillon/BitmapFrame.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/Compare.h"
 #include "tools/quillon/CompareJson.h"
 #include "tools/quillon/CompareOptions.h"
 #include "tools/quillon/CompareTable.h"
+#include "tools/quillon/CompareViews.h"
+#include "tools/quillon/PictureForEye.h"
 #include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/io/Still.h"
+#include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/io/WriteStill.h"
 
 using orvmediatypes::color::ColorSpace;
 
@@ -66,8 +71,40 @@ void WriteJson(const CompareOptions& options, const std::string& json) {
   WriteTargetFile(*options.json, bytes, options.overwrite);
 }
 
-void RunCompare(const CompareOptions& options) {
+void CheckTargets(const CompareOptions& options) {
+  if (options.output) {
+    if (LowerCaseExtension(*options.output) != ".png") {
+      throw StillError(StillErrorKind::NotSupported, *options.output, "a view is a PNG picture",
+                       "give it a name that ends in .png");
+    }
+    CheckTargetFile(*options.output, options.overwrite);
+  }
   if (options.json && !options.PrintsJson()) CheckTargetFile(*options.json, options.overwrite);
+}
+
+void WriteView(const CompareOptions& options, const Comparison& comparison, const Still& a,
+               const Still& b) {
+  ViewSettings view;
+  view.view = options.view;
+  view.splitShare = options.splitShare.value_or(view.splitShare);
+  if (view.ShowsPictures()) {
+    view.hdrPeakNits = CommonHdrPeak(a.frame, b.frame, options.settings.white);
+  }
+  if (view.hdrPeakNits && !options.quiet) {
+    std::cerr << "note: HDR is mapped to sRGB for the view as 'quillon map' does, from a peak of "
+              << *view.hdrPeakNits << " nits in both pictures; the figures are of the pictures "
+              << "themselves\n";
+  }
+  StillOutput output;
+  output.frame =
+      FrameOfBitmap(DrawCompareView(a.frame, b.frame, comparison, options.settings, view));
+  output.overwrite = options.overwrite;
+  WriteStill(output, *options.output);
+}
+
+void RunCompare(const CompareOptions& options) {
+  CheckCompareOptions(options);
+  CheckTargets(options);
   const Still a = ReadCompared(options.a, "-a");
   const Still b = ReadCompared(options.b, "-b");
   if (!options.quiet) {
@@ -75,11 +112,27 @@ void RunCompare(const CompareOptions& options) {
     NoteRemarks(std::cerr, options.b, b, options.settings.white);
   }
   const Comparison comparison = ComparePictures(a.frame, b.frame, options.settings);
+  if (options.output) WriteView(options, comparison, a, b);
   if (options.json) WriteJson(options, Json(options, comparison, a, b));
   if (options.quiet || options.PrintsJson()) return;
   PrintPicture(std::cout, "A", options.a, a);
   PrintPicture(std::cout, "B", options.b, b);
   PrintComparison(std::cout, comparison, options.settings);
+}
+
+void AddViewOptions(CLI::App& compare, CompareOptions& options) {
+  CLI::Option* output =
+      compare.add_option("OUTPUT", options.output, "PNG picture of the view to write, in sRGB");
+  AddChoice(compare, "--view", kCompareViews, options.view,
+            "What to draw (side-by-side when not given): A beside B; the left of A and the right "
+            "of B; delta-E ITP in false colours; what is clipped or out of gamut")
+      ->needs(output);
+  compare
+      .add_option("--split", options.splitShare,
+                  "Share of the width that --view split gives A (0.5 when not given)")
+      ->check(CLI::Range(0.0, 1.0))
+      ->type_name("SHARE")
+      ->needs(output);
 }
 
 void AddOptions(CLI::App& compare, CompareOptions& options) {
@@ -111,10 +164,12 @@ Subcommand AddCompareCommand(CLI::App& app) {
       *app.add_subcommand("compare", "Tell how far two pictures of one size lie apart");
   compare.add_option("A", options->a.path, "EXR, Radiance HDR, PNG or AVIF picture")->required();
   compare.add_option("B", options->b.path, "Picture to compare it with")->required();
+  AddViewOptions(compare, *options);
   AddOptions(compare, *options);
   compare.footer(
       "Examples:\n"
       "  quillon compare master.avif copy.png\n"
+      "  quillon compare --view delta-e master.avif copy.png difference.png\n"
       "  quillon compare --json - --gamut bt709 master.exr graded.exr");
   return [options] { RunCompare(*options); };
 }

@@ -1,8 +1,19 @@
 #include "tools/quillon/CompareOptions.h"
 
+#include "tools/quillon/ExitCodes.h"
+
 std::string_view ComparedGamutName(std::uint8_t primaries) {
   for (const auto& choice : kComparedGamuts) {
     if (choice.value == primaries) return choice.name;
   }
   return {};
+}
+
+void CheckCompareOptions(const CompareOptions& options) {
+  if (options.splitShare && options.view != CompareView::Split) {
+    throw CommandError(ExitCode::Usage, "--split has no effect without --view split");
+  }
+  if (options.json && options.output && *options.json == *options.output) {
+    throw CommandError(ExitCode::Usage, "the view and the figures cannot be one file");
+  }
 }

@@ -8,6 +8,7 @@
 
 #include "tools/quillon/Choice.h"
 #include "tools/quillon/Compare.h"
+#include "tools/quillon/CompareViews.h"
 #include "tools/quillon/SourceTags.h"
 
 /// What `--gamut` of `quillon compare` takes: ITU-T H.273 primaries.
@@ -28,6 +29,10 @@ struct CompareOptions {
   ComparedFile a;
   ComparedFile b;
   CompareSettings settings;
+  /// The view to draw; none without it.
+  std::optional<std::filesystem::path> output;
+  CompareView view = CompareView::SideBySide;
+  std::optional<double> splitShare;
   /// Where the figures go as JSON; "-": standard output, in place of the table.
   std::optional<std::filesystem::path> json;
   bool overwrite = false;
@@ -35,3 +40,6 @@ struct CompareOptions {
 
   bool PrintsJson() const { return json.has_value() && *json == "-"; }
 };
+
+/// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
+void CheckCompareOptions(const CompareOptions& options);
