@@ -25,7 +25,7 @@ PX::VideoFrameRef MakeByteFrame(int width, int height) {
 }  // namespace
 
 PX::VideoFrameRef FrameOfBitmap(const Bitmap& bitmap) {
-  const PX::VideoFrameRef frame = MakeByteFrame(bitmap.width, bitmap.height);
+  PX::VideoFrameRef frame = MakeByteFrame(bitmap.width, bitmap.height);
   const FramePixels pixels = PixelsOf(frame);
   const std::size_t rowBytes = std::size_t{4} * bitmap.width;
   for (int y = 0; y < bitmap.height; ++y) {

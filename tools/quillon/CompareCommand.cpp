@@ -56,30 +56,26 @@ std::string Json(const CompareOptions& options, const Comparison& comparison, co
   return FormatJson(json);
 }
 
-void PrintPicture(std::ostream& out, const char* name, const ComparedFile& file,
-                  const Still& still) {
-  out << name << ": " << file.path.string() << ", "
-      << DescribeColorSpace(still.frame->GetColorSpace().Description()) << '\n';
-}
-
-void WriteJson(const CompareOptions& options, const std::string& json) {
-  if (options.PrintsJson()) {
-    std::cout << json;
-    return;
-  }
-  const std::vector<std::uint8_t> bytes(json.begin(), json.end());
-  WriteTargetFile(*options.json, bytes, options.overwrite);
+void PrintTable(std::ostream& out, const CompareOptions& options, const Comparison& comparison,
+                const Still& a, const Still& b) {
+  const auto describe = [&out](const char* name, const ComparedFile& file, const Still& still) {
+    out << name << ": " << file.path.string() << ", "
+        << DescribeColorSpace(still.frame->GetColorSpace().Description()) << '\n';
+  };
+  describe("A", options.a, a);
+  describe("B", options.b, b);
+  PrintComparison(out, comparison, options.settings);
 }
 
 void CheckTargets(const CompareOptions& options) {
-  if (options.output) {
-    if (LowerCaseExtension(*options.output) != ".png") {
-      throw StillError(StillErrorKind::NotSupported, *options.output, "a view is a PNG picture",
+  if (!options.output.empty()) {
+    if (LowerCaseExtension(options.output) != ".png") {
+      throw StillError(StillErrorKind::NotSupported, options.output, "a view is a PNG picture",
                        "give it a name that ends in .png");
     }
-    CheckTargetFile(*options.output, options.overwrite);
+    CheckTargetFile(options.output, options.overwrite);
   }
-  if (options.json && !options.PrintsJson()) CheckTargetFile(*options.json, options.overwrite);
+  if (options.WritesJson()) CheckTargetFile(options.json, options.overwrite);
 }
 
 void WriteView(const CompareOptions& options, const Comparison& comparison, const Still& a,
@@ -91,15 +87,17 @@ void WriteView(const CompareOptions& options, const Comparison& comparison, cons
     view.hdrPeakNits = CommonHdrPeak(a.frame, b.frame, options.settings.white);
   }
   if (view.hdrPeakNits && !options.quiet) {
-    std::cerr << "note: HDR is mapped to sRGB for the view as 'quillon map' does, from a peak of "
-              << *view.hdrPeakNits << " nits in both pictures; the figures are of the pictures "
-              << "themselves\n";
+    std::cerr
+        << "note: for the view, what is not SDR is mapped to sRGB as 'quillon map' does, from "
+           "a peak of "
+        << *view.hdrPeakNits << " nits in both pictures; the figures are of the pictures "
+        << "themselves\n";
   }
   StillOutput output;
   output.frame =
       FrameOfBitmap(DrawCompareView(a.frame, b.frame, comparison, options.settings, view));
   output.overwrite = options.overwrite;
-  WriteStill(output, *options.output);
+  WriteStill(output, options.output);
 }
 
 void RunCompare(const CompareOptions& options) {
@@ -112,12 +110,17 @@ void RunCompare(const CompareOptions& options) {
     NoteRemarks(std::cerr, options.b, b, options.settings.white);
   }
   const Comparison comparison = ComparePictures(a.frame, b.frame, options.settings);
-  if (options.output) WriteView(options, comparison, a, b);
-  if (options.json) WriteJson(options, Json(options, comparison, a, b));
-  if (options.quiet || options.PrintsJson()) return;
-  PrintPicture(std::cout, "A", options.a, a);
-  PrintPicture(std::cout, "B", options.b, b);
-  PrintComparison(std::cout, comparison, options.settings);
+  if (!options.output.empty()) WriteView(options, comparison, a, b);
+  if (options.WritesJson()) {
+    const std::string json = Json(options, comparison, a, b);
+    const std::vector<std::uint8_t> bytes(json.begin(), json.end());
+    WriteTargetFile(options.json, bytes, options.overwrite);
+  }
+  if (options.PrintsJson()) {
+    std::cout << Json(options, comparison, a, b);
+  } else if (!options.quiet) {
+    PrintTable(std::cout, options, comparison, a, b);
+  }
 }
 
 void AddViewOptions(CLI::App& compare, CompareOptions& options) {

@@ -29,16 +29,17 @@ struct CompareOptions {
   ComparedFile a;
   ComparedFile b;
   CompareSettings settings;
-  /// The view to draw; none without it.
-  std::optional<std::filesystem::path> output;
+  /// The view to draw; empty: none.
+  std::filesystem::path output;
   CompareView view = CompareView::SideBySide;
   std::optional<double> splitShare;
-  /// Where the figures go as JSON; "-": standard output, in place of the table.
-  std::optional<std::filesystem::path> json;
+  /// Where the figures go as JSON; empty: nowhere; "-": standard output, in place of the table.
+  std::filesystem::path json;
   bool overwrite = false;
   bool quiet = false;
 
-  bool PrintsJson() const { return json.has_value() && *json == "-"; }
+  bool PrintsJson() const { return json == "-"; }
+  bool WritesJson() const { return !json.empty() && !PrintsJson(); }
 };
 
 /// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.

@@ -80,6 +80,7 @@ Bitmap DrawDeltaE(const Comparison& comparison) {
     pixel += kPixelBytes;
   }
   std::vector<LegendEntry> entries;
+  entries.reserve(kDeltaEBands.size() + 1);
   for (const DeltaEBand& band : kDeltaEBands) {
     entries.push_back({std::string(band.label), band.color});
   }

@@ -38,8 +38,9 @@ Bitmap DrawLegend(const std::string& title, const std::vector<LegendEntry>& entr
   scene.height = 2 * kMargin + (1 + rows) * kRowHeight;
   AddText(scene, title, kMargin, kMargin, true);
   for (int i = 0; i < static_cast<int>(entries.size()); ++i) {
-    AddEntry(scene, entries[i], kMargin + kColumnWidth * (i % kColumns),
-             kMargin + kRowHeight * (1 + i / kColumns));
+    const int left = kMargin + kColumnWidth * (i % kColumns);
+    const int top = kMargin + kRowHeight * (1 + i / kColumns);
+    AddEntry(scene, entries[i], left, top);
   }
   return DrawBitmap(scene);
 }

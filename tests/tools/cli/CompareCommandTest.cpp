@@ -15,7 +15,6 @@ using nlohmann::json;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 constexpr std::uint8_t kSrgb = 13;
 constexpr std::uint8_t kPq = 16;
@@ -122,7 +121,7 @@ TEST_F(CompareCommand, ShowsHdrMappedToSrgbAndSaysSo) {
   const RunResult run =
       RunQuillon({"compare", Tagged("a.png", kPq, 140, 200), Srgb("b.png", 100, 255), output});
   EXPECT_EQ(run.exitCode, 0) << run.err;
-  EXPECT_THAT(run.err, HasSubstr("note: HDR is mapped to sRGB for the view"));
+  EXPECT_THAT(run.err, HasSubstr("note: for the view, what is not SDR is mapped to sRGB"));
   const Still view = ReadStill(output);
   EXPECT_EQ(view.frame->GetBounds().width, 17);
   EXPECT_EQ(view.frame->GetBounds().height, 4);
@@ -186,6 +185,7 @@ TEST_F(CompareCommand, RefusesOptionsThatWouldHaveNoEffectAndValuesOutOfRange) {
       {{"--split", "0.5"}, "OUTPUT"},
       {{folder_ / "v.png", "--split", "0.5"}, "--view split"},
       {{folder_ / "v.png", "--view", "split", "--split", "1.5"}, "--split"},
+      {{folder_ / "v.png", "--view", "split", "--split", "nan"}, "--split"},
       {{folder_ / "v.png", "--json", folder_ / "v.png"}, "cannot be one file"},
       {{folder_ / "v.png", "--view", "heat"}, "side-by-side|split|delta-e|clip"},
       {{"--gamut", "xyz"}, "bt709|p3-d65|bt2020"},

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
@@ -49,7 +50,7 @@ TEST(DrawCompareView, SplitsAtTheShareThatIsAskedFor) {
   for (const double share : {0.1, 0.5, 0.9}) {
     const Bitmap view = Draw(a, b, {CompareView::Split, share, {}});
     ASSERT_EQ(view.width, kWidth);
-    const int split = static_cast<int>(share * kWidth + 0.5);
+    const int split = static_cast<int>(std::lround(share * kWidth));
     EXPECT_EQ(At(view, split - 1, 2), (FalseColor{51, 51, 51})) << share;
     EXPECT_EQ(At(view, split, 2), kDivider) << share;
     EXPECT_EQ(At(view, split + 1, 2), (FalseColor{204, 204, 204})) << share;

@@ -10,7 +10,7 @@ PX::VideoFrameRef MakeTestFrame(int width, int height, std::uint8_t primaries,
   orvmediatypes::color::ColorDescription description;
   description.primaries = primaries;
   description.transfer = transfer;
-  const PX::VideoFrameRef frame =
+  PX::VideoFrameRef frame =
       MakeFloatFrame(width, height, orvmediatypes::color::ColorSpace(description));
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) SetTestPixel(frame, x, y, pixel(x, y));
