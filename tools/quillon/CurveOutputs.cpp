@@ -2,16 +2,11 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 #include <utility>
 
-#include "host/KS/CreateFrames.h"
-#include "refhost/kestrel/PixelFormats.h"
-#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/BitmapFrame.h"
 #include "tools/quillon/CurveCsv.h"
-#include "tools/quillon/ExitCodes.h"
-#include "tools/quillon/io/FramePixels.h"
 #include "tools/quillon/io/StillEncoders.h"
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/TargetFile.h"
@@ -35,18 +30,8 @@ Bytes EncodeCsv(const CurveData& data, const fs::path& /*path*/) {
 }
 
 Bytes EncodePlotPng(const CurveData& data, const fs::path& path) {
-  const Bitmap bitmap = DrawBitmap(MakeCurveScene(data));
   StillOutput output;
-  if (KS::CreateVideoFrame(output.frame, KS::kBgra8, bitmap.width, bitmap.height, {},
-                           orvmediatypes::color::ColorSpace(ColorSpaceOfName("srgb")), false,
-                           false) < 0) {
-    throw CommandError(ExitCode::NotSupported, path.string() + ": there is no memory for it");
-  }
-  const FramePixels pixels = PixelsOf(output.frame);
-  const std::size_t rowBytes = std::size_t{4} * bitmap.width;
-  for (int y = 0; y < bitmap.height; ++y) {
-    std::memcpy(pixels.Row<std::uint8_t>(y), bitmap.bgra.data() + y * rowBytes, rowBytes);
-  }
+  output.frame = FrameOfBitmap(DrawBitmap(MakeCurveScene(data)));
   return EncodePng(output, path);
 }
 

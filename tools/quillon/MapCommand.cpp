@@ -27,17 +27,6 @@ constexpr std::array<Choice<GamutCompressionAlgorithmType>, 3> kGamuts = {{
     {"desaturate", GamutCompressionAlgorithmType::Desaturation},
 }};
 
-/// An option that takes one of the named values and refuses all others.
-template <class Value, std::size_t Count>
-CLI::Option* AddChoice(CLI::App& app, const std::string& name,
-                       const std::array<Choice<Value>, Count>& choices, Value& value,
-                       const std::string& help) {
-  const auto assign = [&choices, &value, name](const std::string& text) {
-    value = ParseChoice(name, choices, text);
-  };
-  return app.add_option_function<std::string>(name, assign, help)->type_name(ChoiceNames(choices));
-}
-
 void ParsePeak(const std::string& text, MapOptions& options) {
   if (text == "metadata") {
     options.peakSource = PeakSource::Metadata;

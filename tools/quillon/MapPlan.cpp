@@ -11,6 +11,7 @@
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/Frames.h"
 #include "tools/quillon/LightLevels.h"
+#include "tools/quillon/SourceTags.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
@@ -18,17 +19,6 @@ using orvmediatypes::color::ToneMapAlgorithmType;
 using PX::ToneMappingUtils::ToneMapSettings;
 
 namespace {
-
-void RequireTags(const MapOptions& options, const ColorDescription& tagged) {
-  const auto tells = [](std::uint8_t point) { return point != 0 && point != H273::kUnspecified; };
-  const bool tellsPrimaries =
-      tells(tagged.primaries) || H273::ChromaticitiesOf(ColorSpace(tagged)).has_value();
-  if (tells(tagged.transfer) && tellsPrimaries) return;
-  throw CommandError(ExitCode::CannotRead,
-                     options.input.string() + " does not say which colour space it is in (" +
-                         DescribeColorSpace(tagged) + "); tell with --from NAME (" +
-                         ColorSpaceNames() + ") or --from-cicp P/T/M");
-}
 
 bool IsBT2390(ToneMapAlgorithmType algorithm) {
   return algorithm == ToneMapAlgorithmType::ITU2390MaxRGB ||
@@ -122,15 +112,8 @@ MapPlan BeginPlan(const MapOptions& options, const ColorDescription& file) {
 }  // namespace
 
 ColorDescription TaggedColors(const MapOptions& options, const ColorDescription& file) {
-  ColorDescription tagged = file;
-  if (options.source.has_value()) {
-    tagged.primaries = options.source->primaries;
-    tagged.transfer = options.source->transfer;
-    tagged.chromaticities = {};
-    const bool fileTellsMatrix = file.matrix != 0 && file.matrix != H273::kUnspecified;
-    if (options.sourceTellsMatrix || !fileTellsMatrix) tagged.matrix = options.source->matrix;
-  }
-  RequireTags(options, tagged);
+  const ColorDescription tagged = TaggedSource(file, {options.source, options.sourceTellsMatrix});
+  RequireTags(options.input, tagged, "");
   return tagged;
 }
 

@@ -12,29 +12,33 @@ bool ParseNits(const std::string& text, double& nits) {
 }
 
 void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string& fromHelp) {
-  const std::string names = "NAME";
   CLI::Option* to =
       app.add_option_function<std::string>(
              "--to", [&](const std::string& name) { options.destination = ColorSpaceOfName(name); },
              "Colour space of the result: " + ColorSpaceNames() +
                  " (when not given: srgb, for clips bt709)")
-          ->type_name(names);
+          ->type_name("NAME");
   app.add_option_function<std::string>(
          "--to-cicp",
          [&](const std::string& text) { options.destination = ColorSpaceOfCicp(text); },
          "The same by ITU-T H.273 code points")
       ->type_name("P/T/M")
       ->excludes(to);
+  AddSourceOptions(app, options.source, options.sourceTellsMatrix, "", fromHelp);
+}
+
+void AddSourceOptions(CLI::App& app, std::optional<orvmediatypes::color::ColorDescription>& source,
+                      bool& tellsMatrix, const std::string& suffix, const std::string& help) {
   CLI::Option* from =
       app.add_option_function<std::string>(
-             "--from", [&](const std::string& name) { options.source = ColorSpaceOfName(name); },
-             fromHelp)
-          ->type_name(names);
+             "--from" + suffix, [&](const std::string& name) { source = ColorSpaceOfName(name); },
+             help)
+          ->type_name("NAME");
   app.add_option_function<std::string>(
-         "--from-cicp",
+         "--from-cicp" + suffix,
          [&](const std::string& text) {
-           options.source = ColorSpaceOfCicp(text);
-           options.sourceTellsMatrix = true;
+           source = ColorSpaceOfCicp(text);
+           tellsMatrix = true;
          },
          "The same by ITU-T H.273 code points")
       ->type_name("P/T/M")
@@ -80,6 +84,10 @@ void AddDeviceOption(CLI::App& app, MapOptions& options) {
 }
 
 void AddOutputOptions(CLI::App& app, MapOptions& options) {
-  app.add_flag("--overwrite", options.overwrite, "Replace an output that exists");
-  app.add_flag("--quiet", options.quiet, "Print nothing but errors");
+  AddOutputOptions(app, options.overwrite, options.quiet);
+}
+
+void AddOutputOptions(CLI::App& app, bool& overwrite, bool& quiet) {
+  app.add_flag("--overwrite", overwrite, "Replace an output that exists");
+  app.add_flag("--quiet", quiet, "Print nothing but errors");
 }

@@ -1,0 +1,178 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+
+#include "tools/quillon/BitmapFrame.h"
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/Commands.h"
+#include "tools/quillon/Compare.h"
+#include "tools/quillon/CompareJson.h"
+#include "tools/quillon/CompareOptions.h"
+#include "tools/quillon/CompareTable.h"
+#include "tools/quillon/CompareViews.h"
+#include "tools/quillon/PictureForEye.h"
+#include "tools/quillon/SharedOptions.h"
+#include "tools/quillon/io/Still.h"
+#include "tools/quillon/io/StillError.h"
+#include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/io/WriteStill.h"
+
+using orvmediatypes::color::ColorSpace;
+
+namespace {
+
+/// The picture, tagged.
+Still ReadCompared(const ComparedFile& file, const std::string& optionSuffix) {
+  Still still = ReadStill(file.path);
+  const auto tagged = TaggedSource(still.frame->GetColorSpace().Description(), file.source);
+  RequireTags(file.path, tagged, optionSuffix);
+  still.frame->SetColorSpace(ColorSpace(tagged));
+  return still;
+}
+
+void NoteRemarks(std::ostream& notes, const ComparedFile& file, const Still& still, int white) {
+  const std::string start = "note: " + file.path.string() + ": ";
+  for (const std::string& remark : still.remarks) notes << start << remark << '\n';
+  if (still.whiteNits <= 0.0F || still.whiteNits == static_cast<float>(white)) return;
+  notes << start << "the file says that its 1.0 is " << still.whiteNits
+        << " nits; it is compared as " << white << " nits, which --white changes\n";
+}
+
+/// What is told of one picture: the file, then the figures.
+nlohmann::ordered_json PictureJson(const ComparedFile& file, const Still& still,
+                                   const nlohmann::ordered_json& figures) {
+  nlohmann::ordered_json json = {
+      {"file", file.path.string()},
+      {"color_space", ColorSpaceJson(still.frame->GetColorSpace().Description())}};
+  json.update(figures);
+  return json;
+}
+
+std::string Json(const CompareOptions& options, const Comparison& comparison, const Still& a,
+                 const Still& b) {
+  nlohmann::ordered_json json = CompareFiguresJson(comparison, options.settings);
+  json["a"] = PictureJson(options.a, a, json["a"]);
+  json["b"] = PictureJson(options.b, b, json["b"]);
+  return FormatJson(json);
+}
+
+void PrintTable(std::ostream& out, const CompareOptions& options, const Comparison& comparison,
+                const Still& a, const Still& b) {
+  const auto describe = [&out](const char* name, const ComparedFile& file, const Still& still) {
+    out << name << ": " << file.path.string() << ", "
+        << DescribeColorSpace(still.frame->GetColorSpace().Description()) << '\n';
+  };
+  describe("A", options.a, a);
+  describe("B", options.b, b);
+  PrintComparison(out, comparison, options.settings);
+}
+
+void CheckTargets(const CompareOptions& options) {
+  if (!options.output.empty()) {
+    if (LowerCaseExtension(options.output) != ".png") {
+      throw StillError(StillErrorKind::NotSupported, options.output, "a view is a PNG picture",
+                       "give it a name that ends in .png");
+    }
+    CheckTargetFile(options.output, options.overwrite);
+  }
+  if (options.WritesJson()) CheckTargetFile(options.json, options.overwrite);
+}
+
+void WriteView(const CompareOptions& options, const Comparison& comparison, const Still& a,
+               const Still& b) {
+  ViewSettings view;
+  view.view = options.view;
+  view.splitShare = options.splitShare.value_or(view.splitShare);
+  if (view.ShowsPictures()) {
+    view.hdrPeakNits = CommonHdrPeak(a.frame, b.frame, options.settings.white);
+  }
+  if (view.hdrPeakNits && !options.quiet) {
+    std::cerr
+        << "note: for the view, what is not SDR is mapped to sRGB as 'quillon map' does, from "
+           "a peak of "
+        << *view.hdrPeakNits << " nits in both pictures; the figures are of the pictures "
+        << "themselves\n";
+  }
+  StillOutput output;
+  output.frame =
+      FrameOfBitmap(DrawCompareView(a.frame, b.frame, comparison, options.settings, view));
+  output.overwrite = options.overwrite;
+  WriteStill(output, options.output);
+}
+
+void RunCompare(const CompareOptions& options) {
+  CheckCompareOptions(options);
+  CheckTargets(options);
+  const Still a = ReadCompared(options.a, "-a");
+  const Still b = ReadCompared(options.b, "-b");
+  if (!options.quiet) {
+    NoteRemarks(std::cerr, options.a, a, options.settings.white);
+    NoteRemarks(std::cerr, options.b, b, options.settings.white);
+  }
+  const Comparison comparison = ComparePictures(a.frame, b.frame, options.settings);
+  if (!options.output.empty()) WriteView(options, comparison, a, b);
+  if (options.WritesJson()) {
+    const std::string json = Json(options, comparison, a, b);
+    const std::vector<std::uint8_t> bytes(json.begin(), json.end());
+    WriteTargetFile(options.json, bytes, options.overwrite);
+  }
+  if (options.PrintsJson()) {
+    std::cout << Json(options, comparison, a, b);
+  } else if (!options.quiet) {
+    PrintTable(std::cout, options, comparison, a, b);
+  }
+}
+
+void AddViewOptions(CLI::App& compare, CompareOptions& options) {
+  CLI::Option* output =
+      compare.add_option("OUTPUT", options.output, "PNG picture of the view to write, in sRGB");
+  AddChoice(compare, "--view", kCompareViews, options.view,
+            "What to draw (side-by-side when not given): A beside B; the left of A and the right "
+            "of B; delta-E ITP in false colours; what is clipped or out of gamut")
+      ->needs(output);
+  compare
+      .add_option("--split", options.splitShare,
+                  "Share of the width that --view split gives A (0.5 when not given)")
+      ->check(CLI::Range(0.0, 1.0))
+      ->type_name("SHARE")
+      ->needs(output);
+}
+
+void AddOptions(CLI::App& compare, CompareOptions& options) {
+  compare
+      .add_option("--json", options.json,
+                  "Write the figures as JSON, to a file or, in place of the table, to standard "
+                  "output (-)")
+      ->type_name("FILE|-");
+  AddChoice(compare, "--gamut", kComparedGamuts, options.settings.gamutPrimaries,
+            "Gamut that colours are counted as out of (bt2020 when not given)");
+  compare
+      .add_option("--white", options.settings.white,
+                  "Luminance of graphics white in nits: 1.0 of SDR and of scene-linear pictures")
+      ->check(CLI::Range(1, 10000))
+      ->type_name("NITS")
+      ->capture_default_str();
+  AddSourceOptions(compare, options.a.source.colors, options.a.source.tellsMatrix, "-a",
+                   "Colour space of A, in place of what its tags say");
+  AddSourceOptions(compare, options.b.source.colors, options.b.source.tellsMatrix, "-b",
+                   "Colour space of B, in place of what its tags say");
+  AddOutputOptions(compare, options.overwrite, options.quiet);
+}
+
+}  // namespace
+
+Subcommand AddCompareCommand(CLI::App& app) {
+  const auto options = std::make_shared<CompareOptions>();
+  CLI::App& compare =
+      *app.add_subcommand("compare", "Tell how far two pictures of one size lie apart");
+  compare.add_option("A", options->a.path, "EXR, Radiance HDR, PNG or AVIF picture")->required();
+  compare.add_option("B", options->b.path, "Picture to compare it with")->required();
+  AddViewOptions(compare, *options);
+  AddOptions(compare, *options);
+  compare.footer(
+      "Examples:\n"
+      "  quillon compare master.avif copy.png\n"
+      "  quillon compare --view delta-e master.avif copy.png difference.png\n"
+      "  quillon compare --json - --gamut bt709 master.exr graded.exr");
+  return [options] { RunCompare(*options); };
+}
