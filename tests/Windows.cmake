@@ -25,4 +25,3 @@ quillon_leave_out("runs programs by the shell" FOLDERS probe)
 quillon_leave_out("reads symbols by nm, which runs on this machine"
   PROGRAMS symbols_test)
 quillon_leave_out("builds programs on the system itself" FOLDERS consumer)
-quillon_leave_out("patches and opens libraries as Linux has them" TESTS CudaDriver.*)
