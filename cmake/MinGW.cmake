@@ -14,7 +14,7 @@ foreach(kind EXE SHARED MODULE)
 endforeach()
 
 # Programs of this machine, libraries of the other.
-set(CMAKE_FIND_ROOT_PATH /usr/${triple})
+list(APPEND CMAKE_FIND_ROOT_PATH /usr/${triple})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

@@ -22,4 +22,3 @@ quillon_leave_out("bounds the memory of a process, which Wine does not"
 quillon_leave_out("no Google Benchmark for this system" FOLDERS bench)
 quillon_leave_out("no command line on this system" FOLDERS tools)
 quillon_leave_out("runs programs by the shell" FOLDERS probe)
-quillon_leave_out("builds programs on the system itself" FOLDERS consumer)
