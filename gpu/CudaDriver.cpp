@@ -16,6 +16,10 @@ namespace {
 
 constexpr unsigned kMissing = 999;
 
+/// What a FARPROC may be on its way to be a function of another type: compilers warn of casts
+/// between function types, but for this one.
+using AnyFunction = void (*)();
+
 struct EntryPoint {
   const char* name;
   FARPROC* pointer;
@@ -33,7 +37,8 @@ constexpr std::array kEntryPoints = {
 unsigned InitCudaDriver(unsigned flags) {
   const HMODULE driver = LoadLibraryW(cudaDriverLibraryName);
   if (driver == nullptr) return kMissing;
-  cuInit = reinterpret_cast<CudaDriverInit>(GetProcAddress(driver, "cuInit"));
+  cuInit = reinterpret_cast<CudaDriverInit>(
+      reinterpret_cast<AnyFunction>(GetProcAddress(driver, "cuInit")));
   if (cuInit == nullptr) return kMissing;
   if (const unsigned result = cuInit(flags); result != 0) return result;
   for (const EntryPoint& entry : kEntryPoints) {

@@ -1,26 +1,19 @@
 #include "refhost/ironlane/BinaryCache.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <span>
 #include <sstream>
 #include <system_error>
+#include <utility>
+
+#include "refhost/ironlane/CacheFolder.h"
 
 namespace IL {
 
 namespace {
-
-std::filesystem::path UserFolder() {
-  for (const auto& [variable, below] :
-       {std::pair{"XDG_CACHE_HOME", ""}, std::pair{"HOME", ".cache"}}) {
-    const char* value = std::getenv(variable);
-    if (value != nullptr && *value == '/') return std::filesystem::path(value) / below;
-  }
-  return {};
-}
 
 /// FNV-1a, 64 bits.
 std::uint64_t HashOf(std::string_view text) {
@@ -48,7 +41,7 @@ std::string HeaderOf(std::string_view key, const BinaryCache::Binary& binary) {
 }  // namespace
 
 BinaryCache::BinaryCache() {
-  const std::filesystem::path user = UserFolder();
+  const std::filesystem::path user = UserCacheFolder();
   if (!user.empty()) folder_ = user / "quillon" / "kernels";
 }
 

@@ -16,8 +16,7 @@ class BinaryCache {
  public:
   using Binary = std::vector<std::byte>;
 
-  /// In `quillon/kernels` of the user's cache folder: $XDG_CACHE_HOME, else $HOME/.cache. Without
-  /// either nothing is kept.
+  /// In `quillon/kernels` of the user's folder (CacheFolder.h). Without one nothing is kept.
   BinaryCache();
   explicit BinaryCache(std::filesystem::path folder);
 

@@ -1,17 +1,18 @@
 #pragma once
 
-#include <oneapi/tbb/task_arena.h>
-
 namespace orvcore::threads {
 
-/// oneTBB's threads.
+/// The threads that work comes to, one set for the process: oneTBB's, or on Windows the system's.
+/// Any thread may call.
 class Arena {
  public:
-  /// Has one of the threads call `work`, some time. `work` does not throw. Any thread.
-  void Enqueue(void (*work)());
+  /// How many threads are to work at once, the calling thread among them, at least 1: what oneTBB's
+  /// global control allows, or as many as there are processors for this process.
+  static int Parallelism();
 
- private:
-  tbb::task_arena arena_;
+  /// Has one of the threads call `work`, some time. `work` does not throw. Throws where the system
+  /// refuses.
+  static void Enqueue(void (*work)());
 };
 
 }  // namespace orvcore::threads

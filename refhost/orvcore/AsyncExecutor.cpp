@@ -1,10 +1,8 @@
 #include "refhost/orvcore/AsyncExecutor.h"
 
-#include <algorithm>
-#include <limits>
 #include <utility>
 
-#include <oneapi/tbb/global_control.h>
+#include "refhost/orvcore/Arena.h"
 
 namespace orvcore::threads {
 
@@ -19,20 +17,13 @@ const std::shared_ptr<AsyncExecutor>& Pool() {
 
 }  // namespace
 
-int AsyncExecutor::Parallelism() {
-  constexpr std::size_t kMost = std::numeric_limits<int>::max();
-  const std::size_t allowed =
-      tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism);
-  return static_cast<int>(std::clamp<std::size_t>(allowed, 1, kMost));
-}
-
 void AsyncExecutor::SendHelper(std::shared_ptr<Job> job) {
   // What a helper reads reaches it through this mutex, which the thread sanitizer sees, unlike
-  // oneTBB's own queues.
+  // the arena's own queues.
   const std::lock_guard lock(mutex_);
   waiting_.push_back(std::move(job));
   try {
-    arena_.Enqueue([] { Pool()->RunHelper(); });
+    Arena::Enqueue([] { Pool()->RunHelper(); });
   } catch (...) {
     waiting_.pop_back();
     throw;

@@ -5,7 +5,6 @@
 #include <mutex>
 
 #include "host/orvcore/Threads.h"
-#include "refhost/orvcore/Arena.h"
 
 namespace orvcore::threads {
 
@@ -20,10 +19,6 @@ class Job {
 /// The process's pool of threads.
 class AsyncExecutor {
  public:
-  /// How many threads are to work at once, the calling thread among them: what oneTBB's global
-  /// control allows, at least 1.
-  static int Parallelism();
-
   /// Sends one thread to help with the job, some time. Any thread.
   void SendHelper(std::shared_ptr<Job> job);
 
@@ -32,7 +27,6 @@ class AsyncExecutor {
 
   std::mutex mutex_;
   std::deque<std::shared_ptr<Job>> waiting_;
-  Arena arena_;
 };
 
 }  // namespace orvcore::threads

@@ -3,9 +3,9 @@
 #include <bit>
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <mutex>
 #include <new>
-#include <type_traits>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>
@@ -124,8 +124,11 @@ class Store {
   RecyclerStatistics statistics_;
 };
 
-static_assert(std::is_trivially_destructible_v<Store>, "blocks come back while the process ends");
-constinit Store store;
+/// Never destroyed: blocks come back while the process ends.
+Store& TheStore() {
+  static Store& store = *std::make_unique<Store>().release();
+  return store;
+}
 
 }  // namespace
 
@@ -134,10 +137,10 @@ void* MemoryRecycler::Allocate(std::size_t bytes) {
   constexpr std::size_t kLargest = std::numeric_limits<std::size_t>::max() / 4;
   if (bytes > kLargest) throw std::bad_alloc();
   const std::size_t blockBytes = BlockBytes(bytes);
-  void* block = store.Take(blockBytes);
+  void* block = TheStore().Take(blockBytes);
   if (block == nullptr) {
     block = AllocateFromHeap(blockBytes);
-    store.CountNew(blockBytes);
+    TheStore().CountNew(blockBytes);
   }
   Permit(block, bytes, blockBytes);
   return block;
@@ -148,12 +151,12 @@ void MemoryRecycler::Recycle(void* block, std::size_t bytes) noexcept {
   if (bytes < kKeptBlockBytes) {
     ReturnToHeap(block);
   } else {
-    store.Keep(block, BlockBytes(bytes));
+    TheStore().Keep(block, BlockBytes(bytes));
   }
 }
 
-RecyclerStatistics GetRecyclerStatistics() { return store.Statistics(); }
-void ResetRecyclerPeak() { store.ResetPeak(); }
-void ReleaseKeptBlocks() { store.ReleaseAll(); }
+RecyclerStatistics GetRecyclerStatistics() { return TheStore().Statistics(); }
+void ResetRecyclerPeak() { TheStore().ResetPeak(); }
+void ReleaseKeptBlocks() { TheStore().ReleaseAll(); }
 
 }  // namespace orvcore::allocator

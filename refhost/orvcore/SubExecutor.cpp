@@ -6,6 +6,7 @@
 #include <mutex>
 #include <utility>
 
+#include "refhost/orvcore/Arena.h"
 #include "refhost/orvcore/AsyncExecutor.h"
 
 namespace orvcore::threads {
@@ -27,7 +28,7 @@ class TaskQueue final : public Job {
     ++unfinished_;
     changed_.notify_one();
     // The thread that waits is the last of those that may work.
-    const int mostHelpers = std::min(concurrency_, AsyncExecutor::Parallelism()) - 1;
+    const int mostHelpers = std::min(concurrency_, Arena::Parallelism()) - 1;
     if (helpers_ >= mostHelpers) return false;
     ++helpers_;
     return true;

@@ -4,6 +4,12 @@ execute_process(
   COMMAND ${PKG_CONFIG} --cflags --libs quillon
   OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(flags UNIX_COMMAND "${flags}")
+set(program ${WORK_DIR}/pkgconfig-consumer)
+if(WINDOWS)
+  # Programs look for libraries beside them.
+  set(program ${INSTALLED}/${BIN_DIR}/pkgconfig-consumer.exe)
+  set(flags -static -Wl,-Bdynamic ${flags} -Wl,-Bstatic)
+endif()
 if(SANITIZE)
   list(APPEND flags -fsanitize=${SANITIZE})
 endif()
@@ -19,7 +25,7 @@ file(WRITE ${WORK_DIR}/all_headers.cpp "${text}")
 
 execute_process(
   COMMAND ${CXX} -std=c++20 -Wall -Wextra -Wpedantic -Werror
-    ${PROJECT_DIR}/main.cpp ${WORK_DIR}/all_headers.cpp ${flags} -o ${WORK_DIR}/pkgconfig-consumer
+    ${PROJECT_DIR}/main.cpp ${WORK_DIR}/all_headers.cpp ${flags} -o ${program}
   COMMAND_ERROR_IS_FATAL ANY)
 set(ENV{LD_LIBRARY_PATH} ${INSTALLED}/${LIB_DIR})
-execute_process(COMMAND ${WORK_DIR}/pkgconfig-consumer COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${EMULATOR} ${program} COMMAND_ERROR_IS_FATAL ANY)

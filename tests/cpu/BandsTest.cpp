@@ -11,8 +11,8 @@ using testing::IsEmpty;
 
 /// What one band task touched: first float and number of pixels.
 struct Touched {
-  long first;
-  long pixels;
+  std::ptrdiff_t first;
+  std::ptrdiff_t pixels;
   friend bool operator==(const Touched&, const Touched&) = default;
 };
 

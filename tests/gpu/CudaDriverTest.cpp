@@ -1,13 +1,9 @@
 // The binding of NVIDIA's driver against libraries in its place, each in a process of its own.
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <set>
 #include <sstream>
 #include <string>
@@ -15,6 +11,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "tests/gpu/driver/ProbeRun.h"
 
 namespace {
 
@@ -42,6 +40,13 @@ Names Optional() {
   };
 }
 
+/// The running test's name, fit for a file.
+std::string TestName() {
+  std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+  std::replace(name.begin(), name.end(), '/', '-');
+  return name;
+}
+
 /// One call of `InitCudaDriver`.
 struct Initialisation {
   unsigned result = 0;
@@ -57,29 +62,20 @@ class CudaDriver : public ::testing::Test {
   ~CudaDriver() override { fs::remove_all(folder_); }
 
   /// Puts a driver into the folder that lacks these entry points.
-  void MakeDriver(const Names& missing = {}) const {
+  void MakeDriver(const Names& missing = {}) const { MakeDriver(Driver(), missing); }
+
+  static void MakeDriver(const fs::path& path, const Names& missing) {
     std::ifstream file(QUILLON_FULL_DRIVER, std::ios::binary);
     std::string library{std::istreambuf_iterator<char>(file), {}};
-    for (const std::string& name : missing) {
-      // By another name it is not found.
-      const std::string entry = '\0' + name + '\0';
-      auto at = library.find(entry);
-      ASSERT_NE(at, std::string::npos) << name;
-      for (; at != std::string::npos; at = library.find(entry, at)) library[at + 1] = '?';
-    }
-    std::ofstream(Driver(), std::ios::binary) << library;
+    RemoveEntryPoints(library, missing);
+    std::ofstream(path, std::ios::binary) << library;
   }
 
-  fs::path Driver() const { return folder_ / "libcuda.so.1"; }
+  fs::path Driver() const { return folder_ / kDriverFile; }
 
-  std::vector<Initialisation> Run(const std::string& environment = "",
-                                  const std::string& arguments = "") const {
-    const std::string command = environment + " LD_LIBRARY_PATH='" + folder_.string() +
-                                "':\"$LD_LIBRARY_PATH\" '" QUILLON_PROBE "' " + arguments;
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    std::string output;
-    std::array<char, 4096> chunk{};
-    while (std::fgets(chunk.data(), chunk.size(), pipe.get()) != nullptr) output += chunk.data();
+  std::vector<Initialisation> Run(int answer = 0,
+                                  const std::vector<fs::path>& arguments = {}) const {
+    const std::string output = RunProbe(folder_, answer, arguments);
     std::vector<Initialisation> runs;
     std::istringstream words(output);
     for (std::string word, value; words >> word >> value;) {
@@ -89,9 +85,7 @@ class CudaDriver : public ::testing::Test {
     return runs;
   }
 
-  const fs::path folder_ = fs::path(testing::TempDir()) /
-                           (std::string("quillon-driver-") +
-                            testing::UnitTest::GetInstance()->current_test_info()->name());
+  const fs::path folder_ = fs::path(testing::TempDir()) / ("quillon-driver-" + TestName());
 };
 
 TEST_F(CudaDriver, Has147RequiredAnd303OptionalEntryPoints) {
@@ -139,24 +133,26 @@ TEST_F(CudaDriver, DoesWithoutAnyOneThatIsOptional) {
   EXPECT_THAT(runs[0].nulls, ElementsAre("cuGetProcAddress"));
 }
 
-TEST_F(CudaDriver, EndsAtEachRequiredEntryPointThatIsMissing) {
+class CudaDriverWithout : public CudaDriver, public testing::WithParamInterface<std::string> {};
+
+TEST_P(CudaDriverWithout, EndsThere) {
+  MakeDriver({GetParam()});
+  const auto runs = Run();
+  ASSERT_THAT(runs, SizeIs(1));
+  EXPECT_EQ(runs[0].result, 999U);
   const Names required = Required();
-  for (auto missing = required.begin(); missing != required.end(); ++missing) {
-    SCOPED_TRACE(*missing);
-    MakeDriver({*missing});
-    const auto runs = Run();
-    ASSERT_THAT(runs, SizeIs(1));
-    EXPECT_EQ(runs[0].result, 999U);
-    Names after(missing, required.end());
-    const Names optional = Optional();
-    after.insert(after.end(), optional.begin(), optional.end());
-    EXPECT_EQ(runs[0].nulls, after) << "those before it are set";
-  }
+  Names after(std::find(required.begin(), required.end(), GetParam()), required.end());
+  const Names optional = Optional();
+  after.insert(after.end(), optional.begin(), optional.end());
+  EXPECT_EQ(runs[0].nulls, after) << "those before it are set";
 }
+
+INSTANTIATE_TEST_SUITE_P(EachRequiredEntryPoint, CudaDriverWithout, testing::ValuesIn(Required()),
+                         [](const auto& info) { return info.param; });
 
 TEST_F(CudaDriver, GivesBackWhatInitialisingGaveAndLooksUpNothingElse) {
   MakeDriver();
-  const auto runs = Run("QUILLON_CUINIT=100");
+  const auto runs = Run(100);
   ASSERT_THAT(runs, SizeIs(1));
   EXPECT_EQ(runs[0].result, 100U);
   EXPECT_THAT(runs[0].nulls, SizeIs(450));
@@ -181,20 +177,33 @@ TEST_F(CudaDriver, IsNoneWhereThereIsNoLibrary) {
 TEST_F(CudaDriver, MayBeInitialisedAgain) {
   MakeDriver();
   std::ofstream(folder_ / "other");
-  const auto runs =
-      Run("", "'" + (folder_ / "other").string() + "' '" + (folder_ / "another").string() + "'");
+  const auto runs = Run(0, {folder_ / "other", folder_ / "another"});
   ASSERT_THAT(runs, SizeIs(2));
   EXPECT_EQ(runs[0].result, 0U);
   EXPECT_EQ(runs[1].result, 0U);
   EXPECT_THAT(runs[1].nulls, IsEmpty());
 }
 
-TEST_F(CudaDriver, StaysOpenWhenItsFileGoes) {
+TEST_F(CudaDriver, StaysOpenWhenItsFileDisappears) {
   MakeDriver();
-  const auto runs = Run("", "'" + Driver().string() + "' '" + (folder_ / "gone.so").string() + "'");
+  const fs::path gone = folder_ / "gone";
+  const auto runs = Run(0, {Driver(), gone});
   ASSERT_THAT(runs, SizeIs(2));
   EXPECT_EQ(runs[0].result, 0U);
+  EXPECT_FALSE(fs::exists(Driver()));
   EXPECT_EQ(runs[1].result, 0U) << "the process has it open still";
+  EXPECT_THAT(runs[1].nulls, IsEmpty());
+}
+
+TEST_F(CudaDriver, IsFoundWhenItComesAfterACallThatFoundNone) {
+  std::ofstream(Driver()) << "no library";
+  const fs::path coming = folder_ / "coming";
+  MakeDriver(coming, {});
+  const auto runs = Run(0, {coming, Driver()});
+  ASSERT_THAT(runs, SizeIs(2));
+  EXPECT_EQ(runs[0].result, 999U);
+  EXPECT_THAT(runs[0].nulls, SizeIs(451));
+  EXPECT_EQ(runs[1].result, 0U);
   EXPECT_THAT(runs[1].nulls, IsEmpty());
 }
 

@@ -1,8 +1,8 @@
-#include <barrier>
 #include <limits>
 #include <thread>
 
 #include "gpu/KernelCache.h"
+#include "tests/Meeting.h"
 #include "tests/host/HostTest.h"
 
 namespace {
@@ -165,7 +165,7 @@ TEST_F(KernelCacheOfADevice, GivesEveryThreadTheHandleOfItsOwnContext) {
   };
   for (int round = 0; round < kRounds; ++round) {
     KernelCache fresh;
-    std::barrier start(kThreads);
+    Meeting start(kThreads);
     std::atomic<int> wrong{0};
     {
       std::vector<std::jthread> threads;
@@ -174,7 +174,7 @@ TEST_F(KernelCacheOfADevice, GivesEveryThreadTheHandleOfItsOwnContext) {
           // Half of the rounds all threads share a context, in the others they have two.
           const std::uint64_t own = round % 2 == 0 ? 2 : identity % 2;
           const auto device = scripted::MakeDevice({.contextIdentity = own + 2});
-          start.arrive_and_wait();
+          start.ArriveAndWait();
           for (int use = 0; use < 3; ++use) {
             if (fresh.Get(kKernel, device, {.contextIdentity = own + 2}) != &handles[own % 2]) {
               ++wrong;

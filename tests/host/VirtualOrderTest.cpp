@@ -10,7 +10,7 @@
 
 namespace {
 
-#if defined(__x86_64__) && !defined(_WIN32)
+#if defined(__x86_64__) && !defined(_MSC_VER)
 
 /// Place of a virtual operation in its table, counted from 1. In the Itanium C++ ABI a pointer to
 /// a virtual member begins with one more than the offset of its entry.

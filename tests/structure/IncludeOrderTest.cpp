@@ -1,13 +1,13 @@
 #include <filesystem>
 #include <fstream>
 #include <ostream>
+#include <random>
 #include <set>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "tests/structure/IncludeOrder.h"
 
@@ -32,7 +32,8 @@ class PlantedTree {
   const fs::path& Root() const { return root_; }
 
  private:
-  fs::path root_ = fs::temp_directory_path() / ("quillon-tree-" + std::to_string(getpid()));
+  fs::path root_ =
+      fs::temp_directory_path() / ("quillon-tree-" + std::to_string(std::random_device{}()));
 };
 
 bool AllRunDown(const fs::path& root) {

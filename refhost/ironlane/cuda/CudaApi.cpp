@@ -13,7 +13,10 @@ namespace {
 
 template <class Function>
 bool Find(HMODULE driver, const char* symbol, Function& function) {
-  function = reinterpret_cast<Function>(GetProcAddress(driver, symbol));
+  // Compilers warn of casts between function types, but for this one in between.
+  using AnyFunction = void (*)();
+  function =
+      reinterpret_cast<Function>(reinterpret_cast<AnyFunction>(GetProcAddress(driver, symbol)));
   return function != nullptr;
 }
 

@@ -1,4 +1,3 @@
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -8,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "refhost/ironlane/BinaryCache.h"
+#include "tests/refhost/ironlane/CacheHome.h"
 
 namespace {
 
@@ -98,19 +98,32 @@ TEST_F(BinaryCache, LetsSeveralStoreAtOnce) {
   EXPECT_EQ(Files().size(), 1U);
 }
 
+/// Where a file that is being read cannot be replaced, there may be nothing.
+TEST_F(BinaryCache, GivesAllOrNothingWhileSeveralStore) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([this] {
+      for (int j = 0; j < 50; ++j) {
+        cache_.Store("key", binary_);
+        EXPECT_EQ(cache_.Find("key").value_or(binary_), binary_);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(cache_.Find("key"), binary_);
+  EXPECT_EQ(Files().size(), 1U);
+}
+
 TEST_F(BinaryCache, LiesInTheUsersCacheFolder) {
-  ::setenv("XDG_CACHE_HOME", folder_.c_str(), 1);
+  SetCacheHome(folder_);
   IL::BinaryCache().Store("key", binary_);
   EXPECT_EQ(IL::BinaryCache(folder_ / "quillon" / "kernels").Find("key"), binary_);
+}
 
-  ::unsetenv("XDG_CACHE_HOME");
-  ::setenv("HOME", folder_.c_str(), 1);
-  IL::BinaryCache().Store("key", binary_);
-  EXPECT_EQ(IL::BinaryCache(folder_ / ".cache" / "quillon" / "kernels").Find("key"), binary_);
-
-  ::unsetenv("HOME");
-  IL::BinaryCache().Store("key", binary_);
-  EXPECT_FALSE(IL::BinaryCache().Find("key").has_value());
+TEST_F(BinaryCache, KeepsNothingWithoutAFolder) {
+  const IL::BinaryCache none{fs::path()};
+  none.Store("key", binary_);
+  EXPECT_FALSE(none.Find("key").has_value());
 }
 
 }  // namespace

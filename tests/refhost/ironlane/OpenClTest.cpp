@@ -11,6 +11,7 @@
 #include "refhost/ironlane/opencl/OpenClProgram.h"
 #include "refhost/orvcore/TraceSettings.h"
 #include "tests/devices/EveryDevice.h"
+#include "tests/refhost/ironlane/CacheHome.h"
 
 namespace {
 
@@ -39,7 +40,7 @@ TEST_P(OpenClDevices, RefuseMemoryThatIsNotTheirs) {
 TEST_P(OpenClDevices, KeepCompiledModulesOnDisk) {
   const fs::path folder = fs::path(testing::TempDir()) / "quillon-opencl-modules";
   fs::remove_all(folder);
-  ::setenv("XDG_CACHE_HOME", folder.c_str(), 1);
+  SetCacheHome(folder);
   const auto load = [this] {
     device_ = nullptr;
     device_ = GetParam().Open();

@@ -2,9 +2,9 @@
 #include <cstddef>
 
 #include <gtest/gtest.h>
-#include <oneapi/tbb/global_control.h>
 
 #include "refhost/orvcore/RecyclerStatistics.h"
+#include "tests/refhost/ThreadLimit.h"
 #include "tests/refhost/kestrel/Frames.h"
 
 using orvcore::allocator::GetRecyclerStatistics;
@@ -16,7 +16,7 @@ constexpr int kHeight = 2160;
 
 /// Most memory in use during a copy beside what was in use before it.
 std::size_t MemoryOfCopy(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to) {
-  const tbb::global_control twoThreads(tbb::global_control::max_allowed_parallelism, 2);
+  const ThreadLimit twoThreads(2);
   orvcore::allocator::ResetRecyclerPeak();
   const std::size_t before = GetRecyclerStatistics().inUse;
   EXPECT_EQ(Copy(from, to), 0);

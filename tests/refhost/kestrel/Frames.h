@@ -19,6 +19,8 @@ struct NamedFormat {
 };
 std::vector<NamedFormat> InterleavedFormats();
 std::vector<NamedFormat> YCbCrFormats();
+/// Those of both that are converted from and to others here.
+std::vector<std::vector<NamedFormat>> ConvertedFormats();
 
 /// What is known of a format; a depth of 0 when nothing is.
 KS::FormatInfo InfoOf(PixelFormat format);

@@ -1,11 +1,9 @@
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include "host/KS/CreateFrames.h"
 #include "host/KS/FrameInterfaces.h"
@@ -223,21 +221,6 @@ TEST(CreateSystemFrame, RefusesFramesThatAreTooLarge) {
   layout.height += 1;
   EXPECT_EQ(ResultOf(layout), kInvalidFrame);
 }
-
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // they need the address space
-/// What comes of a frame of 4 GiB in a process that may not have as much.
-int ResultWithoutMemory() {
-  constexpr rlimit kLimit{std::size_t{1} << 31, std::size_t{1} << 31};
-  setrlimit(RLIMIT_AS, &kLimit);
-  return ResultOf(Layout(KS::kBgraFloat, 1 << 14, 1 << 14));
-}
-
-TEST(CreateSystemFrame, ReturnsACodeWhenThereIsNoMemory) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(std::_Exit(ResultWithoutMemory() == kInvalidFrame ? 7 : 1),
-              testing::ExitedWithCode(7), "");
-}
-#endif
 
 TEST(CreateSystemFrame, RefusesUnknownFormats) {
   EXPECT_EQ(ResultOf(Layout({}, 4, 4)), kNotSupported);

@@ -1,7 +1,6 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
-#include <latch>
 #include <memory>
 #include <numeric>
 #include <stdexcept>
@@ -10,9 +9,10 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <oneapi/tbb/global_control.h>
 
 #include "host/orvcore/Threads.h"
+#include "tests/Meeting.h"
+#include "tests/refhost/ThreadLimit.h"
 
 namespace orvcore::threads {
 namespace {
@@ -65,34 +65,33 @@ TEST(SubExecutor, ReturnsAtOnceFromAWaitForNothing) {
 }
 
 TEST(SubExecutor, RunsTasksOnThreadsOfThePoolBesideTheWaitingOne) {
-  const tbb::global_control twoThreads(tbb::global_control::max_allowed_parallelism, 2);
+  const ThreadLimit twoThreads(2);
   const auto executor = MakeSubExecutor(2);
-  std::atomic<bool> ran{false};
+  Meeting ran(2);
   std::thread::id thread;
   executor->Queue(
       [&] {
         thread = std::this_thread::get_id();
-        ran = true;
-        ran.notify_one();
+        ran.ArriveAndWait();
       },
       0);
-  ran.wait(false);
+  ran.ArriveAndWait();
   executor->WaitForAll();
   EXPECT_NE(thread, std::this_thread::get_id());
 }
 
 TEST(SubExecutor, RunsTasksAtOnceWhereMoreThreadsAreAllowed) {
-  const tbb::global_control twoThreads(tbb::global_control::max_allowed_parallelism, 2);
+  const ThreadLimit twoThreads(2);
   const auto executor = MakeSubExecutor(2);
-  std::latch bothRun(2);  // a task passes it only while the other one runs
-  executor->Queue([&bothRun] { bothRun.arrive_and_wait(); }, 0);
-  executor->Queue([&bothRun] { bothRun.arrive_and_wait(); }, 0);
+  Meeting bothRun(2);  // a task passes it only while the other one runs
+  executor->Queue([&bothRun] { bothRun.ArriveAndWait(); }, 0);
+  executor->Queue([&bothRun] { bothRun.ArriveAndWait(); }, 0);
   executor->WaitForAll();
-  EXPECT_TRUE(bothRun.try_wait());
+  EXPECT_TRUE(bothRun.AllCame());
 }
 
 TEST(SubExecutor, RunsEveryTaskOnTheWaitingThreadWhereOneThreadIsAllowed) {
-  const tbb::global_control oneThread(tbb::global_control::max_allowed_parallelism, 1);
+  const ThreadLimit oneThread(1);
   const auto executor = MakeSubExecutor(16);
   std::vector<std::thread::id> threads(20);
   for (std::thread::id& thread : threads) {

@@ -1,7 +1,6 @@
 // The CUDA back end on a scripted driver: what it calls, and what becomes of failures. No kernel
 // runs here.
 
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <mutex>
@@ -9,14 +8,15 @@
 #include <thread>
 #include <vector>
 
-#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/os/DynamicLibrary.h"
 #include "refhost/ironlane/Devices.h"
 #include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/cuda/CudaDevice.h"
 #include "refhost/orvcore/TraceSettings.h"
+#include "tests/refhost/ironlane/CacheHome.h"
 #include "tests/refhost/ironlane/cuda/ScriptedDriver.h"
 
 namespace {
@@ -28,9 +28,11 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 scripted::Driver* FindDriver() {
-  void* library = dlopen("libcuda.so.1", RTLD_NOW | RTLD_LOCAL);
+  const HMODULE library = LoadLibraryW(L"nvcuda.dll");
   if (library == nullptr) return nullptr;
-  auto* function = reinterpret_cast<scripted::Driver* (*)()>(dlsym(library, "TheScriptedDriver"));
+  using AnyFunction = void (*)();
+  auto* function = reinterpret_cast<scripted::Driver* (*)()>(
+      reinterpret_cast<AnyFunction>(GetProcAddress(library, "TheScriptedDriver")));
   return function == nullptr ? nullptr : function();
 }
 
@@ -38,7 +40,7 @@ class CudaDevices : public ::testing::Test {
  protected:
   CudaDevices() {
     fs::remove_all(cache_);
-    ::setenv("XDG_CACHE_HOME", cache_.c_str(), 1);
+    SetCacheHome(cache_);
     orvcore::debug::SetTraceLevel(7);
     orvcore::debug::SetTraceSink([this](int, std::string_view, std::string_view text) {
       const std::lock_guard lock(mutex_);
@@ -51,7 +53,7 @@ class CudaDevices : public ::testing::Test {
     orvcore::debug::SetTraceLevel(0);
     fs::remove_all(cache_);
   }
-  void SetUp() override { ASSERT_NE(driver_, nullptr) << "libcuda.so.1 is not the scripted one"; }
+  void SetUp() override { ASSERT_NE(driver_, nullptr) << "the driver is not the scripted one"; }
 
   void ExpectNothingHeld() const {
     EXPECT_EQ(driver_->contexts, 0);

@@ -41,5 +41,5 @@ struct Driver {
 
 }  // namespace scripted
 
-/// Of the library that the process has open as libcuda.so.1.
+/// Of the library that the process has open as the driver.
 extern "C" scripted::Driver* TheScriptedDriver();

@@ -1,0 +1,5 @@
+#include "tests/refhost/kestrel/Frames.h"
+
+std::vector<std::vector<NamedFormat>> ConvertedFormats() {
+  return {InterleavedFormats(), YCbCrFormats()};
+}

@@ -1,0 +1,3 @@
+#include "tests/refhost/kestrel/Frames.h"
+
+std::vector<std::vector<NamedFormat>> ConvertedFormats() { return {InterleavedFormats()}; }
