@@ -176,7 +176,7 @@ TEST_F(CudaDriver, IsNoneWhereThereIsNoLibrary) {
 
 TEST_F(CudaDriver, MayBeInitialisedAgain) {
   MakeDriver();
-  std::ofstream(folder_ / "other");
+  std::ofstream(folder_ / "other") << "any file";
   const auto runs = Run(0, {folder_ / "other", folder_ / "another"});
   ASSERT_THAT(runs, SizeIs(2));
   EXPECT_EQ(runs[0].result, 0U);
