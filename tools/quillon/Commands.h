@@ -14,3 +14,4 @@ Subcommand AddChartCommand(CLI::App& app);
 Subcommand AddCurveCommand(CLI::App& app);
 Subcommand AddCompareCommand(CLI::App& app);
 Subcommand AddDevicesCommand(CLI::App& app);
+Subcommand AddInspectCommand(CLI::App& app);

@@ -2,20 +2,17 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/quillon/BitmapFrame.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/Compare.h"
+#include "tools/quillon/CompareClips.h"
 #include "tools/quillon/CompareJson.h"
 #include "tools/quillon/CompareOptions.h"
+#include "tools/quillon/CompareOutputs.h"
 #include "tools/quillon/CompareTable.h"
-#include "tools/quillon/CompareViews.h"
-#include "tools/quillon/PictureForEye.h"
 #include "tools/quillon/SharedOptions.h"
+#include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/io/Still.h"
-#include "tools/quillon/io/StillError.h"
-#include "tools/quillon/io/TargetFile.h"
-#include "tools/quillon/io/WriteStill.h"
 
 using orvmediatypes::color::ColorSpace;
 
@@ -67,42 +64,7 @@ void PrintTable(std::ostream& out, const CompareOptions& options, const Comparis
   PrintComparison(out, comparison, options.settings);
 }
 
-void CheckTargets(const CompareOptions& options) {
-  if (!options.output.empty()) {
-    if (LowerCaseExtension(options.output) != ".png") {
-      throw StillError(StillErrorKind::NotSupported, options.output, "a view is a PNG picture",
-                       "give it a name that ends in .png");
-    }
-    CheckTargetFile(options.output, options.overwrite);
-  }
-  if (options.WritesJson()) CheckTargetFile(options.json, options.overwrite);
-}
-
-void WriteView(const CompareOptions& options, const Comparison& comparison, const Still& a,
-               const Still& b) {
-  ViewSettings view;
-  view.view = options.view;
-  view.splitShare = options.splitShare.value_or(view.splitShare);
-  if (view.ShowsPictures()) {
-    view.hdrPeakNits = CommonHdrPeak(a.frame, b.frame, options.settings.white);
-  }
-  if (view.hdrPeakNits && !options.quiet) {
-    std::cerr
-        << "note: for the view, what is not SDR is mapped to sRGB as 'quillon map' does, from "
-           "a peak of "
-        << *view.hdrPeakNits << " nits in both pictures; the figures are of the pictures "
-        << "themselves\n";
-  }
-  StillOutput output;
-  output.frame =
-      FrameOfBitmap(DrawCompareView(a.frame, b.frame, comparison, options.settings, view));
-  output.overwrite = options.overwrite;
-  WriteStill(output, options.output);
-}
-
-void RunCompare(const CompareOptions& options) {
-  CheckCompareOptions(options);
-  CheckTargets(options);
+void CompareStills(const CompareOptions& options) {
   const Still a = ReadCompared(options.a, "-a");
   const Still b = ReadCompared(options.b, "-b");
   if (!options.quiet) {
@@ -110,22 +72,31 @@ void RunCompare(const CompareOptions& options) {
     NoteRemarks(std::cerr, options.b, b, options.settings.white);
   }
   const Comparison comparison = ComparePictures(a.frame, b.frame, options.settings);
-  if (!options.output.empty()) WriteView(options, comparison, a, b);
-  if (options.WritesJson()) {
-    const std::string json = Json(options, comparison, a, b);
-    const std::vector<std::uint8_t> bytes(json.begin(), json.end());
-    WriteTargetFile(options.json, bytes, options.overwrite);
-  }
+  WriteCompareView(options, comparison, a.frame, b.frame);
+  const std::string json = Json(options, comparison, a, b);
+  WriteCompareJson(options, json);
   if (options.PrintsJson()) {
-    std::cout << Json(options, comparison, a, b);
+    std::cout << json;
   } else if (!options.quiet) {
     PrintTable(std::cout, options, comparison, a, b);
   }
 }
 
+void RunCompare(const CompareOptions& options) {
+  CheckCompareOptions(options);
+  CheckCompareTargets(options);
+  if (IsClipOrSequence(options.a.path) || IsClipOrSequence(options.b.path)) {
+    CompareClips(options);
+  } else {
+    CompareStills(options);
+  }
+}
+
 void AddViewOptions(CLI::App& compare, CompareOptions& options) {
-  CLI::Option* output =
-      compare.add_option("OUTPUT", options.output, "PNG picture of the view to write, in sRGB");
+  CLI::Option* output = compare.add_option(
+      "OUTPUT", options.output,
+      "PNG picture of the view to write, in sRGB; of clips, the pictures that differ "
+      "most");
   AddChoice(compare, "--view", kCompareViews, options.view,
             "What to draw (side-by-side when not given): A beside B; the left of A and the right "
             "of B; delta-E ITP in false colours; what is clipped or out of gamut")
@@ -164,9 +135,12 @@ void AddOptions(CLI::App& compare, CompareOptions& options) {
 Subcommand AddCompareCommand(CLI::App& app) {
   const auto options = std::make_shared<CompareOptions>();
   CLI::App& compare =
-      *app.add_subcommand("compare", "Tell how far two pictures of one size lie apart");
-  compare.add_option("A", options->a.path, "EXR, Radiance HDR, PNG or AVIF picture")->required();
-  compare.add_option("B", options->b.path, "Picture to compare it with")->required();
+      *app.add_subcommand("compare", "Tell how far two pictures or clips of one size lie apart");
+  compare
+      .add_option("A", options->a.path, "EXR, Radiance HDR, PNG or AVIF picture, clip, or sequence")
+      ->required();
+  compare.add_option("B", options->b.path, "What to compare it with, picture by picture")
+      ->required();
   AddViewOptions(compare, *options);
   AddOptions(compare, *options);
   compare.footer(

@@ -35,6 +35,7 @@ ExitCode RunCommandLine(int argc, char** argv) {
   const Subcommand chart = AddChartCommand(app);
   const Subcommand curve = AddCurveCommand(app);
   const Subcommand compare = AddCompareCommand(app);
+  const Subcommand inspect = AddInspectCommand(app);
   const Subcommand devices = AddDevicesCommand(app);
   try {
     app.parse(argc, argv);
@@ -45,6 +46,7 @@ ExitCode RunCommandLine(int argc, char** argv) {
   if (app.got_subcommand("chart")) chart();
   if (app.got_subcommand("curve")) curve();
   if (app.got_subcommand("compare")) compare();
+  if (app.got_subcommand("inspect")) inspect();
   if (app.got_subcommand("devices")) devices();
   return ExitCode::Success;
 }

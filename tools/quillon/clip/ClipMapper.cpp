@@ -12,9 +12,6 @@ using orvmediatypes::color::ColorDescription;
 
 namespace {
 
-/// Scenes shorter than this many pictures are not told apart.
-constexpr std::int64_t kShortestScene = 12;
-
 bool AreTaggedAlike(const ColorDescription& one, const ColorDescription& other) {
   return one.primaries == other.primaries && one.transfer == other.transfer &&
          one.matrix == other.matrix && one.fullRange == other.fullRange &&

@@ -43,6 +43,9 @@ class LevelMeter {
   std::optional<Histogram> previous_;
 };
 
+/// Scenes shorter than this many pictures are not told apart.
+inline constexpr std::int64_t kShortestScene = 12;
+
 /// Runs of pictures that are mapped alike.
 struct ClipScene {
   std::int64_t first = 0;

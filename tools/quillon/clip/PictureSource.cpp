@@ -2,6 +2,7 @@
 
 #include "tools/quillon/clip/ClipSource.h"
 #include "tools/quillon/clip/SequenceSource.h"
+#include "tools/quillon/clip/SinglePicture.h"
 #include "tools/quillon/io/Still.h"
 
 bool IsClipOrSequence(const std::filesystem::path& path) {
@@ -14,6 +15,7 @@ std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
   if (auto name = SequenceName::Parse(path)) {
     return std::make_unique<SequenceSource>(std::move(*name), sequenceRate, first);
   }
+  if (IsStill(path)) return std::make_unique<SinglePicture>(path);
   return std::make_unique<ClipSource>(path, index, first, policy);
 }
 

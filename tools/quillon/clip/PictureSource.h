@@ -12,8 +12,8 @@
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/Encoding.h"
 
-/// Where pictures come from, one after another in the order in which they are shown: a clip, or an
-/// image sequence. One thread.
+/// Where pictures come from, one after another in the order in which they are shown: a clip, an
+/// image sequence, or a still. One thread.
 class PictureSource {
  public:
   virtual ~PictureSource() = default;
@@ -35,11 +35,12 @@ class PictureSource {
   virtual ClipDamage CountDamage() { return {}; }
 };
 
-/// Whether a path names an image sequence or a file that is no still: what `OpenPictures` opens.
+/// Whether a path names an image sequence or a file that is no still: what `quillon map` maps as a
+/// clip.
 bool IsClipOrSequence(const std::filesystem::path& path);
 
-/// Opens a clip or an image sequence; `sequenceRate` is the latter's frame rate. With an index the
-/// pictures begin at `first`. Throws CommandError or StillError.
+/// Opens a clip, an image sequence or a still; `sequenceRate` is a sequence's frame rate. With an
+/// index the pictures begin at `first`. Throws CommandError or StillError.
 std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
                                             AVRational sequenceRate,
                                             const FrameIndex* index = nullptr,

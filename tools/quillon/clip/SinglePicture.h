@@ -1,0 +1,18 @@
+#pragma once
+
+#include "tools/quillon/clip/PictureSource.h"
+
+/// A still as a clip of one picture.
+class SinglePicture : public PictureSource {
+ public:
+  explicit SinglePicture(const std::filesystem::path& path);
+
+  const ClipInfo& Info() const override { return info_; }
+  SourceSamples Samples() const override { return {Sampling::C444, info_.bits, false}; }
+  AVRational TimeBase() const override { return {1, 1}; }
+  std::optional<ClipPicture> Next() override;
+
+ private:
+  std::optional<ClipPicture> picture_;
+  ClipInfo info_;
+};

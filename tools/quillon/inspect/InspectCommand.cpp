@@ -1,0 +1,156 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+
+#include "tools/quillon/BitmapFrame.h"
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/Commands.h"
+#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/Frames.h"
+#include "tools/quillon/MapPlan.h"
+#include "tools/quillon/SharedOptions.h"
+#include "tools/quillon/clip/MeasureClip.h"
+#include "tools/quillon/inspect/ContactSheet.h"
+#include "tools/quillon/inspect/InspectReport.h"
+#include "tools/quillon/inspect/LevelsScene.h"
+#include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/io/WriteStill.h"
+#include "tools/quillon/plot/DrawScene.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct InspectOptions {
+  MapOptions map;  ///< input, colours, white, quiet, overwrite
+  bool measure = false;
+  fs::path json;
+  fs::path plot;
+  fs::path sheet;
+};
+
+bool IsSvg(const fs::path& path) { return LowerCaseExtension(path) == ".svg"; }
+
+void CheckDrawing(const fs::path& path, bool svgToo, bool overwrite) {
+  if (path.empty()) return;
+  if (LowerCaseExtension(path) != ".png" && !(svgToo && IsSvg(path))) {
+    throw CommandError(ExitCode::NotSupported,
+                       path.string() + ": it is drawn as " +
+                           (svgToo ? "SVG or PNG; name it .svg or .png" : "PNG; name it .png"));
+  }
+  CheckTargetFile(path, overwrite);
+}
+
+void CheckTargets(const InspectOptions& options) {
+  CheckDrawing(options.plot, true, options.map.overwrite);
+  CheckDrawing(options.sheet, false, options.map.overwrite);
+  if (!options.json.empty() && options.json != "-") {
+    CheckTargetFile(options.json, options.map.overwrite);
+  }
+}
+
+void WriteText(const fs::path& path, const std::string& text, bool overwrite) {
+  const std::vector<std::uint8_t> bytes(text.begin(), text.end());
+  WriteTargetFile(path, bytes, overwrite);
+}
+
+void WriteDrawing(const Scene& scene, const fs::path& path, bool overwrite) {
+  if (IsSvg(path)) return WriteText(path, DrawSvg(scene), overwrite);
+  StillOutput output;
+  output.frame = FrameOfBitmap(DrawBitmap(scene));
+  output.overwrite = overwrite;
+  WriteStill(output, path);
+}
+
+/// The peak that `quillon map` would take of itself.
+std::optional<SourcePeak> PeakOf(const InspectOptions& options, const Inspection& inspection) {
+  const ClipTags& tags = inspection.info.tags;
+  try {
+    const auto colors = TaggedColors(options.map, tags.colors);
+    const auto steady = [&] { return inspection.levels ? inspection.levels->SteadyPeak() : 0.0; };
+    const SourcePeak peak = ChooseSourcePeak(options.map, colors, tags.light, steady);
+    return peak.nits > 0.0 ? std::optional(peak) : std::nullopt;
+  } catch (const CommandError&) {
+    return std::nullopt;  // the tags do not tell the colours, which a warning says
+  }
+}
+
+ClipLevels Measure(const InspectOptions& options) {
+  MeasureRequest request;
+  request.clip = options.map.input;
+  request.white = options.map.white;
+  request.progress = options.map.quiet ? ProgressStyle::None : ProgressStyle::Auto;
+  request.colorsOf = [&options](const ClipTags& tags) {
+    return TaggedColors(options.map, tags.colors);
+  };
+  return LevelsOfClip(request, std::cerr);
+}
+
+Inspection Inspect(const InspectOptions& options) {
+  Inspection inspection;
+  inspection.path = options.map.input;
+  inspection.info = OpenPictures(options.map.input, {24, 1})->Info();
+  if (options.measure) {
+    inspection.levels = Measure(options);
+    inspection.scenes = FindScenes(inspection.levels->frames, kShortestScene);
+  }
+  inspection.peak = PeakOf(options, inspection);
+  inspection.warnings = FindDisagreements(inspection.info.tags, inspection.levels);
+  return inspection;
+}
+
+void RunInspect(InspectOptions options) {
+  options.measure = options.measure || !options.plot.empty();
+  CheckTargets(options);
+  const Inspection inspection = Inspect(options);
+  if (!options.plot.empty()) {
+    WriteDrawing(MakeLevelsScene(inspection), options.plot, options.map.overwrite);
+  }
+  if (!options.sheet.empty()) {
+    const double peak = inspection.peak ? inspection.peak->nits : options.map.white;
+    WriteDrawing(MakeContactSheet(options.map, peak), options.sheet, options.map.overwrite);
+  }
+  if (options.json == "-") {
+    std::cout << InspectionJson(inspection);
+    return;
+  }
+  if (!options.json.empty()) {
+    WriteText(options.json, InspectionJson(inspection), options.map.overwrite);
+  }
+  if (!options.map.quiet) PrintInspection(std::cout, inspection);
+}
+
+}  // namespace
+
+Subcommand AddInspectCommand(CLI::App& app) {
+  const auto options = std::make_shared<InspectOptions>();
+  CLI::App& inspect = *app.add_subcommand(
+      "inspect", "Tell what a clip or picture says of its light, and what is so");
+  inspect.add_option("FILE", options->map.input, "Clip, picture, or sequence of pictures")
+      ->required();
+  inspect.add_flag("--measure", options->measure, "Measure the light levels of every frame");
+  inspect
+      .add_option("--json", options->json,
+                  "Write it as JSON, to a file or, in place of the table, to standard output (-)")
+      ->type_name("FILE|-");
+  inspect
+      .add_option("--plot", options->plot,
+                  "Measure, and draw the light levels over time (SVG or PNG)")
+      ->type_name("FILE");
+  inspect
+      .add_option("--sheet", options->sheet,
+                  "Draw twelve frames side by side in sRGB, HDR mapped as 'quillon map' does (PNG)")
+      ->type_name("FILE");
+  AddSourceOptions(inspect, options->map.source, options->map.sourceTellsMatrix, "",
+                   "Colour space of the input, in place of what its tags say");
+  inspect.add_option("--white", options->map.white, "Luminance of graphics white in nits")
+      ->check(CLI::Range(1, 10000))
+      ->type_name("NITS")
+      ->capture_default_str();
+  AddOutputOptions(inspect, options->map.overwrite, options->map.quiet);
+  inspect.footer(
+      "Examples:\n"
+      "  quillon inspect film.mkv\n"
+      "  quillon inspect --measure --json levels.json --plot levels.svg film.mkv");
+  return [options] { RunInspect(*options); };
+}

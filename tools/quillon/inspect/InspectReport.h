@@ -1,0 +1,12 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "tools/quillon/inspect/Inspection.h"
+
+/// For people: what was found, a line a fact; with levels, a line a scene and a line a frame.
+void PrintInspection(std::ostream& out, const Inspection& inspection);
+
+/// The same for programs. Luminances are in nits and say so in their names.
+std::string InspectionJson(const Inspection& inspection);
