@@ -12,4 +12,5 @@ using Subcommand = std::function<void()>;
 Subcommand AddMapCommand(CLI::App& app);
 Subcommand AddChartCommand(CLI::App& app);
 Subcommand AddCurveCommand(CLI::App& app);
+Subcommand AddLutCommand(CLI::App& app);
 Subcommand AddDevicesCommand(CLI::App& app);

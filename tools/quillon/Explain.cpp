@@ -108,3 +108,11 @@ void ExplainPlan(std::ostream& out, const MapPlan& plan) {
                       << (plan.gamutApplies ? "" : " (does not apply)") << '\n';
   ExplainToneMap(out, plan);
 }
+
+void NoteOptionsWithoutEffect(std::ostream& notes, const MapOptions& options, const MapPlan& plan) {
+  if (plan.toneMapApplies) return;
+  if (!options.gain && !options.knee && !options.colorPreservation) return;
+  notes << "note: the source peak (" << plan.sourcePeakNits
+        << " nits), with its gain, is not above the destination's (" << plan.destinationPeakNits
+        << " nits): nothing is tone mapped, and --gain, --knee and --preserve have no effect\n";
+}

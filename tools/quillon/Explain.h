@@ -8,3 +8,6 @@
 /// light, white, algorithm and knee after the automatic choice, and the curve's support parameters
 /// by name.
 void ExplainPlan(std::ostream& out, const MapPlan& plan);
+
+/// A sentence where options of the curve were given and nothing is tone mapped.
+void NoteOptionsWithoutEffect(std::ostream& notes, const MapOptions& options, const MapPlan& plan);

@@ -1,12 +1,10 @@
 #include <CLI/CLI.hpp>
-#include <array>
 #include <iostream>
 #include <memory>
 #include <optional>
 
 #include <oneapi/tbb/global_control.h>
 
-#include "tools/quillon/AlgorithmNames.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/ExitCodes.h"
@@ -14,26 +12,7 @@
 #include "tools/quillon/MapStill.h"
 #include "tools/quillon/SharedOptions.h"
 
-using orvmediatypes::color::GamutCompressionAlgorithmType;
-
 namespace {
-
-constexpr std::array<Choice<GamutCompressionAlgorithmType>, 3> kGamuts = {{
-    {"none", GamutCompressionAlgorithmType::None},
-    {"reinhard", GamutCompressionAlgorithmType::Reinhard},
-    {"desaturate", GamutCompressionAlgorithmType::Desaturation},
-}};
-
-/// An option that takes one of the named values and refuses all others.
-template <class Value, std::size_t Count>
-CLI::Option* AddChoice(CLI::App& app, const std::string& name,
-                       const std::array<Choice<Value>, Count>& choices, Value& value,
-                       const std::string& help) {
-  const auto assign = [&choices, &value, name](const std::string& text) {
-    value = ParseChoice(name, choices, text);
-  };
-  return app.add_option_function<std::string>(name, assign, help)->type_name(ChoiceNames(choices));
-}
 
 void ParsePeak(const std::string& text, MapOptions& options) {
   if (text == "metadata") {
@@ -60,13 +39,6 @@ void AddLuminanceOptions(CLI::App& map, MapOptions& options) {
          "pictures, else 10000 for PQ and 1000 for HLG")
       ->type_name("NITS|metadata|measure");
   AddTargetOptions(map, options);
-}
-
-void AddCurveOptions(CLI::App& map, MapOptions& options) {
-  AddChoice(map, "--algorithm", kAlgorithms, options.algorithm,
-            "Tone-map algorithm (auto when not given)");
-  AddChoice(map, "--gamut", kGamuts, options.gamut, "Gamut compression (none when not given)");
-  AddDialOptions(map, options);
 }
 
 void AddRunOptions(CLI::App& map, MapOptions& options) {
@@ -102,7 +74,8 @@ Subcommand AddMapCommand(CLI::App& app) {
   map.add_option("OUTPUT", options->output, "PNG, EXR or AVIF picture to write")->required();
   AddColorSpaceOptions(map, *options, "Colour space of the input, in place of what its tags say");
   AddLuminanceOptions(map, *options);
-  AddCurveOptions(map, *options);
+  AddAlgorithmOptions(map, *options);
+  AddDialOptions(map, *options);
   AddRunOptions(map, *options);
   map.footer(
       "Examples:\n"

@@ -33,14 +33,6 @@ void NoteOtherWhite(std::ostream& notes, const MapOptions& options, const Still&
         << options.white << " nits, which --white changes\n";
 }
 
-void NoteOptionsWithoutEffect(std::ostream& notes, const MapOptions& options, const MapPlan& plan) {
-  if (plan.toneMapApplies) return;
-  if (!options.gain && !options.knee && !options.colorPreservation) return;
-  notes << "note: the source peak (" << plan.sourcePeakNits
-        << " nits), with its gain, is not above the destination's (" << plan.destinationPeakNits
-        << " nits): nothing is tone mapped, and --gain, --knee and --preserve have no effect\n";
-}
-
 }  // namespace
 
 void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes) {

@@ -18,14 +18,31 @@ Value ParseChoice(const std::string& option, const std::array<Choice<Value>, Cou
   throw CLI::ValidationError(option, "'" + text + "' is none of " + ChoiceNames(choices));
 }
 
+/// An option that takes one of the named values and refuses all others.
+template <class Value, std::size_t Count>
+CLI::Option* AddChoice(CLI::App& app, const std::string& name,
+                       const std::array<Choice<Value>, Count>& choices, Value& value,
+                       const std::string& help) {
+  const auto assign = [&choices, &value, name](const std::string& text) {
+    value = ParseChoice(name, choices, text);
+  };
+  return app.add_option_function<std::string>(name, assign, help)->type_name(ChoiceNames(choices));
+}
+
 /// Whether the text is a finite number above 0, which `nits` then is.
 bool ParseNits(const std::string& text, double& nits);
 
 /// --to, --to-cicp, --from, --from-cicp; `fromHelp` says what `--from` is for.
 void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string& fromHelp);
 
+/// --peak as a number of nits and nothing else.
+void AddPeakNumberOption(CLI::App& app, MapOptions& options, const std::string& help);
+
 /// --target-peak and --white.
 void AddTargetOptions(CLI::App& app, MapOptions& options);
+
+/// --algorithm, once, and --gamut.
+void AddAlgorithmOptions(CLI::App& app, MapOptions& options);
 
 /// --knee, --gain and --preserve.
 void AddDialOptions(CLI::App& app, MapOptions& options);

@@ -33,6 +33,7 @@ ExitCode RunCommandLine(int argc, char** argv) {
   const Subcommand map = AddMapCommand(app);
   const Subcommand chart = AddChartCommand(app);
   const Subcommand curve = AddCurveCommand(app);
+  const Subcommand lut = AddLutCommand(app);
   const Subcommand devices = AddDevicesCommand(app);
   try {
     app.parse(argc, argv);
@@ -42,6 +43,7 @@ ExitCode RunCommandLine(int argc, char** argv) {
   if (app.got_subcommand("map")) map();
   if (app.got_subcommand("chart")) chart();
   if (app.got_subcommand("curve")) curve();
+  if (app.got_subcommand("lut")) lut();
   if (app.got_subcommand("devices")) devices();
   return ExitCode::Success;
 }
