@@ -29,19 +29,25 @@ float Bounded(float signal) {
 }
 
 void Interleave(const RgbRow& row, int first, int count, float* pixels) {
-  for (int i = 0; i < count; ++i, pixels += 4) {
-    pixels[0] = row.blue[first + i];
-    pixels[1] = row.green[first + i];
-    pixels[2] = row.red[first + i];
+  for (int i = first; i < first + count; ++i, pixels += 4) {
+    pixels[0] = row.blue[i];
+    pixels[1] = row.green[i];
+    pixels[2] = row.red[i];
     pixels[3] = 1.0F;
   }
 }
 
 void Deinterleave(const float* pixels, int first, int count, const RgbRow& row) {
-  for (int i = 0; i < count; ++i, pixels += 4) {
-    row.blue[first + i] = Bounded(pixels[0]);
-    row.green[first + i] = Bounded(pixels[1]);
-    row.red[first + i] = Bounded(pixels[2]);
+  for (int i = first; i < first + count; ++i, pixels += 4) {
+    row.blue[i] = pixels[0];
+    row.green[i] = pixels[1];
+    row.red[i] = pixels[2];
+  }
+}
+
+void Bound(const RgbRow& row, int width) {
+  for (float* samples : {row.red, row.green, row.blue}) {
+    std::transform(samples, samples + width, samples, Bounded);
   }
 }
 
@@ -51,9 +57,9 @@ void RepeatLastPixel(const RgbRow& row, int width, int bufferWidth) {
   }
 }
 
-void Convert(const CHR::PixelConverter* converter, Pixels& pixels, int count) {
+void Convert(const CHR::PixelConverter* converter, const RgbRow& row, int width) {
   if (converter == nullptr) return;
-  converter->Convert(pixels.data(), pixels.data(), static_cast<std::size_t>(count));
+  converter->ConvertPlanes(row.red, row.green, row.blue, static_cast<std::size_t>(width));
 }
 
 }  // namespace
@@ -61,11 +67,11 @@ void Convert(const CHR::PixelConverter* converter, Pixels& pixels, int count) {
 void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter* converter,
               CHR::ComponentType type, std::byte* stored) {
   const RgbRow from = RowOf(rgb, row);
+  Convert(converter, from, width);
   Pixels pixels{};
   for (int first = 0; first < width; first += kChunk) {
     const int count = std::min(kChunk, width - first);
     Interleave(from, first, count, pixels.data());
-    Convert(converter, pixels, count);
     CHR::StorePixels(type, pixels.data(), static_cast<std::size_t>(count),
                      stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type));
   }
@@ -79,21 +85,17 @@ void LoadRow(const std::byte* stored, CHR::ComponentType type, const CHR::PixelC
     const int count = std::min(kChunk, width - first);
     CHR::LoadPixels(type, stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type),
                     static_cast<std::size_t>(count), pixels.data());
-    Convert(converter, pixels, count);
     Deinterleave(pixels.data(), first, count, to);
   }
+  Convert(converter, to, width);
+  Bound(to, width);
   RepeatLastPixel(to, width, rgb.Width(0));
 }
 
 void ConvertRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter& converter) {
   const RgbRow planes = RowOf(rgb, row);
-  Pixels pixels{};
-  for (int first = 0; first < width; first += kChunk) {
-    const int count = std::min(kChunk, width - first);
-    Interleave(planes, first, count, pixels.data());
-    Convert(&converter, pixels, count);
-    Deinterleave(pixels.data(), first, count, planes);
-  }
+  Convert(&converter, planes, width);
+  Bound(planes, width);
   RepeatLastPixel(planes, width, rgb.Width(0));
 }
 
