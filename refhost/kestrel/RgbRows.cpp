@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <cstdint>
 
 namespace KS {
 
@@ -25,23 +25,58 @@ RgbRow RowOf(const PlanarBuffer& rgb, int row) {
 /// Far beyond every code, and small enough for a matrix to stay finite.
 float Bounded(float signal) {
   constexpr float kMost = 1e6F;
-  return std::isnan(signal) ? 0.0F : std::clamp(signal, -kMost, kMost);
+  const float number = signal == signal ? signal : 0.0F;
+  const float above = number < -kMost ? -kMost : number;
+  return above > kMost ? kMost : above;
 }
 
-void Interleave(const RgbRow& row, int first, int count, float* pixels) {
-  for (int i = first; i < first + count; ++i, pixels += 4) {
-    pixels[0] = row.blue[i];
-    pixels[1] = row.green[i];
-    pixels[2] = row.red[i];
-    pixels[3] = 1.0F;
+void Interleave(const RgbRow& row, int first, int count, float* __restrict pixels) {
+  const float* __restrict blue = row.blue + first;
+  const float* __restrict green = row.green + first;
+  const float* __restrict red = row.red + first;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    pixels[4 * i] = blue[i];
+    pixels[4 * i + 1] = green[i];
+    pixels[4 * i + 2] = red[i];
+    pixels[4 * i + 3] = 1.0F;
   }
 }
 
-void Deinterleave(const float* pixels, int first, int count, const RgbRow& row) {
-  for (int i = first; i < first + count; ++i, pixels += 4) {
-    row.blue[i] = pixels[0];
-    row.green[i] = pixels[1];
-    row.red[i] = pixels[2];
+void Deinterleave(const float* __restrict pixels, int first, int count, const RgbRow& row) {
+  float* __restrict blue = row.blue + first;
+  float* __restrict green = row.green + first;
+  float* __restrict red = row.red + first;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    blue[i] = pixels[4 * i];
+    green[i] = pixels[4 * i + 1];
+    red[i] = pixels[4 * i + 2];
+  }
+}
+
+/// Whether the stored pixels can be read and written as they are.
+bool AreFloats(CHR::ComponentType type, const std::byte* stored) {
+  return type == CHR::ComponentType::Float &&
+         reinterpret_cast<std::uintptr_t>(stored) % alignof(float) == 0;
+}
+
+void DeinterleaveStored(const std::byte* stored, CHR::ComponentType type, int width,
+                        const RgbRow& row) {
+  Pixels pixels{};
+  for (int first = 0; first < width; first += kChunk) {
+    const int count = std::min(kChunk, width - first);
+    CHR::LoadPixels(type, stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type),
+                    static_cast<std::size_t>(count), pixels.data());
+    Deinterleave(pixels.data(), first, count, row);
+  }
+}
+
+void InterleaveStored(const RgbRow& row, int width, CHR::ComponentType type, std::byte* stored) {
+  Pixels pixels{};
+  for (int first = 0; first < width; first += kChunk) {
+    const int count = std::min(kChunk, width - first);
+    Interleave(row, first, count, pixels.data());
+    CHR::StorePixels(type, pixels.data(), static_cast<std::size_t>(count),
+                     stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type));
   }
 }
 
@@ -68,24 +103,20 @@ void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConve
               CHR::ComponentType type, std::byte* stored) {
   const RgbRow from = RowOf(rgb, row);
   Convert(converter, from, width);
-  Pixels pixels{};
-  for (int first = 0; first < width; first += kChunk) {
-    const int count = std::min(kChunk, width - first);
-    Interleave(from, first, count, pixels.data());
-    CHR::StorePixels(type, pixels.data(), static_cast<std::size_t>(count),
-                     stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type));
+  if (AreFloats(type, stored)) {
+    Interleave(from, 0, width, reinterpret_cast<float*>(stored));
+  } else {
+    InterleaveStored(from, width, type, stored);
   }
 }
 
 void LoadRow(const std::byte* stored, CHR::ComponentType type, const CHR::PixelConverter* converter,
              int width, const PlanarBuffer& rgb, int row) {
   const RgbRow to = RowOf(rgb, row);
-  Pixels pixels{};
-  for (int first = 0; first < width; first += kChunk) {
-    const int count = std::min(kChunk, width - first);
-    CHR::LoadPixels(type, stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type),
-                    static_cast<std::size_t>(count), pixels.data());
-    Deinterleave(pixels.data(), first, count, to);
+  if (AreFloats(type, stored)) {
+    Deinterleave(reinterpret_cast<const float*>(stored), 0, width, to);
+  } else {
+    DeinterleaveStored(stored, type, width, to);
   }
   Convert(converter, to, width);
   Bound(to, width);

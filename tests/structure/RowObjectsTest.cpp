@@ -45,7 +45,7 @@ TEST(RowObjects, AreLookedAtWithAllTheirFunctions) {
     const std::vector<Symbol> symbols = ReadObjectSymbols(object);
     EXPECT_TRUE(std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) {
       return symbol.type == 't' && (symbol.name.find("MapBlocks") != std::string::npos ||
-                                    symbol.name.find("ConvertBlock") != std::string::npos);
+                                    symbol.name.find("EncodeBlock") != std::string::npos);
     })) << object;
   }
 }

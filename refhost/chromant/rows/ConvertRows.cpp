@@ -1,8 +1,11 @@
 #include "refhost/chromant/rows/ConvertRows.h"
 
+#include "refhost/chromant/rows/QuickTables.h"
+
 namespace CHR {
 
-using ConvertRunFunction = void(const ConversionParams&, float*, float*, float*, std::size_t);
+using ConvertRunFunction = void(const ConversionParams&, const QuickTables&, float*, float*, float*,
+                                std::size_t);
 ConvertRunFunction ConvertRunBaseline;
 #if defined(__x86_64__)
 ConvertRunFunction ConvertRunAvx2;
@@ -61,7 +64,7 @@ InstructionSet BestInstructionSet() {
 bool ConvertRows(InstructionSet set, const ConversionParams& params, float* red, float* green,
                  float* blue, std::size_t count) {
   if (!HasRowForm(params.source.transfer) || !HasRowForm(params.destination.transfer)) return false;
-  RunOf(set)(params, red, green, blue, count);
+  RunOf(set)(params, GetQuickTables(), red, green, blue, count);
   return true;
 }
 

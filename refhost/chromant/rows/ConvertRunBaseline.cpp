@@ -2,9 +2,9 @@
 
 namespace CHR {
 
-void ConvertRunBaseline(const ConversionParams& params, float* red, float* green, float* blue,
-                        std::size_t count) {
-  ConvertRun(params, red, green, blue, count);
+void ConvertRunBaseline(const ConversionParams& params, const QuickTables& tables, float* red,
+                        float* green, float* blue, std::size_t count) {
+  ConvertRun(params, tables, red, green, blue, count);
 }
 
 }  // namespace CHR

@@ -4,6 +4,7 @@
 // WideLanes.h.
 
 #include "refhost/chromant/ConversionParams.h"
+#include "refhost/chromant/rows/QuickCurves.h"
 #include "refhost/chromant/rows/WideTransfer.h"
 
 namespace CHR {
@@ -39,6 +40,47 @@ void EncodeBlock(const Light& light, const Curve& curve, const Planes& signals) 
   }
 }
 
+#if defined(__AVX512F__)
+
+/// From PQ straight to linear floats. False where that is not what is asked for.
+bool ConvertQuickly(const ConversionParams& params, const QuickTables& tables,
+                    const Planes& planes) {
+  constexpr int kPq = 16;
+  constexpr int kLinear = 8;
+  if (params.source.transfer != kPq || params.destination.transfer != kLinear ||
+      params.hasMatrix != 0) {
+    return false;
+  }
+  const double white = params.source.whiteNits;
+  const QuickPqDecoder decode = {tables, PqDecoder{white}, 10000.0 / white};
+  for (float* component : planes.components) {
+    for (std::size_t i = 0; i < kBlock; i += kLanes) decode(component + i, component + i);
+  }
+  return true;
+}
+
+void EncodeRoot(const Light& light, const QuickTables& tables, const Planes& signals) {
+  const QuickRoot encode = {tables.root24, OddPower{1.0 / 2.4}};
+  for (int c = 0; c < 3; ++c) {
+    for (std::size_t i = 0; i < kBlock; i += kLanes) {
+      encode(light.components[c] + i, signals.components[c] + i);
+    }
+  }
+}
+
+#else
+
+bool ConvertQuickly(const ConversionParams& /*params*/, const QuickTables& /*tables*/,
+                    const Planes& /*planes*/) {
+  return false;
+}
+
+void EncodeRoot(const Light& light, const QuickTables& /*tables*/, const Planes& signals) {
+  EncodeBlock(light, OddPower{1.0 / 2.4}, signals);
+}
+
+#endif
+
 void Decode(const TransferParams& params, const Planes& signals, Light& light) {
   switch (params.transfer) {
     case 1:
@@ -56,10 +98,11 @@ void Decode(const TransferParams& params, const Planes& signals, Light& light) {
   }
 }
 
-void Encode(const TransferParams& params, const Light& light, const Planes& signals) {
+void Encode(const TransferParams& params, const QuickTables& tables, const Light& light,
+            const Planes& signals) {
   switch (params.transfer) {
     case 1:
-      return EncodeBlock(light, OddPower{1.0 / 2.4}, signals);
+      return EncodeRoot(light, tables, signals);
     case 4:
       return EncodeBlock(light, OddPower{1.0 / 2.2}, signals);
     case 5:
@@ -87,26 +130,27 @@ void Transform(const double* m, bool keepsGrey, Light& light) {
   }
 }
 
-void ConvertBlock(const ConversionParams& params, const Planes& planes) {
+void ConvertBlock(const ConversionParams& params, const QuickTables& tables, const Planes& planes) {
+  if (ConvertQuickly(params, tables, planes)) return;
   Light light;
   Decode(params.source, planes, light);
   if (params.hasMatrix != 0) Transform(params.matrix, params.hasCommonGrey != 0, light);
-  Encode(params.destination, light, planes);
+  Encode(params.destination, tables, light, planes);
 }
 
 /// In place. What is left over at the end goes through a block of its own, filled up with black.
-void ConvertRun(const ConversionParams& params, float* red, float* green, float* blue,
-                std::size_t count) {
+void ConvertRun(const ConversionParams& params, const QuickTables& tables, float* red, float* green,
+                float* blue, std::size_t count) {
   std::size_t done = 0;
   for (; done + kBlock <= count; done += kBlock) {
-    ConvertBlock(params, {{red + done, green + done, blue + done}});
+    ConvertBlock(params, tables, {{red + done, green + done, blue + done}});
   }
   if (done == count) return;
   alignas(64) float rest[3][kBlock] = {};
   const Planes planes = {{red + done, green + done, blue + done}};
   const std::size_t bytes = (count - done) * sizeof(float);
   for (int c = 0; c < 3; ++c) __builtin_memcpy(rest[c], planes.components[c], bytes);
-  ConvertBlock(params, {{rest[0], rest[1], rest[2]}});
+  ConvertBlock(params, tables, {{rest[0], rest[1], rest[2]}});
   for (int c = 0; c < 3; ++c) __builtin_memcpy(planes.components[c], rest[c], bytes);
 }
 

@@ -13,7 +13,7 @@ namespace {
 WideLanes Everywhere(double value) { return value - WideLanes{}; }
 
 /// Power64 for y above 0.
-WideLanes PowerOf(WideLanes x, double y) {
+[[gnu::always_inline]] inline WideLanes PowerOf(WideLanes x, double y) {
   WideLanes power = Exp2OfAny(y * Log2OfNormal(x));
   power = x < 0x1p-1020 ? WideLanes{} : power;
   power = x == QUILLON_INFINITY ? x : power;
@@ -28,19 +28,19 @@ WideLanes WithSignOfLanes(WideLanes sign, WideLanes x) {
 }
 
 struct Identity {
-  WideLanes operator()(WideLanes x) const { return x; }
+  [[gnu::always_inline]] WideLanes operator()(WideLanes x) const { return x; }
 };
 
 /// DecodePower, and EncodePower with the reciprocal.
 struct OddPower {
   double exponent;
-  WideLanes operator()(WideLanes x) const {
+  [[gnu::always_inline]] WideLanes operator()(WideLanes x) const {
     return WithSignOfLanes(x, PowerOf(MagnitudeOf(x), exponent));
   }
 };
 
 struct SrgbDecoder {
-  WideLanes operator()(WideLanes signal) const {
+  [[gnu::always_inline]] WideLanes operator()(WideLanes signal) const {
     const WideLanes value = MagnitudeOf(signal);
     const WideLanes power = PowerOf((value + 0.055) / 1.055, 2.4);
     return WithSignOfLanes(signal, value <= 0.04045 ? value / 12.92 : power);
@@ -48,7 +48,7 @@ struct SrgbDecoder {
 };
 
 struct SrgbEncoder {
-  WideLanes operator()(WideLanes light) const {
+  [[gnu::always_inline]] WideLanes operator()(WideLanes light) const {
     const WideLanes value = MagnitudeOf(light);
     const WideLanes power = 1.055 * PowerOf(value, 1.0 / 2.4) - 0.055;
     return WithSignOfLanes(light, value <= 0.04045 / 12.92 ? 12.92 * value : power);
@@ -58,7 +58,7 @@ struct SrgbEncoder {
 /// PQ to light relative to graphics white.
 struct PqDecoder {
   double whiteNits;
-  WideLanes operator()(WideLanes signal) const {
+  [[gnu::always_inline]] WideLanes operator()(WideLanes signal) const {
     const WideLanes p = PowerOf(signal, 1.0 / QUILLON_ST2084_M2);
     const WideLanes denominator = 18.8515625 - 18.6875 * p;
     const WideLanes numerator = p - 0.8359375;
@@ -72,7 +72,7 @@ struct PqDecoder {
 
 struct PqEncoder {
   double whiteNits;
-  WideLanes operator()(WideLanes light) const {
+  [[gnu::always_inline]] WideLanes operator()(WideLanes light) const {
     const WideLanes nits = light * whiteNits;
     const WideLanes power = PowerOf(nits / 10000.0, QUILLON_ST2084_M1);
     const WideLanes ratio =

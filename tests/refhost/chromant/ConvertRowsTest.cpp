@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -163,6 +164,61 @@ TEST_P(ConvertRowsBy, LeavesTransfersWithoutAFormForRowsAlone) {
     EXPECT_FALSE(CHR::ConvertRows(GetParam(), ParamsOf(kBT2020, 8, kBT2020, transfer),
                                   planes.red.data(), planes.green.data(), planes.blue.data(), 9));
     EXPECT_EQ(Bits(planes.red[2]), Bits(source_.red[2]));
+  }
+}
+
+/// Every float from 2^-16 to a little above 1, `stride` floats apart.
+std::vector<float> EverySignal(std::uint32_t stride) {
+  std::vector<float> signals;
+  for (std::uint32_t bits = Bits(0x1p-16F); bits < Bits(1.03F); bits += stride) {
+    signals.push_back(std::bit_cast<float>(bits));
+  }
+  return signals;
+}
+
+/// How many of the signals become other bits than the baseline's, which are those of pixels.
+std::size_t CountDifferences(InstructionSet set, const ConversionParams& params,
+                             const std::vector<float>& signals) {
+  constexpr std::size_t kChunk = 1 << 12;
+  std::size_t differences = 0;
+  for (std::size_t done = 0; done < signals.size(); done += kChunk) {
+    const std::size_t third = std::min(kChunk, signals.size() - done) / 3;
+    const auto convert = [&](InstructionSet by) {
+      const auto first = signals.begin() + static_cast<std::ptrdiff_t>(done);
+      std::vector<float> chunk(first, first + static_cast<std::ptrdiff_t>(3 * third));
+      CHR::ConvertRows(by, params, chunk.data(), chunk.data() + third, chunk.data() + 2 * third,
+                       third);
+      return chunk;
+    };
+    const std::vector<float> found = convert(set);
+    const std::vector<float> expected = convert(InstructionSet::Baseline);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      differences += Bits(found[i]) == Bits(expected[i]) ? 0 : 1;
+    }
+  }
+  return differences;
+}
+
+// 17 is no divisor of a power of two: every part of each table is met, at ever other places.
+constexpr std::uint32_t kStride = 17;
+
+TEST_P(ConvertRowsBy, DecodesPqAllAlongTheSignalWithTheBitsOfPixels) {
+  const std::vector<float> signals = EverySignal(kStride);
+  ASSERT_GT(signals.size(), 7'000'000U);
+  for (const int white : {80, 100, 203, 300}) {
+    const auto params = CHR::MakePixelConverter(
+                            SpaceOf(kBT2020, 16), SpaceOf(kBT2020, 8),
+                            orvmediatypes::color::ColorManagementSettings(
+                                static_cast<orvmediatypes::color::GraphicsWhiteLuminance>(white)))
+                            ->Params();
+    EXPECT_EQ(CountDifferences(GetParam(), params, signals), 0U) << white;
+  }
+}
+
+TEST_P(ConvertRowsBy, EncodesBt1886AllAlongTheLightWithTheBitsOfPixels) {
+  const std::vector<float> signals = EverySignal(kStride);
+  for (const int primaries : {kBT2020, kBT709}) {
+    EXPECT_EQ(CountDifferences(GetParam(), ParamsOf(kBT2020, 8, primaries, 1), signals), 0U);
   }
 }
 
