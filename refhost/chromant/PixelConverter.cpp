@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "refhost/chromant/PlaneRows.h"
 #include "refhost/chromant/Primaries.h"
 #include "refhost/chromant/TransferCurve.h"
 #include "refhost/chromant/rows/ConvertRows.h"
@@ -28,14 +29,6 @@ struct Planes {
   std::array<float, kChunk> blue;
 };
 
-void Deinterleave(const float* pixels, std::size_t count, Planes& planes) {
-  for (std::size_t i = 0; i < count; ++i, pixels += kPixelFloats) {
-    planes.blue[i] = pixels[0];
-    planes.green[i] = pixels[1];
-    planes.red[i] = pixels[2];
-  }
-}
-
 /// Alpha stays as it is.
 void Interleave(const Planes& planes, std::size_t count, float* pixels) {
   for (std::size_t i = 0; i < count; ++i, pixels += kPixelFloats) {
@@ -58,7 +51,7 @@ void PixelConverter::Convert(const float* source, float* destination, std::size_
   for (std::size_t done = 0; done < pixels; done += kChunk) {
     const std::size_t count = std::min(kChunk, pixels - done);
     float* chunk = destination + done * kPixelFloats;
-    Deinterleave(chunk, count, planes);
+    SplitPixels(chunk, count, planes.red.data(), planes.green.data(), planes.blue.data());
     ConvertPlanes(planes.red.data(), planes.green.data(), planes.blue.data(), count);
     Interleave(planes, count, chunk);
   }

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "refhost/chromant/PlaneRows.h"
+
 namespace KS {
 
 namespace {
@@ -22,35 +24,9 @@ RgbRow RowOf(const PlanarBuffer& rgb, int row) {
   return {rgb.Row<float>(0, row), rgb.Row<float>(1, row), rgb.Row<float>(2, row)};
 }
 
-/// Far beyond every code, and small enough for a matrix to stay finite.
-float Bounded(float signal) {
-  constexpr float kMost = 1e6F;
-  const float number = signal == signal ? signal : 0.0F;
-  const float above = number < -kMost ? -kMost : number;
-  return above > kMost ? kMost : above;
-}
-
-void Interleave(const RgbRow& row, int first, int count, float* __restrict pixels) {
-  const float* __restrict blue = row.blue + first;
-  const float* __restrict green = row.green + first;
-  const float* __restrict red = row.red + first;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-    pixels[4 * i] = blue[i];
-    pixels[4 * i + 1] = green[i];
-    pixels[4 * i + 2] = red[i];
-    pixels[4 * i + 3] = 1.0F;
-  }
-}
-
-void Deinterleave(const float* __restrict pixels, int first, int count, const RgbRow& row) {
-  float* __restrict blue = row.blue + first;
-  float* __restrict green = row.green + first;
-  float* __restrict red = row.red + first;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-    blue[i] = pixels[4 * i];
-    green[i] = pixels[4 * i + 1];
-    red[i] = pixels[4 * i + 2];
-  }
+/// What begins at a column.
+RgbRow From(const RgbRow& row, int first) {
+  return {row.red + first, row.green + first, row.blue + first};
 }
 
 /// Whether the stored pixels can be read and written as they are.
@@ -59,31 +35,30 @@ bool AreFloats(CHR::ComponentType type, const std::byte* stored) {
          reinterpret_cast<std::uintptr_t>(stored) % alignof(float) == 0;
 }
 
-void DeinterleaveStored(const std::byte* stored, CHR::ComponentType type, int width,
-                        const RgbRow& row) {
-  Pixels pixels{};
-  for (int first = 0; first < width; first += kChunk) {
-    const int count = std::min(kChunk, width - first);
-    CHR::LoadPixels(type, stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type),
-                    static_cast<std::size_t>(count), pixels.data());
-    Deinterleave(pixels.data(), first, count, row);
+void Load(const std::byte* stored, CHR::ComponentType type, std::size_t count, const RgbRow& row) {
+  if (AreFloats(type, stored)) {
+    CHR::SplitPixels(reinterpret_cast<const float*>(stored), count, row.red, row.green, row.blue);
+    return;
   }
+  Pixels pixels;
+  CHR::LoadPixels(type, stored, count, pixels.data());
+  CHR::SplitPixels(pixels.data(), count, row.red, row.green, row.blue);
 }
 
-void InterleaveStored(const RgbRow& row, int width, CHR::ComponentType type, std::byte* stored) {
-  Pixels pixels{};
-  for (int first = 0; first < width; first += kChunk) {
-    const int count = std::min(kChunk, width - first);
-    Interleave(row, first, count, pixels.data());
-    CHR::StorePixels(type, pixels.data(), static_cast<std::size_t>(count),
-                     stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type));
+void Store(const RgbRow& row, std::size_t count, CHR::ComponentType type, std::byte* stored) {
+  if (AreFloats(type, stored)) {
+    CHR::JoinPixels(row.red, row.green, row.blue, count, reinterpret_cast<float*>(stored));
+    return;
   }
+  Pixels pixels;
+  CHR::JoinPixels(row.red, row.green, row.blue, count, pixels.data());
+  CHR::StorePixels(type, pixels.data(), count, stored);
 }
 
-void Bound(const RgbRow& row, int width) {
-  for (float* samples : {row.red, row.green, row.blue}) {
-    std::transform(samples, samples + width, samples, Bounded);
-  }
+/// Far beyond every code, and small enough for a matrix to stay finite.
+void Bound(const RgbRow& row, std::size_t count) {
+  constexpr float kMost = 1e6F;
+  for (float* samples : {row.red, row.green, row.blue}) CHR::BoundSamples(samples, count, kMost);
 }
 
 void RepeatLastPixel(const RgbRow& row, int width, int bufferWidth) {
@@ -92,9 +67,20 @@ void RepeatLastPixel(const RgbRow& row, int width, int bufferWidth) {
   }
 }
 
-void Convert(const CHR::PixelConverter* converter, const RgbRow& row, int width) {
-  if (converter == nullptr) return;
-  converter->ConvertPlanes(row.red, row.green, row.blue, static_cast<std::size_t>(width));
+void Convert(const CHR::PixelConverter* converter, const RgbRow& row, std::size_t count) {
+  if (converter != nullptr) converter->ConvertPlanes(row.red, row.green, row.blue, count);
+}
+
+/// Calls the work with the first column of each chunk and its number of pixels.
+template <class Work>
+void InChunks(int width, const Work& work) {
+  for (int first = 0; first < width; first += kChunk) {
+    work(first, static_cast<std::size_t>(std::min(kChunk, width - first)));
+  }
+}
+
+std::size_t BytesOf(CHR::ComponentType type, int pixels) {
+  return static_cast<std::size_t>(pixels) * CHR::PixelBytes(type);
 }
 
 }  // namespace
@@ -102,31 +88,32 @@ void Convert(const CHR::PixelConverter* converter, const RgbRow& row, int width)
 void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter* converter,
               CHR::ComponentType type, std::byte* stored) {
   const RgbRow from = RowOf(rgb, row);
-  Convert(converter, from, width);
-  if (AreFloats(type, stored)) {
-    Interleave(from, 0, width, reinterpret_cast<float*>(stored));
-  } else {
-    InterleaveStored(from, width, type, stored);
-  }
+  InChunks(width, [&](int first, std::size_t count) {
+    const RgbRow chunk = From(from, first);
+    Convert(converter, chunk, count);
+    Store(chunk, count, type, stored + BytesOf(type, first));
+  });
 }
 
 void LoadRow(const std::byte* stored, CHR::ComponentType type, const CHR::PixelConverter* converter,
              int width, const PlanarBuffer& rgb, int row) {
   const RgbRow to = RowOf(rgb, row);
-  if (AreFloats(type, stored)) {
-    Deinterleave(reinterpret_cast<const float*>(stored), 0, width, to);
-  } else {
-    DeinterleaveStored(stored, type, width, to);
-  }
-  Convert(converter, to, width);
-  Bound(to, width);
+  InChunks(width, [&](int first, std::size_t count) {
+    const RgbRow chunk = From(to, first);
+    Load(stored + BytesOf(type, first), type, count, chunk);
+    Convert(converter, chunk, count);
+    Bound(chunk, count);
+  });
   RepeatLastPixel(to, width, rgb.Width(0));
 }
 
 void ConvertRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter& converter) {
   const RgbRow planes = RowOf(rgb, row);
-  Convert(&converter, planes, width);
-  Bound(planes, width);
+  InChunks(width, [&](int first, std::size_t count) {
+    const RgbRow chunk = From(planes, first);
+    Convert(&converter, chunk, count);
+    Bound(chunk, count);
+  });
   RepeatLastPixel(planes, width, rgb.Width(0));
 }
 

@@ -4,24 +4,13 @@
 
 namespace CHR {
 
-using ConvertRunFunction = void(const ConversionParams&, const QuickTables&, float*, float*, float*,
-                                std::size_t);
-ConvertRunFunction ConvertRunBaseline;
+RowFunctions RowFunctionsBaseline();
 #if defined(__x86_64__)
-ConvertRunFunction ConvertRunAvx2;
-ConvertRunFunction ConvertRunAvx512;
+RowFunctions RowFunctionsAvx2();
+RowFunctions RowFunctionsAvx512();
 #endif
 
 namespace {
-
-ConvertRunFunction* RunOf(InstructionSet set) {
-#if defined(__x86_64__)
-  if (set == InstructionSet::Avx512) return ConvertRunAvx512;
-  if (set == InstructionSet::Avx2) return ConvertRunAvx2;
-#endif
-  static_cast<void>(set);
-  return ConvertRunBaseline;
-}
 
 bool HasRowForm(int transfer) {
   switch (transfer) {
@@ -61,10 +50,19 @@ InstructionSet BestInstructionSet() {
   return kBest;
 }
 
+RowFunctions RowFunctionsOf(InstructionSet set) {
+#if defined(__x86_64__)
+  if (set == InstructionSet::Avx512) return RowFunctionsAvx512();
+  if (set == InstructionSet::Avx2) return RowFunctionsAvx2();
+#endif
+  static_cast<void>(set);
+  return RowFunctionsBaseline();
+}
+
 bool ConvertRows(InstructionSet set, const ConversionParams& params, float* red, float* green,
                  float* blue, std::size_t count) {
   if (!HasRowForm(params.source.transfer) || !HasRowForm(params.destination.transfer)) return false;
-  RunOf(set)(params, GetQuickTables(), red, green, blue, count);
+  RowFunctionsOf(set).convert(params, GetQuickTables(), red, green, blue, count);
   return true;
 }
 

@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "refhost/chromant/ConversionParams.h"
+#include "refhost/chromant/rows/RowFunctions.h"
 
 namespace CHR {
 
@@ -14,6 +15,9 @@ bool CanRun(InstructionSet set);
 
 /// The widest that this machine can run.
 InstructionSet BestInstructionSet();
+
+/// `set` must be one that can run.
+RowFunctions RowFunctionsOf(InstructionSet set);
 
 /// Converts `count` pixels in place, given as planes, with the same bits as `ConvertPixel`. False,
 /// with no pixel touched, when a transfer has no form for rows. `set` must be one that can run.
