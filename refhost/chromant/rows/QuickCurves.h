@@ -1,7 +1,7 @@
 #pragma once
 
-// Transfer functions whose results, rounded to float, are those of WideTransfer.h, in a third of
-// the time: they come close to them in double precision, and where that leaves two floats to choose
+// Transfer functions whose results, rounded to float, are those of WideTransfer.h, in less
+// time: they come close to them in double precision, and where that leaves two floats to choose
 // from, the curves of WideTransfer.h are asked. AVX-512 alone; included like WideLanes.h.
 
 #include "refhost/chromant/rows/QuickTables.h"
@@ -54,26 +54,6 @@ struct Parts {
   return Polynomial6(parts.aboveMiddle, coefficient) * Pick(table.ofExponent, parts.exponent);
 }
 
-[[gnu::always_inline]] inline WideLanes QuickLog(const QuickLogTable& table, WideLanes x) {
-  const Parts parts(x);
-  const WideLanes share = parts.aboveMiddle * Pick(table.reciprocalOfMiddle, parts.part);
-  const auto coefficient = [&](int k) { return Everywhere(table.series[k]); };
-  return Polynomial6(share, coefficient) +
-         (Pick(table.ofMiddle, parts.part) + Pick(table.ofExponent, parts.exponent));
-}
-
-/// 2^x for x from -0.1 to 0 by the series of Exp2OfModerate, with its error. What is left out
-/// counts for less than 2^-46 there.
-[[gnu::always_inline]] inline WideLanes Exp2OfSmall(WideLanes x) {
-  const auto coefficient = [](int k) {
-    constexpr double kSeries[] = {0x1.62e42fef9adc8p-1, 0x1.ebfbdff818eaep-3, 0x1.c6b08db22c3edp-5,
-                                  0x1.3b2ab72de0dcep-7, 0x1.5d8763a271bbp-10, 0x1.4308810253179p-13,
-                                  0x1.00ced1aba1c73p-16};
-    return Everywhere(kSeries[k]);
-  };
-  return Fused(Polynomial6(x, coefficient), x, Everywhere(1.0));
-}
-
 [[gnu::always_inline]] inline __mmask8 AreBelow(WideLanes a, WideLanes b) {
   return _mm512_cmp_pd_mask(__builtin_bit_cast(__m512d, a), __builtin_bit_cast(__m512d, b),
                             _CMP_LT_OQ);
@@ -85,9 +65,9 @@ struct Parts {
 }
 
 /// The lanes that lie so near to the middle between two floats that what is between a quick curve
-/// and its model, less than 2^-37 of the value, could round to the other one.
+/// and its model, less than 2^-36 of the value, could round to the other one.
 [[gnu::always_inline]] inline __mmask8 AreNearMiddle(WideLanes x) {
-  constexpr unsigned long long kReach = 1U << 16U;
+  constexpr unsigned long long kReach = 1U << 17U;
   constexpr unsigned long long kMiddle = 1U << 28U;  // of the bits that a float does not have
   const WideBits above = (WideBitsOf(x) + (kReach - kMiddle)) << 35;
   return _mm512_cmplt_epu64_mask(__builtin_bit_cast(__m512i, above),
@@ -119,7 +99,7 @@ struct QuickPqDecoder {
 
   [[gnu::always_inline]] void operator()(const float* from, float* to) const {
     const WideLanes signal = LoadWidened(from);
-    const WideLanes p = Exp2OfSmall(QuickLog(tables.logOfPqSignal, signal));
+    const WideLanes p = QuickPower(tables.pqSignal, signal);
     const WideLanes ratio = (p - 0.8359375) / (18.8515625 - 18.6875 * p);
     const WideLanes light = scale * QuickPower(tables.pqLight, ratio);
     const __mmask8 usual = AreFromUpTo(0x1p-7, signal, 1.0);

@@ -65,28 +65,24 @@ QuickPowerTable MakePower(double y) {
   return table;
 }
 
-QuickLogTable MakeLog(double y) {
-  QuickLogTable table{};
-  const double unit = y / std::log(2.0);
-  Series series{};
-  for (std::size_t k = 1; k < kTerms; ++k) {
-    series[k] = (k % 2 == 1 ? unit : -unit) / static_cast<double>(k);
+/// The series of Exp2OfModerate begins like that of e^(kUnit x), where kUnit is not quite the
+/// logarithm of 2. What is then still between them hardly changes within an octave.
+QuickPowerTable MakePqSignalPower() {
+  constexpr double kUnit = 0x1.62e42fef9adc8p-1;
+  const double y = 1.0 / QUILLON_ST2084_M2;
+  const double nearY = y * kUnit / std::log(2.0);
+  QuickPowerTable table = MakePower(nearY);
+  for (int i = 0; i < kHalvings; ++i) {
+    table.ofExponent[i] = Exp2OfModerate(y * (Exponent(i) + 0.5)) / std::exp2(0.5 * nearY);
   }
-  Economise(series, QuickLogTable::kDegree, kHalfPart / Middle(0));
-  std::copy_n(series.begin(), QuickLogTable::kDegree + 1, table.series);
-  for (int part = 0; part < kParts; ++part) {
-    table.ofMiddle[part] = y * std::log2(Middle(part));
-    table.reciprocalOfMiddle[part] = 1.0 / Middle(part);
-  }
-  for (int i = 0; i < kHalvings; ++i) table.ofExponent[i] = y * Exponent(i);
   return table;
 }
 
 }  // namespace
 
 const QuickTables& GetQuickTables() {
-  static const QuickTables kTables = {MakeLog(1.0 / QUILLON_ST2084_M2),
-                                      MakePower(1.0 / QUILLON_ST2084_M1), MakePower(1.0 / 2.4)};
+  static const QuickTables kTables = {MakePqSignalPower(), MakePower(1.0 / QUILLON_ST2084_M1),
+                                      MakePower(1.0 / 2.4)};
   return kTables;
 }
 

@@ -15,21 +15,13 @@ struct QuickPowerTable {
   alignas(64) double ofExponent[kHalvings];
 };
 
-/// y log2(x) from 2^-15 up to 2: that of the middle of the mantissa's part, and a series in what
-/// the mantissa is above it, relative to it.
-struct QuickLogTable {
-  static constexpr int kDegree = 6;
-  double series[kDegree + 1];
-  alignas(64) double ofMiddle[kParts];
-  alignas(64) double reciprocalOfMiddle[kParts];
-  alignas(64) double ofExponent[kHalvings];
-};
-
 /// For the transfer functions that have a quick form.
 struct QuickTables {
-  QuickLogTable logOfPqSignal;  ///< times the exponent of the EOTF's first power
-  QuickPowerTable pqLight;      ///< the EOTF's second power
-  QuickPowerTable root24;       ///< 1 / 2.4
+  /// The EOTF's first power, from 2^-7 up to 1 with the error of Power64, which what follows
+  /// makes larger: where a quick curve is to come near to its model it has to have the same.
+  QuickPowerTable pqSignal;
+  QuickPowerTable pqLight;  ///< the EOTF's second power
+  QuickPowerTable root24;   ///< 1 / 2.4
 };
 
 /// Made once.
