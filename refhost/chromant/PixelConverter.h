@@ -23,6 +23,9 @@ class PixelConverter {
   /// `source` and `destination` may be the same memory, but must not overlap otherwise.
   void Convert(const float* source, float* destination, std::size_t pixels) const;
 
+  /// The same for pixels given as planes of red, green and blue, in place.
+  void ConvertPlanes(float* red, float* green, float* blue, std::size_t pixels) const;
+
   /// The conversion as kernels take it.
   const ConversionParams& Params() const { return params_; }
 

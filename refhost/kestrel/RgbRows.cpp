@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <cstdint>
+
+#include "refhost/chromant/PlaneRows.h"
 
 namespace KS {
 
@@ -22,27 +24,41 @@ RgbRow RowOf(const PlanarBuffer& rgb, int row) {
   return {rgb.Row<float>(0, row), rgb.Row<float>(1, row), rgb.Row<float>(2, row)};
 }
 
+/// What begins at a column.
+RgbRow From(const RgbRow& row, int first) {
+  return {row.red + first, row.green + first, row.blue + first};
+}
+
+/// Whether the stored pixels can be read and written as they are.
+bool AreFloats(CHR::ComponentType type, const std::byte* stored) {
+  return type == CHR::ComponentType::Float &&
+         reinterpret_cast<std::uintptr_t>(stored) % alignof(float) == 0;
+}
+
+void Load(const std::byte* stored, CHR::ComponentType type, std::size_t count, const RgbRow& row) {
+  if (AreFloats(type, stored)) {
+    CHR::SplitPixels(reinterpret_cast<const float*>(stored), count, row.red, row.green, row.blue);
+    return;
+  }
+  Pixels pixels;
+  CHR::LoadPixels(type, stored, count, pixels.data());
+  CHR::SplitPixels(pixels.data(), count, row.red, row.green, row.blue);
+}
+
+void Store(const RgbRow& row, std::size_t count, CHR::ComponentType type, std::byte* stored) {
+  if (AreFloats(type, stored)) {
+    CHR::JoinPixels(row.red, row.green, row.blue, count, reinterpret_cast<float*>(stored));
+    return;
+  }
+  Pixels pixels;
+  CHR::JoinPixels(row.red, row.green, row.blue, count, pixels.data());
+  CHR::StorePixels(type, pixels.data(), count, stored);
+}
+
 /// Far beyond every code, and small enough for a matrix to stay finite.
-float Bounded(float signal) {
+void Bound(const RgbRow& row, std::size_t count) {
   constexpr float kMost = 1e6F;
-  return std::isnan(signal) ? 0.0F : std::clamp(signal, -kMost, kMost);
-}
-
-void Interleave(const RgbRow& row, int first, int count, float* pixels) {
-  for (int i = 0; i < count; ++i, pixels += 4) {
-    pixels[0] = row.blue[first + i];
-    pixels[1] = row.green[first + i];
-    pixels[2] = row.red[first + i];
-    pixels[3] = 1.0F;
-  }
-}
-
-void Deinterleave(const float* pixels, int first, int count, const RgbRow& row) {
-  for (int i = 0; i < count; ++i, pixels += 4) {
-    row.blue[first + i] = Bounded(pixels[0]);
-    row.green[first + i] = Bounded(pixels[1]);
-    row.red[first + i] = Bounded(pixels[2]);
-  }
+  for (float* samples : {row.red, row.green, row.blue}) CHR::BoundSamples(samples, count, kMost);
 }
 
 void RepeatLastPixel(const RgbRow& row, int width, int bufferWidth) {
@@ -51,9 +67,20 @@ void RepeatLastPixel(const RgbRow& row, int width, int bufferWidth) {
   }
 }
 
-void Convert(const CHR::PixelConverter* converter, Pixels& pixels, int count) {
-  if (converter == nullptr) return;
-  converter->Convert(pixels.data(), pixels.data(), static_cast<std::size_t>(count));
+void Convert(const CHR::PixelConverter* converter, const RgbRow& row, std::size_t count) {
+  if (converter != nullptr) converter->ConvertPlanes(row.red, row.green, row.blue, count);
+}
+
+/// Calls the work with the first column of each chunk and its number of pixels.
+template <class Work>
+void InChunks(int width, const Work& work) {
+  for (int first = 0; first < width; first += kChunk) {
+    work(first, static_cast<std::size_t>(std::min(kChunk, width - first)));
+  }
+}
+
+std::size_t BytesOf(CHR::ComponentType type, int pixels) {
+  return static_cast<std::size_t>(pixels) * CHR::PixelBytes(type);
 }
 
 }  // namespace
@@ -61,39 +88,32 @@ void Convert(const CHR::PixelConverter* converter, Pixels& pixels, int count) {
 void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter* converter,
               CHR::ComponentType type, std::byte* stored) {
   const RgbRow from = RowOf(rgb, row);
-  Pixels pixels{};
-  for (int first = 0; first < width; first += kChunk) {
-    const int count = std::min(kChunk, width - first);
-    Interleave(from, first, count, pixels.data());
-    Convert(converter, pixels, count);
-    CHR::StorePixels(type, pixels.data(), static_cast<std::size_t>(count),
-                     stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type));
-  }
+  InChunks(width, [&](int first, std::size_t count) {
+    const RgbRow chunk = From(from, first);
+    Convert(converter, chunk, count);
+    Store(chunk, count, type, stored + BytesOf(type, first));
+  });
 }
 
 void LoadRow(const std::byte* stored, CHR::ComponentType type, const CHR::PixelConverter* converter,
              int width, const PlanarBuffer& rgb, int row) {
   const RgbRow to = RowOf(rgb, row);
-  Pixels pixels{};
-  for (int first = 0; first < width; first += kChunk) {
-    const int count = std::min(kChunk, width - first);
-    CHR::LoadPixels(type, stored + static_cast<std::size_t>(first) * CHR::PixelBytes(type),
-                    static_cast<std::size_t>(count), pixels.data());
-    Convert(converter, pixels, count);
-    Deinterleave(pixels.data(), first, count, to);
-  }
+  InChunks(width, [&](int first, std::size_t count) {
+    const RgbRow chunk = From(to, first);
+    Load(stored + BytesOf(type, first), type, count, chunk);
+    Convert(converter, chunk, count);
+    Bound(chunk, count);
+  });
   RepeatLastPixel(to, width, rgb.Width(0));
 }
 
 void ConvertRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter& converter) {
   const RgbRow planes = RowOf(rgb, row);
-  Pixels pixels{};
-  for (int first = 0; first < width; first += kChunk) {
-    const int count = std::min(kChunk, width - first);
-    Interleave(planes, first, count, pixels.data());
-    Convert(&converter, pixels, count);
-    Deinterleave(pixels.data(), first, count, planes);
-  }
+  InChunks(width, [&](int first, std::size_t count) {
+    const RgbRow chunk = From(planes, first);
+    Convert(&converter, chunk, count);
+    Bound(chunk, count);
+  });
   RepeatLastPixel(planes, width, rgb.Width(0));
 }
 

@@ -9,7 +9,8 @@ namespace KS {
 // Rows of float red, green and blue planes, as zimg has them, from and to interleaved pixels.
 // Without a converter the colours stay as they are.
 
-/// Stores a row of the planes as `width` interleaved pixels, opaque.
+/// Stores a row of the planes as `width` interleaved pixels, opaque. The planes are converted on
+/// the way, and so have lost what they held.
 void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter* converter,
               CHR::ComponentType type, std::byte* pixels);
 

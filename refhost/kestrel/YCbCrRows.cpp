@@ -35,21 +35,32 @@ Component ComponentOf(const FrameView& frame, int index) {
   return component;
 }
 
+bool IsPacked(const Component& component) { return component.step == 1 && component.shift == 0; }
+
 template <class Sample>
 void UnpackRow(const std::byte* row, const Component& component, int bits, int bufferWidth,
                Sample* codes) {
   const auto largest = static_cast<Sample>((1U << static_cast<unsigned>(bits)) - 1U);
-  for (int x = 0; x < component.width; ++x) {
-    Sample sample;
-    const std::ptrdiff_t at = std::ptrdiff_t{x} * component.step + component.offset;
-    std::memcpy(&sample, row + at * std::ptrdiff_t{sizeof(Sample)}, sizeof(Sample));
-    codes[x] = std::min(static_cast<Sample>(sample >> component.shift), largest);
+  if (IsPacked(component)) {
+    std::memcpy(codes, row, static_cast<std::size_t>(component.width) * sizeof(Sample));
+    for (int x = 0; x < component.width; ++x) codes[x] = std::min(codes[x], largest);
+  } else {
+    for (int x = 0; x < component.width; ++x) {
+      Sample sample;
+      const std::ptrdiff_t at = std::ptrdiff_t{x} * component.step + component.offset;
+      std::memcpy(&sample, row + at * std::ptrdiff_t{sizeof(Sample)}, sizeof(Sample));
+      codes[x] = std::min(static_cast<Sample>(sample >> component.shift), largest);
+    }
   }
   std::fill(codes + component.width, codes + bufferWidth, codes[component.width - 1]);
 }
 
 template <class Sample>
 void PackRow(const Sample* codes, const Component& component, std::byte* row) {
+  if (IsPacked(component)) {
+    std::memcpy(row, codes, static_cast<std::size_t>(component.width) * sizeof(Sample));
+    return;
+  }
   for (int x = 0; x < component.width; ++x) {
     const auto sample = static_cast<Sample>(codes[x] << component.shift);
     const std::ptrdiff_t at = std::ptrdiff_t{x} * component.step + component.offset;

@@ -17,6 +17,14 @@ inline constexpr std::array<Choice<orvmediatypes::color::ToneMapAlgorithmType>, 
     {"none", orvmediatypes::color::ToneMapAlgorithmType::None},
 }};
 
+/// What `--gamut` takes.
+inline constexpr std::array<Choice<orvmediatypes::color::GamutCompressionAlgorithmType>, 3>
+    kGamuts = {{
+        {"none", orvmediatypes::color::GamutCompressionAlgorithmType::None},
+        {"reinhard", orvmediatypes::color::GamutCompressionAlgorithmType::Reinhard},
+        {"desaturate", orvmediatypes::color::GamutCompressionAlgorithmType::Desaturation},
+    }};
+
 /// The name that `--algorithm` has for an algorithm; empty for a value that it does not take.
 constexpr std::string_view AlgorithmName(orvmediatypes::color::ToneMapAlgorithmType algorithm) {
   for (const auto& choice : kAlgorithms) {

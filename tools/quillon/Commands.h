@@ -13,5 +13,6 @@ Subcommand AddMapCommand(CLI::App& app);
 Subcommand AddChartCommand(CLI::App& app);
 Subcommand AddCurveCommand(CLI::App& app);
 Subcommand AddCompareCommand(CLI::App& app);
+Subcommand AddLutCommand(CLI::App& app);
 Subcommand AddDevicesCommand(CLI::App& app);
 Subcommand AddInspectCommand(CLI::App& app);

@@ -16,19 +16,10 @@ using orvmediatypes::color::ToneMapAlgorithmType;
 namespace {
 
 constexpr double kDefaultPeakNits = 1000.0;
-constexpr double kLargestPeakNits = 1e6;
 
 void AddAlgorithm(CurveOptions& options, ToneMapAlgorithmType algorithm) {
   auto& all = options.algorithms;
   if (std::find(all.begin(), all.end(), algorithm) == all.end()) all.push_back(algorithm);
-}
-
-void ParsePeak(const std::string& text, MapOptions& map) {
-  if (!ParseNits(text, map.peakNits) || map.peakNits > kLargestPeakNits) {
-    throw CLI::ValidationError("--peak",
-                               "'" + text + "' is no number of nits above 0 and up to 1000000");
-  }
-  map.peakSource = PeakSource::Number;
 }
 
 void AddOptions(CLI::App& curve, CurveOptions& options) {
@@ -44,11 +35,7 @@ void AddOptions(CLI::App& curve, CurveOptions& options) {
           "Tone-map algorithm to plot; may be given several times (all when not given)")
       ->allow_extra_args(false)
       ->type_name(ChoiceNames(kAlgorithms));
-  curve
-      .add_option_function<std::string>(
-          "--peak", [&](const std::string& text) { ParsePeak(text, options.map); },
-          "Peak of the source in nits (1000 when not given)")
-      ->type_name("NITS");
+  AddPeakNumberOption(curve, options.map, "Peak of the source in nits (1000 when not given)");
   AddTargetOptions(curve, options.map);
   AddColorSpaceOptions(curve, options.map,
                        "Colour space that the source is in (scene-linear light when not given)");

@@ -1,12 +1,10 @@
 #include <CLI/CLI.hpp>
-#include <array>
 #include <iostream>
 #include <memory>
 #include <optional>
 
 #include <oneapi/tbb/global_control.h>
 
-#include "tools/quillon/AlgorithmNames.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/ExitCodes.h"
@@ -17,15 +15,7 @@
 #include "tools/quillon/clip/MapClip.h"
 #include "tools/quillon/clip/PictureSource.h"
 
-using orvmediatypes::color::GamutCompressionAlgorithmType;
-
 namespace {
-
-constexpr std::array<Choice<GamutCompressionAlgorithmType>, 3> kGamuts = {{
-    {"none", GamutCompressionAlgorithmType::None},
-    {"reinhard", GamutCompressionAlgorithmType::Reinhard},
-    {"desaturate", GamutCompressionAlgorithmType::Desaturation},
-}};
 
 void ParsePeak(const std::string& text, MapOptions& options) {
   if (text == "metadata") {
@@ -58,13 +48,6 @@ void AddLuminanceOptions(CLI::App& map, MapOptions& options) {
          "clip; scenes: the same, for each scene of a clip")
       ->type_name("NITS|metadata|measure|scenes");
   AddTargetOptions(map, options);
-}
-
-void AddCurveOptions(CLI::App& map, MapOptions& options) {
-  AddChoice(map, "--algorithm", kAlgorithms, options.algorithm,
-            "Tone-map algorithm (auto when not given)");
-  AddChoice(map, "--gamut", kGamuts, options.gamut, "Gamut compression (none when not given)");
-  AddDialOptions(map, options);
 }
 
 void AddRunOptions(CLI::App& map, MapOptions& options) {
@@ -113,7 +96,8 @@ Subcommand AddMapCommand(CLI::App& app) {
       ->required();
   AddColorSpaceOptions(map, *options, "Colour space of the input, in place of what its tags say");
   AddLuminanceOptions(map, *options);
-  AddCurveOptions(map, *options);
+  AddAlgorithmOptions(map, *options);
+  AddDialOptions(map, *options);
   AddRunOptions(map, *options);
   AddClipOptions(map, options->clip);
   map.footer(

@@ -3,7 +3,22 @@
 #include <charconv>
 #include <cmath>
 
+#include "tools/quillon/AlgorithmNames.h"
 #include "tools/quillon/ColorSpaceNames.h"
+
+namespace {
+
+constexpr double kLargestPeakNits = 1e6;
+
+void ParsePeakNumber(const std::string& text, MapOptions& options) {
+  if (!ParseNits(text, options.peakNits) || options.peakNits > kLargestPeakNits) {
+    throw CLI::ValidationError("--peak",
+                               "'" + text + "' is no number of nits above 0 and up to 1000000");
+  }
+  options.peakSource = PeakSource::Number;
+}
+
+}  // namespace
 
 bool ParseNits(const std::string& text, double& nits) {
   const char* const end = text.data() + text.size();
@@ -45,6 +60,12 @@ void AddSourceOptions(CLI::App& app, std::optional<orvmediatypes::color::ColorDe
       ->excludes(from);
 }
 
+void AddPeakNumberOption(CLI::App& app, MapOptions& options, const std::string& help) {
+  app.add_option_function<std::string>(
+         "--peak", [&](const std::string& text) { ParsePeakNumber(text, options); }, help)
+      ->type_name("NITS");
+}
+
 void AddTargetOptions(CLI::App& app, MapOptions& options) {
   app.add_option("--target-peak", options.targetPeakNits, "Peak of a PQ or HLG destination in nits")
       ->check(CLI::Range(1, 10000))
@@ -55,6 +76,12 @@ void AddTargetOptions(CLI::App& app, MapOptions& options) {
       ->check(CLI::Range(1, 10000))
       ->type_name("NITS")
       ->capture_default_str();
+}
+
+void AddAlgorithmOptions(CLI::App& app, MapOptions& options) {
+  AddChoice(app, "--algorithm", kAlgorithms, options.algorithm,
+            "Tone-map algorithm (auto when not given)");
+  AddChoice(app, "--gamut", kGamuts, options.gamut, "Gamut compression (none when not given)");
 }
 
 void AddDialOptions(CLI::App& app, MapOptions& options) {

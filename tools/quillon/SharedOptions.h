@@ -40,8 +40,14 @@ void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string&
 void AddSourceOptions(CLI::App& app, std::optional<orvmediatypes::color::ColorDescription>& source,
                       bool& tellsMatrix, const std::string& suffix, const std::string& help);
 
+/// --peak as a number of nits and nothing else.
+void AddPeakNumberOption(CLI::App& app, MapOptions& options, const std::string& help);
+
 /// --target-peak and --white.
 void AddTargetOptions(CLI::App& app, MapOptions& options);
+
+/// --algorithm, once, and --gamut.
+void AddAlgorithmOptions(CLI::App& app, MapOptions& options);
 
 /// --knee, --gain and --preserve.
 void AddDialOptions(CLI::App& app, MapOptions& options);

@@ -36,6 +36,7 @@ ExitCode RunCommandLine(int argc, char** argv) {
   const Subcommand curve = AddCurveCommand(app);
   const Subcommand compare = AddCompareCommand(app);
   const Subcommand inspect = AddInspectCommand(app);
+  const Subcommand lut = AddLutCommand(app);
   const Subcommand devices = AddDevicesCommand(app);
   try {
     app.parse(argc, argv);
@@ -47,6 +48,7 @@ ExitCode RunCommandLine(int argc, char** argv) {
   if (app.got_subcommand("curve")) curve();
   if (app.got_subcommand("compare")) compare();
   if (app.got_subcommand("inspect")) inspect();
+  if (app.got_subcommand("lut")) lut();
   if (app.got_subcommand("devices")) devices();
   return ExitCode::Success;
 }

@@ -1,0 +1,99 @@
+#include "bench/video/FfmpegVideo.h"
+
+#include <cstring>
+#include <stdexcept>
+
+#include "bench/Frames.h"
+#include "refhost/kestrel/SystemFrame.h"
+
+extern "C" {
+#include <libavfilter/buffersink.h>
+#include <libavfilter/buffersrc.h>
+}
+
+namespace {
+
+void CheckAv(int result, const char* operation) {
+  if (result < 0) throw std::runtime_error(std::string("FFmpeg: ") + operation + " failed");
+}
+
+AVFilterContext* AddFilter(AVFilterGraph* graph, const char* filter, const std::string& options) {
+  AVFilterContext* context = nullptr;
+  CheckAv(avfilter_graph_create_filter(&context, avfilter_get_by_name(filter), nullptr,
+                                       options.c_str(), nullptr, graph),
+          filter);
+  return context;
+}
+
+struct FreeEnds {
+  void operator()(AVFilterInOut* ends) const { avfilter_inout_free(&ends); }
+};
+using Ends = std::unique_ptr<AVFilterInOut, FreeEnds>;
+
+Ends EndAt(AVFilterContext* filter, const char* name) {
+  Ends ends(avfilter_inout_alloc());
+  ends->name = av_strdup(name);
+  ends->filter_ctx = filter;
+  ends->pad_idx = 0;
+  ends->next = nullptr;
+  return ends;
+}
+
+/// Parses what stands between the source and the sink.
+void Parse(AVFilterGraph* graph, const std::string& filters, AVFilterContext* source,
+           AVFilterContext* sink) {
+  AVFilterInOut* outputs = EndAt(source, "in").release();
+  AVFilterInOut* inputs = EndAt(sink, "out").release();
+  const int result = avfilter_graph_parse_ptr(graph, filters.c_str(), &inputs, &outputs, nullptr);
+  const Ends inputsLeft(inputs);
+  const Ends outputsLeft(outputs);
+  CheckAv(result, filters.c_str());
+  CheckAv(avfilter_graph_config(graph, nullptr), "configuration");
+}
+
+void CopyPlanes(const PX::VideoFrameRef& from, AVFrame* to) {
+  const auto planes = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(from);
+  for (int index = 0; index < planes->GetPlaneCount(); ++index) {
+    const KS::Plane plane = planes->GetPlane(index);
+    for (int y = 0; y < plane.height; ++y) {
+      std::memcpy(to->data[index] + std::ptrdiff_t{y} * to->linesize[index],
+                  static_cast<const std::byte*>(plane.data) + std::ptrdiff_t{y} * plane.rowBytes,
+                  static_cast<std::size_t>(plane.width) * 2);
+    }
+  }
+}
+
+}  // namespace
+
+FfmpegVideo::FfmpegVideo(const std::string& toneMap, int threads, const PX::VideoFrameRef& source)
+    : graph_(avfilter_graph_alloc()), source_(av_frame_alloc()) {
+  source_->format = AV_PIX_FMT_YUV420P10LE;
+  source_->width = kWidth;
+  source_->height = kHeight;
+  source_->color_primaries = AVCOL_PRI_BT2020;
+  source_->color_trc = AVCOL_TRC_SMPTE2084;
+  source_->colorspace = AVCOL_SPC_BT2020_NCL;
+  source_->color_range = AVCOL_RANGE_MPEG;
+  source_->chroma_location = AVCHROMA_LOC_LEFT;
+  CheckAv(av_frame_get_buffer(source_.get(), 0), "frame");
+  CopyPlanes(source, source_.get());
+
+  graph_->nb_threads = threads;
+  in_ = AddFilter(graph_.get(), "buffer",
+                  "video_size=" + std::to_string(kWidth) + "x" + std::to_string(kHeight) +
+                      ":pix_fmt=yuv420p10le:time_base=1/1:pixel_aspect=1/1");
+  out_ = AddFilter(graph_.get(), "buffersink", "");
+  Parse(graph_.get(),
+        "zscale=t=linear:npl=203,format=gbrpf32le,tonemap=" + toneMap +
+            ",zscale=p=bt709:t=bt709:m=bt709,format=yuv420p",
+        in_, out_);
+}
+
+void FfmpegVideo::MapFrame() {
+  const std::unique_ptr<AVFrame, FreeFrame> result(av_frame_alloc());
+  CheckAv(av_buffersrc_add_frame_flags(in_, source_.get(), AV_BUFFERSRC_FLAG_KEEP_REF), "source");
+  CheckAv(av_buffersink_get_frame(out_, result.get()), "sink");
+  if (result->format != AV_PIX_FMT_YUV420P || result->width != kWidth) {
+    throw std::runtime_error("FFmpeg: the result is not what was asked for");
+  }
+}

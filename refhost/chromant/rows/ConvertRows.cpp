@@ -1,0 +1,69 @@
+#include "refhost/chromant/rows/ConvertRows.h"
+
+#include "refhost/chromant/rows/QuickTables.h"
+
+namespace CHR {
+
+RowFunctions RowFunctionsBaseline();
+#if defined(__x86_64__)
+RowFunctions RowFunctionsAvx2();
+RowFunctions RowFunctionsAvx512();
+#endif
+
+namespace {
+
+bool HasRowForm(int transfer) {
+  switch (transfer) {
+    case 1:
+    case 4:
+    case 5:
+    case 8:
+    case 13:
+    case 16:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+bool CanRun(InstructionSet set) {
+#if defined(__x86_64__)
+  switch (set) {
+    case InstructionSet::Avx512:
+      return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
+             __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vl") != 0;
+    case InstructionSet::Avx2:
+      return __builtin_cpu_supports("avx2") != 0;
+    case InstructionSet::Baseline:
+      return true;
+  }
+#endif
+  return set == InstructionSet::Baseline;
+}
+
+InstructionSet BestInstructionSet() {
+  static const InstructionSet kBest = CanRun(InstructionSet::Avx512) ? InstructionSet::Avx512
+                                      : CanRun(InstructionSet::Avx2) ? InstructionSet::Avx2
+                                                                     : InstructionSet::Baseline;
+  return kBest;
+}
+
+RowFunctions RowFunctionsOf(InstructionSet set) {
+#if defined(__x86_64__)
+  if (set == InstructionSet::Avx512) return RowFunctionsAvx512();
+  if (set == InstructionSet::Avx2) return RowFunctionsAvx2();
+#endif
+  static_cast<void>(set);
+  return RowFunctionsBaseline();
+}
+
+bool ConvertRows(InstructionSet set, const ConversionParams& params, float* red, float* green,
+                 float* blue, std::size_t count) {
+  if (!HasRowForm(params.source.transfer) || !HasRowForm(params.destination.transfer)) return false;
+  RowFunctionsOf(set).convert(params, GetQuickTables(), red, green, blue, count);
+  return true;
+}
+
+}  // namespace CHR

@@ -1,0 +1,158 @@
+#pragma once
+
+// The run of an instruction set, put together from its transfer functions. Included like
+// WideLanes.h.
+
+#include "refhost/chromant/ConversionParams.h"
+#include "refhost/chromant/rows/QuickCurves.h"
+#include "refhost/chromant/rows/WideTransfer.h"
+
+namespace CHR {
+namespace {
+
+/// Pixels whose light is kept between decoding and encoding.
+constexpr std::size_t kBlock = 64;
+
+/// Red, green and blue light of a block.
+struct Light {
+  alignas(64) double components[3][kBlock];
+};
+
+struct Planes {
+  float* components[3];
+};
+
+template <class Curve>
+void DecodeBlock(const Planes& signals, const Curve& curve, Light& light) {
+  for (int c = 0; c < 3; ++c) {
+    for (std::size_t i = 0; i < kBlock; i += kLanes) {
+      Store(light.components[c] + i, curve(LoadWidened(signals.components[c] + i)));
+    }
+  }
+}
+
+template <class Curve>
+void EncodeBlock(const Light& light, const Curve& curve, const Planes& signals) {
+  for (int c = 0; c < 3; ++c) {
+    for (std::size_t i = 0; i < kBlock; i += kLanes) {
+      StoreNarrowed(signals.components[c] + i, curve(Load<WideLanes>(light.components[c] + i)));
+    }
+  }
+}
+
+#if defined(__AVX512F__)
+
+/// From PQ straight to linear floats. False where that is not what is asked for.
+bool ConvertQuickly(const ConversionParams& params, const QuickTables& tables,
+                    const Planes& planes) {
+  constexpr int kPq = 16;
+  constexpr int kLinear = 8;
+  if (params.source.transfer != kPq || params.destination.transfer != kLinear ||
+      params.hasMatrix != 0) {
+    return false;
+  }
+  const double white = params.source.whiteNits;
+  const QuickPqDecoder decode = {tables, PqDecoder{white}, 10000.0 / white};
+  for (float* component : planes.components) {
+    for (std::size_t i = 0; i < kBlock; i += kLanes) decode(component + i, component + i);
+  }
+  return true;
+}
+
+void EncodeRoot(const Light& light, const QuickTables& tables, const Planes& signals) {
+  const QuickRoot encode = {tables.root24, OddPower{1.0 / 2.4}};
+  for (int c = 0; c < 3; ++c) {
+    for (std::size_t i = 0; i < kBlock; i += kLanes) {
+      encode(light.components[c] + i, signals.components[c] + i);
+    }
+  }
+}
+
+#else
+
+bool ConvertQuickly(const ConversionParams& /*params*/, const QuickTables& /*tables*/,
+                    const Planes& /*planes*/) {
+  return false;
+}
+
+void EncodeRoot(const Light& light, const QuickTables& /*tables*/, const Planes& signals) {
+  EncodeBlock(light, OddPower{1.0 / 2.4}, signals);
+}
+
+#endif
+
+void Decode(const TransferParams& params, const Planes& signals, Light& light) {
+  switch (params.transfer) {
+    case 1:
+      return DecodeBlock(signals, OddPower{2.4}, light);
+    case 4:
+      return DecodeBlock(signals, OddPower{2.2}, light);
+    case 5:
+      return DecodeBlock(signals, OddPower{2.8}, light);
+    case 13:
+      return DecodeBlock(signals, SrgbDecoder{}, light);
+    case 16:
+      return DecodeBlock(signals, PqDecoder{params.whiteNits}, light);
+    default:
+      return DecodeBlock(signals, Identity{}, light);
+  }
+}
+
+void Encode(const TransferParams& params, const QuickTables& tables, const Light& light,
+            const Planes& signals) {
+  switch (params.transfer) {
+    case 1:
+      return EncodeRoot(light, tables, signals);
+    case 4:
+      return EncodeBlock(light, OddPower{1.0 / 2.2}, signals);
+    case 5:
+      return EncodeBlock(light, OddPower{1.0 / 2.8}, signals);
+    case 13:
+      return EncodeBlock(light, SrgbEncoder{}, signals);
+    case 16:
+      return EncodeBlock(light, PqEncoder{params.whiteNits}, signals);
+    default:
+      return EncodeBlock(light, Identity{}, signals);
+  }
+}
+
+/// ConvertPrimaries, or TransformByMatrix3 where grey has no claim to stay grey.
+void Transform(const double* m, bool keepsGrey, Light& light) {
+  auto& [reds, greens, blues] = light.components;
+  for (std::size_t i = 0; i < kBlock; i += kLanes) {
+    const auto x = Load<WideLanes>(reds + i);
+    const auto y = Load<WideLanes>(greens + i);
+    const auto z = Load<WideLanes>(blues + i);
+    const auto isKept = (x == y) & (y == z) & (keepsGrey ? -1LL : 0LL);
+    Store(reds + i, isKept ? x : m[0] * x + m[1] * y + m[2] * z);
+    Store(greens + i, isKept ? y : m[3] * x + m[4] * y + m[5] * z);
+    Store(blues + i, isKept ? z : m[6] * x + m[7] * y + m[8] * z);
+  }
+}
+
+void ConvertBlock(const ConversionParams& params, const QuickTables& tables, const Planes& planes) {
+  if (ConvertQuickly(params, tables, planes)) return;
+  Light light;
+  Decode(params.source, planes, light);
+  if (params.hasMatrix != 0) Transform(params.matrix, params.hasCommonGrey != 0, light);
+  Encode(params.destination, tables, light, planes);
+}
+
+/// In place. What is left over at the end goes through a block of its own, filled up with black.
+void ConvertRun(const ConversionParams& params, const QuickTables& tables, float* red, float* green,
+                float* blue, std::size_t count) {
+  std::size_t done = 0;
+  for (; done + kBlock <= count; done += kBlock) {
+    ConvertBlock(params, tables, {{red + done, green + done, blue + done}});
+  }
+  if (done == count) return;
+  alignas(64) float rest[3][kBlock] = {};
+  const Planes planes = {{red + done, green + done, blue + done}};
+  const std::size_t bytes = (count - done) * sizeof(float);
+  for (int c = 0; c < 3; ++c) __builtin_memcpy(rest[c], planes.components[c], bytes);
+  ConvertBlock(params, tables, {{rest[0], rest[1], rest[2]}});
+  for (int c = 0; c < 3; ++c) __builtin_memcpy(planes.components[c], rest[c], bytes);
+}
+
+}  // namespace
+}  // namespace CHR

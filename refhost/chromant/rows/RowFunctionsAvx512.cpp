@@ -1,0 +1,9 @@
+#include "refhost/chromant/rows/ConvertRun.h"
+#include "refhost/chromant/rows/PlaneRows.h"
+#include "refhost/chromant/rows/RowFunctions.h"
+
+namespace CHR {
+
+RowFunctions RowFunctionsAvx512() { return {ConvertRun, SplitRun, JoinRun, BoundRun}; }
+
+}  // namespace CHR
