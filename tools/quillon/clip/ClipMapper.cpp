@@ -1,5 +1,6 @@
 #include "tools/quillon/clip/ClipMapper.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "tools/quillon/AlgorithmNames.h"
@@ -71,6 +72,15 @@ double ClipMapper::PeakOrSample(const ClipPicture& picture) const {
   const auto number = static_cast<std::size_t>(picture.number);
   if (levels_ && number < levels_->frames.size()) return levels_->frames[number].peak;
   return MeasureLightLevels(picture.frame, options_.white).peakNits;
+}
+
+std::string ClipMapper::PeakText() const {
+  if (scenes_.empty()) return FormatNits(plan_.sourcePeakNits) + " nits";
+  const auto [least, most] =
+      std::minmax_element(scenes_.begin(), scenes_.end(),
+                          [](const ClipScene& a, const ClipScene& b) { return a.peak < b.peak; });
+  if (least->peak == most->peak) return FormatNits(most->peak) + " nits";
+  return FormatNits(least->peak) + " to " + FormatNits(most->peak) + " nits";
 }
 
 std::string ClipMapper::Doing() const {

@@ -86,7 +86,7 @@ void Summarise(std::ostream& out, const MapOptions& options, const ClipRun& run,
   const MapPlan& plan = run.mapper->Plan();
   out << options.input.string() << " -> " << options.output.string() << ": "
       << Counted(done + run.earlier.count, "frame") << ", " << DescribeColorSpace(plan.taggedSource)
-      << ", peak " << plan.sourcePeakNits << " nits (" << plan.peakOrigin << ") to "
+      << ", peak " << run.mapper->PeakText() << " (" << plan.peakOrigin << ") to "
       << DescribeColorSpace(options.destination) << ", peak " << plan.destinationPeakNits
       << " nits; " << static_cast<double>(done) / seconds << " frames a second\n";
 }
