@@ -11,9 +11,6 @@
 #include "tools/quillon/clip/ClipSink.h"
 #include "tools/quillon/io/TargetFile.h"
 
-using orvmediatypes::color::ColorDescription;
-using orvmediatypes::color::ColorSpace;
-
 namespace {
 
 constexpr int kWhite = 203;

@@ -187,7 +187,9 @@ std::optional<WorstPair> CompareAll(const CompareOptions& options, ComparedClip&
     }
     Comparison comparison = ComparePictures(pictureA->frame, pictureB->frame, options.settings);
     Add(options, comparison, totals);
-    progress.Update([&totals] { return ProgressStep{totals.frames - 1, totals.frames, {}, {}}; });
+    progress.Update([&totals] {
+      return ProgressStep{totals.frames - 1, totals.frames, {}, {}, {}};
+    });
     const double mean = comparison.deltaEFigures ? comparison.deltaEFigures->mean : 0.0;
     if (mean <= totals.largestMean) continue;
     totals.largestMean = mean;

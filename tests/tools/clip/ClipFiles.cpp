@@ -114,7 +114,7 @@ std::vector<DecodedFrame> DecodeAll(ClipReader& reader) {
 
 fs::path MakeChartClip(const ScratchFolder& folder, const std::string& name,
                        const std::vector<std::string>& options) {
-  const fs::path path = folder / name;
+  fs::path path = folder / name;
   std::vector<std::string> words = {"chart", "--video", path};
   words.insert(words.end(), options.begin(), options.end());
   if (std::find(words.begin(), words.end(), "--size") == words.end()) {

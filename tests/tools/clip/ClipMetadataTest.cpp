@@ -135,6 +135,7 @@ TEST(ClipMetadata, KeepsTheRotation) {
     const RunResult run = RunQuillon({"map", clip, folder / name});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.err, HasSubstr("stream 2 of 5 (data, none) is left out"));
+    EXPECT_THAT(run.err, HasSubstr("the Dolby Vision metadata is neither applied nor passed on"));
     EXPECT_EQ(ClipReader(folder / name).Info().rotation, ClipReader(clip).Info().rotation);
     EXPECT_EQ(ClipReader(folder / name).Info().rotation, 90);
   }

@@ -15,7 +15,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 RunResult Map(const std::vector<std::string>& options) {
   std::vector<std::string> words = {"map"};
@@ -81,7 +80,7 @@ TEST(MapClip, WritesEveryCodec) {
       {"hevc", "mp4", "12", "yuv420p12le"}, {"av1", "webm", "10", "yuv420p10le"},
       {"ffv1", "mkv", "16", "yuv420p16le"}, {"prores", "mov", "10", "yuv422p10le"}};
   for (const auto& [codec, container, depth, format] : cases) {
-    const auto mapped = folder / (codec + depth + "." + container);
+    const auto mapped = folder / std::string(codec).append(depth).append(".").append(container);
     const RunResult run = Map({"--codec", codec, "--depth", depth, clip, mapped});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_THAT(run.err, IsEmpty()) << codec;

@@ -5,7 +5,6 @@
 
 #include "tools/quillon/AlgorithmNames.h"
 #include "tools/quillon/ApplyPlan.h"
-#include "tools/quillon/LightLevels.h"
 #include "tools/quillon/ResolvedToneMap.h"
 #include "tools/quillon/plot/NitsAxis.h"
 
@@ -68,10 +67,10 @@ void ClipMapper::Map(const ClipPicture& picture, PX::VideoFrameRef& destination)
               picture.frame, destination);
 }
 
-double ClipMapper::PeakOrSample(const ClipPicture& picture) const {
-  const auto number = static_cast<std::size_t>(picture.number);
-  if (levels_ && number < levels_->frames.size()) return levels_->frames[number].peak;
-  return MeasureLightLevels(picture.frame, options_.white).peakNits;
+std::optional<double> ClipMapper::PeakOf(std::int64_t number) const {
+  const auto index = static_cast<std::size_t>(number);
+  if (!levels_ || index >= levels_->frames.size()) return std::nullopt;
+  return levels_->frames[index].peak;
 }
 
 std::string ClipMapper::PeakText() const {

@@ -24,8 +24,8 @@ class ClipMapper {
 
   /// Throws CommandError.
   void Map(const ClipPicture& picture, PX::VideoFrameRef& destination);
-  /// Peak of a picture in nits: measured before, else now.
-  double PeakOrSample(const ClipPicture& picture) const;
+  /// The peak of a picture where the clip was measured before; else nothing.
+  std::optional<double> PeakOf(std::int64_t number) const;
   /// The peaks that were mapped from, as "1000 nits" or, with scenes, "200 to 1000 nits".
   std::string PeakText() const;
   /// What is being done to pictures now, as "hue 1000 -> 203 nits".

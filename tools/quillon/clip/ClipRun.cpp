@@ -48,7 +48,7 @@ void CheckOptions(const MapOptions& options) {
 
 void CheckClipTarget(const MapOptions& options) {
   const std::string extension = LowerCaseExtension(options.output);
-  for (const char* known : {".mp4", ".m4v", ".mov", ".mkv", ".webm"}) {
+  for (const char* known : {".mp4", ".mov", ".mkv", ".webm"}) {
     if (extension == known) return CheckTargetFile(options.output, options.overwrite);
   }
   throw CommandError(ExitCode::NotSupported,

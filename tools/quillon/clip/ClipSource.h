@@ -15,8 +15,8 @@ class ClipSource : public PictureSource {
   SourceSamples Samples() const override;
   AVRational TimeBase() const override { return reader_.TimeBase(); }
   const ClipInput* Input() const override { return &reader_.Input(); }
-  void OnOtherPackets(ClipReader::PacketHandler handler) override {
-    reader_.OnOtherPackets(std::move(handler));
+  void OnOtherPackets(const ClipReader::PacketHandler& handler) override {
+    reader_.OnOtherPackets(handler);
   }
   void PassOtherPackets(double until) override { reader_.PassOtherPackets(until); }
   std::optional<ClipPicture> Next() override;

@@ -11,6 +11,7 @@
 #include "tools/quillon/clip/ExplainClip.h"
 #include "tools/quillon/clip/Interrupt.h"
 #include "tools/quillon/clip/Pipeline.h"
+#include "tools/quillon/clip/SamplePeak.h"
 #include "tools/quillon/io/StillError.h"
 
 namespace {
@@ -19,6 +20,10 @@ void NoteWhatMatters(const MapOptions& options, const ClipRun& run, const Pictur
                      std::ostream& notes) {
   if (options.quiet) return;
   for (const std::string& remark : sink.Remarks()) notes << "note: " << remark << '\n';
+  const std::string& dynamic = run.source->Info().dynamicMetadata;
+  if (!dynamic.empty()) {
+    notes << "note: the " << dynamic << " metadata is neither applied nor passed on\n";
+  }
   const MapPlan& plan = run.mapper->Plan();
   NoteOptionsWithoutEffect(notes, options, plan);
   if (!TimesOf(run).PassesOn()) {
@@ -55,7 +60,9 @@ bool MapPictures(const MapOptions& options, ClipRun& run, PictureSink& sink, std
     mapper.Map(from, to);
     ++done;
     progress.Update([&] {
-      return ProgressStep{from.number, done, mapper.PeakOrSample(from), mapper.Doing()};
+      ProgressStep step{from.number, done, mapper.PeakOf(from.number), {}, mapper.Doing()};
+      if (!step.peakNits) step.sampledPeakNits = SamplePeak(from.frame, options.white);
+      return step;
     });
     last.frame = from.number;
   };

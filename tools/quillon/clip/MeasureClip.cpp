@@ -38,7 +38,7 @@ ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
     }
     picture->frame->SetColorSpace(ColorSpace(request.colorsOf(picture->tags)));
     levels.frames.push_back(meter.Measure(picture->frame));
-    step = {picture->number, picture->number + 1, levels.frames.back().peak, {}};
+    step = {picture->number, picture->number + 1, levels.frames.back().peak, {}, {}};
     progress.Update([&step] { return step; });
   }
   progress.Finish(step);

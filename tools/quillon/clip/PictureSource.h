@@ -25,7 +25,7 @@ class PictureSource {
   /// The clip that the pictures come from; null for image sequences.
   virtual const ClipInput* Input() const { return nullptr; }
   /// See `ClipReader::OnOtherPackets`.
-  virtual void OnOtherPackets(ClipReader::PacketHandler /*handler*/) {}
+  virtual void OnOtherPackets(const ClipReader::PacketHandler& /*handler*/) {}
   /// See `ClipReader::PassOtherPackets`.
   virtual void PassOtherPackets(double /*until*/) {}
   /// Nothing at the end, and where the clip is damaged. Throws CommandError or StillError.

@@ -64,6 +64,10 @@ void Progress::ShowLine(const ProgressStep& step, double seconds, double rate) {
     std::snprintf(text, sizeof text, ", peak %.0f nits", *step.peakNits);
     line += text;
   }
+  if (step.sampledPeakNits) {
+    std::snprintf(text, sizeof text, ", peak about %.0f nits", *step.sampledPeakNits);
+    line += text;
+  }
   if (!step.doing.empty()) line += ", " + step.doing;
   std::fprintf(stderr, "\r%s\x1b[K", line.c_str());
   std::fflush(stderr);
@@ -79,6 +83,7 @@ void Progress::ShowJson(const ProgressStep& step, double seconds, double rate, b
         static_cast<double>(std::max<std::int64_t>(0, total_ - step.done)) / rate;
   }
   if (step.peakNits) line["peak_nits"] = *step.peakNits;
+  if (step.sampledPeakNits) line["sampled_peak_nits"] = *step.sampledPeakNits;
   if (!step.doing.empty()) line["doing"] = step.doing;
   std::fprintf(stderr, "%s\n", line.dump().c_str());
 }

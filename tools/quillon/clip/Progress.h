@@ -18,7 +18,8 @@ struct ProgressStep {
   std::int64_t frame = 0;  ///< number of the frame in its clip
   std::int64_t done = 0;   ///< frames of this run
   std::optional<double> peakNits;
-  std::string doing;  ///< as "hue 1000 -> 203 nits"
+  std::optional<double> sampledPeakNits;  ///< of some rows of the frame
+  std::string doing;                      ///< as "hue 1000 -> 203 nits"
 };
 
 /// Shows how far a run over frames has come, a few times a second.

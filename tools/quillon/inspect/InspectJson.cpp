@@ -74,6 +74,7 @@ std::string InspectionJson(const Inspection& inspection) {
                        {"frames", info.frames},
                        {"rotation_degrees", info.rotation},
                        {"other_streams", info.audio},
+                       {"dynamic_metadata", info.dynamicMetadata},
                        {"tags", TagsJson(info.tags)}};
   if (inspection.peak) {
     json["peak"] = {{"nits", inspection.peak->nits}, {"origin", inspection.peak->origin}};

@@ -21,6 +21,9 @@ void PrintVideo(std::ostream& out, const ClipInfo& info) {
   if (info.frames > 1) out << ", " << info.frames << " frames";
   out << '\n';
   if (!info.audio.empty()) Label(out, "other streams") << info.audio << '\n';
+  if (!info.dynamicMetadata.empty()) {
+    Label(out, "also carries") << info.dynamicMetadata << " metadata, which is not applied\n";
+  }
   if (info.rotation != 0) Label(out, "turned") << info.rotation << " degrees clockwise\n";
 }
 

@@ -44,6 +44,17 @@ std::string OtherCodecs(const ClipInput& input) {
   return names;
 }
 
+std::string DynamicMetadataOf(const AVFrame& frame) {
+  std::string names;
+  if (av_frame_get_side_data(&frame, AV_FRAME_DATA_DOVI_METADATA) != nullptr) {
+    names = "Dolby Vision";
+  }
+  if (av_frame_get_side_data(&frame, AV_FRAME_DATA_DYNAMIC_HDR_PLUS) != nullptr) {
+    names += names.empty() ? "HDR10+" : " and HDR10+";
+  }
+  return names;
+}
+
 double DurationOf(const ClipInput& input) {
   if (input.video->duration > 0) {
     return static_cast<double>(input.video->duration) * av_q2d(input.video->time_base);
@@ -72,6 +83,7 @@ ClipInfo Describe(const ClipInput& input, const AVFrame& first) {
                                            : std::llround(info.seconds * av_q2d(info.frameRate));
   info.rotation = RotationOf(*input.video);
   info.audio = OtherCodecs(input);
+  info.dynamicMetadata = DynamicMetadataOf(first);
   info.tags = TagsOf(first, *input.video);
   return info;
 }

@@ -24,6 +24,8 @@ struct ClipInfo {
   std::int64_t frames = 0;     ///< as the container says, or guessed from rate and duration
   int rotation = 0;            ///< degrees clockwise that players turn it by
   std::string audio;           ///< codecs of the other streams, as "aac, ac3"
+  /// Metadata of each picture's own that is not applied: "Dolby Vision", "HDR10+", or both.
+  std::string dynamicMetadata;
   ClipTags tags;
 };
 
