@@ -7,9 +7,9 @@
 
 #include "bench/CurveCases.h"
 #include "bench/Frames.h"
-#include "refhost/kestrel/SystemFrame.h"
 #include "host/KS/FrameManipulators.h"
 #include "refhost/kestrel/PixelFormats.h"
+#include "refhost/kestrel/SystemFrame.h"
 #include "refhost/orvmediatypes/H273.h"
 
 namespace {
@@ -41,8 +41,8 @@ PX::VideoFrameRef MakeHdr10Frame() {
   std::transform(picture.begin(), picture.end(), FloatsOf(light).begin(),
                  [kPeak](float value) { return std::min(value, kPeak); });
 
-  const PX::VideoFrameRef frame = Make4kFrame(KS::PlanarYCbCr(KS::ChromaFormat::C420, 10),
-                                              Bt2020(H273::kTransferPQ, kSourceNits));
+  PX::VideoFrameRef frame = Make4kFrame(KS::PlanarYCbCr(KS::ChromaFormat::C420, 10),
+                                        Bt2020(H273::kTransferPQ, kSourceNits));
   constexpr orvmediatypes::RenderQuality kQuality = 4;
   Check(KS::VideoFrameManipulators::CopyFrame(light, frame, kQuality, {}), "CopyFrame");
   AddGrain(frame);

@@ -47,7 +47,7 @@ bool PixelConverter::IsIdentity() const {
 void PixelConverter::Convert(const float* source, float* destination, std::size_t pixels) const {
   if (source != destination) std::copy_n(source, pixels * kPixelFloats, destination);
   if (IsIdentity()) return;
-  Planes planes;
+  Planes planes{};
   for (std::size_t done = 0; done < pixels; done += kChunk) {
     const std::size_t count = std::min(kChunk, pixels - done);
     float* chunk = destination + done * kPixelFloats;

@@ -14,7 +14,9 @@ namespace {
 
 /// The entries that the low four bits of each lane name.
 [[gnu::always_inline]] inline WideLanes Pick(const double* table, WideBits index) {
-  return __builtin_shuffle(Load<WideLanes>(table), Load<WideLanes>(table + kLanes), index);
+  return __builtin_bit_cast(
+      WideLanes, _mm512_permutex2var_pd(_mm512_load_pd(table), __builtin_bit_cast(__m512i, index),
+                                        _mm512_load_pd(table + kLanes)));
 }
 
 /// a * b + c, rounded once, which nothing here depends on.
