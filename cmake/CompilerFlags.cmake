@@ -23,3 +23,17 @@ if(QUILLON_SANITIZE)
   add_compile_options(-fsanitize=${QUILLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QUILLON_SANITIZE})
 endif()
+
+# Rows of pixels are built once for each instruction set. Vectors are passed between functions of one
+# file only, so that how they are passed (psABI) is nobody's concern. For Windows GCC does not align
+# the stack to a vector, and yet spills vectors by moves that want them aligned
+# (https://gcc.gnu.org/PR54412). Debian's is mended; with any other the assembler makes them moves
+# that take every address.
+set(QUILLON_BASELINE_ROWS -Wno-psabi)
+set(QUILLON_AVX2_ROWS -Wno-psabi -mavx2)
+set(QUILLON_AVX512_ROWS -Wno-psabi
+  -mavx512f -mavx512bw -mavx512dq -mavx512vl -mprefer-vector-width=512)
+if(MINGW)
+  list(APPEND QUILLON_AVX2_ROWS -Wa,-muse-unaligned-vector-move)
+  list(APPEND QUILLON_AVX512_ROWS -Wa,-muse-unaligned-vector-move)
+endif()

@@ -103,8 +103,11 @@ Light DarkCorner(double u, double v) {
 }
 
 struct Region {
-  double left, top, right, bottom;
-  Light (*paint)(double u, double v);
+  double left = 0.0;
+  double top = 0.0;
+  double right = 0.0;
+  double bottom = 0.0;
+  Light (*paint)(double u, double v) = nullptr;
   bool moves = false;
 };
 

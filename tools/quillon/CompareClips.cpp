@@ -86,7 +86,7 @@ struct Totals {
   Mean ownError;
   double largestMean = -1.0;
   std::int64_t worstFrame = 0;
-  std::optional<double> maxDeltaE;
+  double maxDeltaE = 0.0;
   ordered_json perFrame = ordered_json::array();
 };
 
@@ -105,7 +105,7 @@ void Add(const CompareOptions& options, const Comparison& comparison, Totals& to
   if (comparison.ownError) totals.ownError.Add(comparison.ownError->meanSquared);
   if (!comparison.deltaEFigures) return;
   totals.deltaE.Add(comparison.deltaEFigures->mean);
-  totals.maxDeltaE = std::max(totals.maxDeltaE.value_or(0.0), comparison.deltaEFigures->max);
+  totals.maxDeltaE = std::max(totals.maxDeltaE, comparison.deltaEFigures->max);
 }
 
 std::optional<double> PsnrDb(const Mean& error) {
@@ -126,7 +126,7 @@ std::string Json(const ComparedClip& a, const ComparedClip& b, const Totals& tot
   ordered_json deltaE = nullptr;
   if (const auto mean = totals.deltaE.Value()) {
     deltaE = {{"mean", *mean},
-              {"max", *totals.maxDeltaE},
+              {"max", totals.maxDeltaE},
               {"worst_frame", totals.worstFrame},
               {"worst_frame_mean", totals.largestMean}};
   }
@@ -151,7 +151,7 @@ void Print(const ComparedClip& a, const ComparedClip& b, const Totals& totals) {
   std::cout << "A: " << a.Describe() << "\nB: " << b.Describe() << '\n'
             << "frames compared         " << totals.frames << '\n';
   if (const auto mean = totals.deltaE.Value()) {
-    std::cout << "delta-E ITP             mean " << *mean << ", largest " << *totals.maxDeltaE
+    std::cout << "delta-E ITP             mean " << *mean << ", largest " << totals.maxDeltaE
               << "\n  worst frame           " << totals.worstFrame << ", mean "
               << totals.largestMean << '\n';
   }

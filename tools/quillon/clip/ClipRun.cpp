@@ -1,6 +1,8 @@
 #include "tools/quillon/clip/ClipRun.h"
 
 #include <sstream>
+#include <stdexcept>
+#include <utility>
 
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/ExitCodes.h"
@@ -13,8 +15,6 @@
 #include "tools/quillon/clip/ResultTags.h"
 #include "tools/quillon/clip/SequenceSink.h"
 #include "tools/quillon/io/TargetFile.h"
-
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
@@ -94,12 +94,12 @@ FrameSelection Select(const MapOptions& options, std::int64_t frames) {
     return FrameSelection({*range});
   }
   if (!clip.frames) return {};
-  const FrameSelection wanted(*clip.frames);
-  if (*wanted.Last() >= frames) {
-    Refuse(has + "--frames goes to " + std::to_string(*wanted.Last()) + ", the last is " +
+  const std::int64_t last = clip.frames->back().last;
+  if (last >= frames) {
+    Refuse(has + "--frames goes to " + std::to_string(last) + ", the last is " +
            std::to_string(frames - 1));
   }
-  return wanted;
+  return FrameSelection(*clip.frames);
 }
 
 /// What of an earlier run can be used: of its two files the one that holds more.
@@ -222,19 +222,20 @@ OutputTimes TimesOf(const ClipRun& run) {
 }
 
 std::unique_ptr<PictureSink> MakeSink(const MapOptions& options, const ClipRun& run) {
-  const auto name = SequenceName::Parse(options.output);
-  if (!name) {
+  if (run.encoding) {
     const ClipInput* passOn = TimesOf(run).PassesOn() ? run.source->Input() : nullptr;
     return std::make_unique<ClipSink>(options.output, options.overwrite, *run.encoding, passOn,
                                       run.settings, run.earlier, PtsOfFirst(run));
   }
+  auto name = SequenceName::Parse(options.output);
+  if (!name) throw std::logic_error("a run without an encoding writes a sequence");
   StillOutput still;
   still.settings = ColorManagementFor(options.white);
   still.depth = options.depth;
   still.overwrite = options.overwrite;
   const ClipInfo& info = run.source->Info();
   return std::make_unique<SequenceSink>(
-      *name, info.width, info.height,
+      std::move(*name), info.width, info.height,
       run.mapper->Plan().settings.toneMapSettings.destinationColorSpace, still,
       options.clip.resume);
 }

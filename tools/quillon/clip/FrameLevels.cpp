@@ -13,7 +13,7 @@ namespace {
 /// is in the first.
 constexpr std::uint32_t kBinShift = 17;
 constexpr std::uint32_t kFirstBits = std::uint32_t{127 - 12} << 23;
-constexpr std::size_t kBinCount = 26 * 64;
+constexpr std::size_t kBinCount = std::size_t{26} * 64;
 constexpr double kBinsPerStop = 64.0;
 
 constexpr double kCutStops = 0.5;

@@ -28,7 +28,7 @@ class OutputTimes {
  private:
   struct Shift {
     FrameRange range;
-    std::int64_t pts;
+    std::int64_t pts = 0;
   };
   std::vector<Shift> shifts_;
   AVRational timeBase_;
