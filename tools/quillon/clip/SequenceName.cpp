@@ -2,21 +2,27 @@
 
 #include <algorithm>
 #include <charconv>
-#include <regex>
+#include <string_view>
 #include <system_error>
 
 namespace fs = std::filesystem;
 
 std::optional<SequenceName> SequenceName::Parse(const fs::path& path) {
-  static const std::regex kName("([^%]*)%(?:0([1-9]))?d([^%]*)");
   const std::string name = path.filename().string();
-  std::smatch parts;
-  if (!std::regex_match(name, parts, kName)) return std::nullopt;
+  const std::size_t percent = name.find('%');
+  if (percent == std::string::npos || name.find('%', percent + 1) != std::string::npos) {
+    return std::nullopt;
+  }
   SequenceName sequence;
   sequence.folder_ = path.parent_path();
-  sequence.before_ = parts[1];
-  sequence.after_ = parts[3];
-  if (parts[2].matched) sequence.digits_ = static_cast<std::size_t>(parts[2].str()[0] - '0');
+  sequence.before_ = name.substr(0, percent);
+  std::string_view rest = std::string_view(name).substr(percent + 1);
+  if (rest.size() >= 2 && rest[0] == '0' && rest[1] >= '1' && rest[1] <= '9') {
+    sequence.digits_ = static_cast<std::size_t>(rest[1] - '0');
+    rest.remove_prefix(2);
+  }
+  if (!rest.starts_with('d')) return std::nullopt;
+  sequence.after_ = rest.substr(1);
   return sequence;
 }
 
