@@ -13,38 +13,11 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/CurveCases.h"
+#include "bench/FilterGraph.h"
 #include "bench/Frames.h"
 #include "bench/Timing.h"
 
-extern "C" {
-#include <libavfilter/avfilter.h>
-#include <libavfilter/buffersink.h>
-#include <libavfilter/buffersrc.h>
-#include <libavutil/frame.h>
-}
-
 namespace {
-
-struct FreeFrame {
-  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-using FramePtr = std::unique_ptr<AVFrame, FreeFrame>;
-
-struct FreeGraph {
-  void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
-};
-
-void CheckAv(int result, const char* operation) {
-  if (result < 0) throw std::runtime_error(std::string("FFmpeg: ") + operation + " failed");
-}
-
-AVFilterContext* AddFilter(AVFilterGraph* graph, const char* filter, const std::string& options) {
-  AVFilterContext* context = nullptr;
-  CheckAv(avfilter_graph_create_filter(&context, avfilter_get_by_name(filter), nullptr,
-                                       options.c_str(), nullptr, graph),
-          filter);
-  return context;
-}
 
 /// Source, tonemap and sink.
 class TonemapGraph {
@@ -68,7 +41,7 @@ class TonemapGraph {
   }
 
  private:
-  std::unique_ptr<AVFilterGraph, FreeGraph> graph_;
+  GraphPtr graph_;
   AVFilterContext* source_ = nullptr;
   AVFilterContext* sink_ = nullptr;
 };

@@ -1,29 +1,13 @@
 #include "bench/video/FfmpegVideo.h"
 
+#include <cstddef>
 #include <cstring>
-#include <stdexcept>
+#include <memory>
 
 #include "bench/Frames.h"
 #include "refhost/kestrel/SystemFrame.h"
 
-extern "C" {
-#include <libavfilter/buffersink.h>
-#include <libavfilter/buffersrc.h>
-}
-
 namespace {
-
-void CheckAv(int result, const char* operation) {
-  if (result < 0) throw std::runtime_error(std::string("FFmpeg: ") + operation + " failed");
-}
-
-AVFilterContext* AddFilter(AVFilterGraph* graph, const char* filter, const std::string& options) {
-  AVFilterContext* context = nullptr;
-  CheckAv(avfilter_graph_create_filter(&context, avfilter_get_by_name(filter), nullptr,
-                                       options.c_str(), nullptr, graph),
-          filter);
-  return context;
-}
 
 struct FreeEnds {
   void operator()(AVFilterInOut* ends) const { avfilter_inout_free(&ends); }
@@ -90,7 +74,7 @@ FfmpegVideo::FfmpegVideo(const std::string& toneMap, int threads, const PX::Vide
 }
 
 void FfmpegVideo::MapFrame() {
-  const std::unique_ptr<AVFrame, FreeFrame> result(av_frame_alloc());
+  const FramePtr result(av_frame_alloc());
   CheckAv(av_buffersrc_add_frame_flags(in_, source_.get(), AV_BUFFERSRC_FLAG_KEEP_REF), "source");
   CheckAv(av_buffersink_get_frame(out_, result.get()), "sink");
   if (result->format != AV_PIX_FMT_YUV420P || result->width != kWidth) {

@@ -1,14 +1,9 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
+#include "bench/FilterGraph.h"
 #include "host/PX/IVideoFrame.h"
-
-extern "C" {
-#include <libavfilter/avfilter.h>
-#include <libavutil/frame.h>
-}
 
 /// FFmpeg's filters for the same task. Frames stay in memory on both sides.
 class FfmpegVideo {
@@ -19,15 +14,8 @@ class FfmpegVideo {
   void MapFrame();
 
  private:
-  struct FreeGraph {
-    void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
-  };
-  struct FreeFrame {
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-  };
-
-  std::unique_ptr<AVFilterGraph, FreeGraph> graph_;
-  std::unique_ptr<AVFrame, FreeFrame> source_;
+  GraphPtr graph_;
+  FramePtr source_;
   AVFilterContext* in_ = nullptr;
   AVFilterContext* out_ = nullptr;
 };

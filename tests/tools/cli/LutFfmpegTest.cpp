@@ -7,39 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include "bench/FilterGraph.h"
 #include "tests/tools/cli/CubeText.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tests/tools/cli/SignalPictures.h"
 
-extern "C" {
-#include <libavfilter/avfilter.h>
-#include <libavfilter/buffersink.h>
-#include <libavfilter/buffersrc.h>
-#include <libavutil/frame.h>
-}
-
 namespace {
-
-struct FreeFrame {
-  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-using FramePtr = std::unique_ptr<AVFrame, FreeFrame>;
-
-struct FreeGraph {
-  void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
-};
-
-void CheckAv(int result, const char* operation) {
-  if (result < 0) throw std::runtime_error(std::string("FFmpeg: ") + operation + " failed");
-}
-
-AVFilterContext* AddFilter(AVFilterGraph* graph, const char* filter, const std::string& options) {
-  AVFilterContext* context = nullptr;
-  CheckAv(avfilter_graph_create_filter(&context, avfilter_get_by_name(filter), nullptr,
-                                       options.c_str(), nullptr, graph),
-          filter);
-  return context;
-}
 
 constexpr std::size_t kPlaneToComponent[] = {1, 2, 0};  // green, blue, red
 
@@ -59,7 +32,7 @@ FramePtr MakeFrame(const std::vector<Signal>& signals) {
 
 std::vector<Signal> ApplyByFfmpeg(const std::string& cube, const std::string& interpolation,
                                   const std::vector<Signal>& signals) {
-  const std::unique_ptr<AVFilterGraph, FreeGraph> graph(avfilter_graph_alloc());
+  const GraphPtr graph(avfilter_graph_alloc());
   AVFilterContext* source = AddFilter(graph.get(), "buffer",
                                       "video_size=" + std::to_string(signals.size()) +
                                           "x1:pix_fmt=gbrpf32le:time_base=1/1:pixel_aspect=1/1");

@@ -11,11 +11,8 @@
 
 namespace fs = std::filesystem;
 
-RunResult RunQuillon(const std::vector<std::string>& arguments) {
-  const ScratchFolder streams;
-  const std::string outPath = streams / "out";
-  const std::string errPath = streams / "err";
-
+pid_t StartQuillon(const std::vector<std::string>& arguments, const fs::path& out,
+                   const fs::path& err) {
   std::vector<std::string> words = {QUILLON_EXECUTABLE};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
@@ -27,16 +24,25 @@ RunResult RunQuillon(const std::vector<std::string>& arguments) {
   posix_spawn_file_actions_init(&actions);
   constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
   posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outPath.c_str(), kWrite, 0600);
-  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errPath.c_str(), kWrite, 0600);
-  pid_t child = 0;
-  const int started = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), kWrite, 0600);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), kWrite, 0600);
+  pid_t process = 0;
+  const int started = posix_spawn(&process, argv[0], &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   if (started != 0) throw std::runtime_error("cannot start " + words[0]);
+  return process;
+}
 
+int WaitFor(pid_t process) {
   int status = 0;
-  waitpid(child, &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(outPath), ReadFile(errPath)};
+  waitpid(process, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+RunResult RunQuillon(const std::vector<std::string>& arguments) {
+  const ScratchFolder streams;
+  const int exitCode = WaitFor(StartQuillon(arguments, streams / "out", streams / "err"));
+  return {exitCode, ReadFile(streams / "out"), ReadFile(streams / "err")};
 }
 
 std::string ReadFile(const fs::path& path) {

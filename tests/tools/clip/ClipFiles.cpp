@@ -4,11 +4,6 @@
 #include <array>
 #include <stdexcept>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/video/ClipInput.h"
 #include "tools/quillon/video/ClipReader.h"
@@ -209,29 +204,4 @@ void AddSound(const fs::path& from, const fs::path& to) {
   int soundPackets = 0;
   CopyVideo(input, *made, soundPackets);
   Require(av_write_trailer(made), "writing the end");
-}
-
-pid_t StartQuillon(const std::vector<std::string>& arguments) {
-  std::vector<std::string> words = {QUILLON_EXECUTABLE};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> argv;
-  argv.reserve(words.size() + 1);
-  for (std::string& word : words) argv.push_back(word.data());
-  argv.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
-    posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
-  }
-  pid_t process = 0;
-  const int started = posix_spawn(&process, argv[0], &actions, nullptr, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (started != 0) throw std::runtime_error("cannot start " + words[0]);
-  return process;
-}
-
-int WaitFor(pid_t process) {
-  int status = 0;
-  waitpid(process, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }

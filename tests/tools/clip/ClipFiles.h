@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include <sys/types.h>
-
 #include "tests/tools/ScratchFolder.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tools/quillon/video/AvHandles.h"
@@ -47,8 +45,3 @@ std::vector<StreamPacket> PacketsOf(const std::filesystem::path& path, AVMediaTy
 
 /// Copies a clip, adds a stream of sound with known samples, and two chapters.
 void AddSound(const std::filesystem::path& from, const std::filesystem::path& to);
-
-/// Starts the built `quillon`, its output thrown away.
-pid_t StartQuillon(const std::vector<std::string>& arguments);
-/// Waits for it. Its exit code, or minus the signal that ended it.
-int WaitFor(pid_t process);

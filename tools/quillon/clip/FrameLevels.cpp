@@ -4,8 +4,7 @@
 #include <bit>
 #include <cmath>
 
-#include "host/CHR/Conversion.h"
-#include "tools/quillon/Frames.h"
+#include "tools/quillon/LightLevels.h"
 
 namespace {
 
@@ -30,8 +29,6 @@ std::size_t BinOf(float nits) {
 double UpperEnd(std::size_t bin) {
   return std::bit_cast<float>(kFirstBits + (static_cast<std::uint32_t>(bin + 1) << kBinShift));
 }
-
-float CountedLight(float value) { return std::isfinite(value) ? std::max(value, 0.0F) : 0.0F; }
 
 double PercentileOf(std::span<const double> shares, double percentile) {
   double sum = 0.0;
@@ -64,26 +61,19 @@ bool IsCut(std::span<const FrameLevels> levels, std::size_t at) {
 }  // namespace
 
 FrameLevels LevelMeter::Measure(const PX::VideoFrameRef& frame) {
-  const PX::VideoFrameRef linear = ConvertToFloat(
-      frame, CHR::ORVColorSpaceToEquivalentLinearColorSpace(frame->GetColorSpace()), white_);
-  const FloatPixels pixels = ViewFloatPixels(linear);
-  const double count = static_cast<double>(pixels.width) * pixels.height;
-
   FrameLevels levels;
   std::vector<std::uint32_t> counts(kBinCount);
   double sum = 0.0;
   float largest = 0.0F;
-  for (int y = 0; y < pixels.height; ++y) {
-    const float* pixel = pixels.Row(y);
-    for (int x = 0; x < pixels.width; ++x, pixel += 4) {
-      const float light =
-          std::max({CountedLight(pixel[0]), CountedLight(pixel[1]), CountedLight(pixel[2])}) *
-          static_cast<float>(white_);
-      largest = std::max(largest, light);
-      sum += light;
-      ++counts[BinOf(light)];
+  const auto white = static_cast<float>(white_);
+  const auto pixels = ForEachLight(frame, white_, [&](std::span<const float> row) {
+    for (const float light : row) {
+      largest = std::max(largest, light * white);
+      sum += light * white;
+      ++counts[BinOf(light * white)];
     }
-  }
+  });
+  const auto count = static_cast<double>(pixels);
   levels.peak = largest;
   levels.average = sum / count;
   Histogram shares(counts.begin(), counts.end());
