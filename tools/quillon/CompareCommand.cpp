@@ -104,7 +104,7 @@ void AddViewOptions(CLI::App& compare, CompareOptions& options) {
   compare
       .add_option("--split", options.splitShare,
                   "Share of the width that --view split gives A (0.5 when not given)")
-      ->check(CLI::Range(0.0, 1.0))
+      ->check(NumberIn(0.0, 1.0))
       ->type_name("SHARE")
       ->needs(output);
 }

@@ -13,10 +13,6 @@ void CheckCompareOptions(const CompareOptions& options) {
   if (options.splitShare && options.view != CompareView::Split) {
     throw CommandError(ExitCode::Usage, "--split has no effect without --view split");
   }
-  // The range that the command line checks lets pass what is not a number.
-  if (options.splitShare && !(*options.splitShare >= 0.0)) {
-    throw CommandError(ExitCode::Usage, "--split is no number from 0 to 1");
-  }
   if (options.WritesJson() && options.json == options.output) {
     throw CommandError(ExitCode::Usage, "the view and the figures cannot be one file");
   }

@@ -20,6 +20,18 @@ void ParsePeakNumber(const std::string& text, MapOptions& options) {
 
 }  // namespace
 
+CLI::Validator NumberIn(double least, double most) {
+  const CLI::Validator range = CLI::Range(least, most);
+  CLI::Validator finite(
+      [](std::string& text) {
+        double number = 0.0;
+        const bool isNan = CLI::detail::lexical_cast(text, number) && std::isnan(number);
+        return isNan ? "'" + text + "' is not a number" : std::string();
+      },
+      "");
+  return range & finite;
+}
+
 bool ParseNits(const std::string& text, double& nits) {
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, nits);
@@ -88,17 +100,17 @@ void AddDialOptions(CLI::App& app, MapOptions& options) {
   app.add_option("--knee", options.knee,
                  "Where the curve leaves the straight line, 0 to 1 of the destination's peak; for "
                  "hue and car (0.5 when not given)")
-      ->check(CLI::Range(0.0, 1.0))
+      ->check(NumberIn(0.0, 1.0))
       ->type_name("SHARE");
   app.add_option("--gain", options.gain,
                  "Multiplies the picture before the curve (1 when not given)")
-      ->check(CLI::PositiveNumber)
+      ->check(NumberIn(1e-6, 1e6))
       ->type_name("FACTOR");
   app.add_option(
          "--preserve", options.colorPreservation,
          "Colour preservation in highlights: 0 lets them go to white, 1 keeps their hue and "
          "saturation (0.5 when not given)")
-      ->check(CLI::Range(0.0, 1.0))
+      ->check(NumberIn(0.0, 1.0))
       ->type_name("SHARE");
 }
 

@@ -30,6 +30,10 @@ CLI::Option* AddChoice(CLI::App& app, const std::string& name,
   return app.add_option_function<std::string>(name, assign, help)->type_name(ChoiceNames(choices));
 }
 
+/// Refuses all but numbers from `least` to `most`, as CLI11's own check does, and "nan", which that
+/// one lets through.
+CLI::Validator NumberIn(double least, double most);
+
 /// Whether the text is a finite number above 0, which `nits` then is.
 bool ParseNits(const std::string& text, double& nits);
 

@@ -195,12 +195,11 @@ TEST_F(CurveCommand, RefusesOptionsThatNoneOfTheAlgorithmsFollows) {
 
 TEST_F(CurveCommand, RefusesValuesOutOfRange) {
   const std::vector<std::pair<std::string, std::string>> refused = {
-      {"--peak", "0"},         {"--peak", "-5"},      {"--peak", "nan"},
-      {"--peak", "inf"},       {"--peak", "measure"}, {"--peak", "1e7"},
-      {"--peak", "1000 nits"}, {"--white", "0"},      {"--target-peak", "0"},
-      {"--knee", "1.5"},       {"--gain", "0"},       {"--preserve", "2"},
-      {"--to", "rec9000"},     {"--from", "camera"},  {"--algorithm", "best"},
-      {"--gamut", "reinhard"}};
+      {"--peak", "0"},        {"--peak", "-5"},        {"--peak", "nan"},       {"--peak", "inf"},
+      {"--peak", "measure"},  {"--peak", "1e7"},       {"--peak", "1000 nits"}, {"--white", "0"},
+      {"--target-peak", "0"}, {"--knee", "1.5"},       {"--gain", "0"},         {"--preserve", "2"},
+      {"--knee", "nan"},      {"--gain", "nan"},       {"--preserve", "nan"},   {"--to", "rec9000"},
+      {"--from", "camera"},   {"--algorithm", "best"}, {"--gamut", "reinhard"}};
   for (const auto& [option, value] : refused) {
     const RunResult run = Curve({option, value, folder_ / "a.csv"});
     EXPECT_EQ(run.exitCode, 2) << option << ' ' << value;

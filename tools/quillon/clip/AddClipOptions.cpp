@@ -36,7 +36,7 @@ void AddEncodingOptions(CLI::App& app, EncodingWishes& wishes) {
   app.add_option(
          "--quality", wishes.quality,
          "Constant rate factor of the encoder, smaller is better (h264 18, hevc 20, av1 28)")
-      ->check(CLI::Range(0.0, 63.0))
+      ->check(NumberIn(0.0, 63.0))
       ->type_name("CRF")
       ->group(kGroup);
   app.add_option("--preset", wishes.preset,
@@ -72,7 +72,7 @@ void AddSelectionOptions(CLI::App& app, ClipOptions& options) {
       ->group(kGroup);
   app.add_option("--fps", options.sequenceRate,
                  "Frames a second of an input that is a sequence of pictures (24 when not given)")
-      ->check(CLI::Range(0.1, 1000.0))
+      ->check(NumberIn(0.1, 1000.0))
       ->type_name("RATE")
       ->group(kGroup);
 }
