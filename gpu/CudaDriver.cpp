@@ -26,11 +26,11 @@ struct EntryPoint {
   bool isRequired;
 };
 
-#define QUILLON_CUDA_REQUIRED(name) EntryPoint{#name, &name, true},
-#define QUILLON_CUDA_OPTIONAL(name) EntryPoint{#name, &name, false},
-constexpr std::array kEntryPoints = {
+#define QUILLON_CUDA_REQUIRED(name) EntryPoint{#name, &(name), true},
+#define QUILLON_CUDA_OPTIONAL(name) EntryPoint{#name, &(name), false},
+constexpr auto kEntryPoints = std::to_array<EntryPoint>({
 #include "gpu/CudaDriverEntryPoints.inc"
-};
+});
 
 }  // namespace
 

@@ -18,13 +18,18 @@
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/TargetFile.h"
 
+using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
 namespace {
 
+ColorDescription SourceOf(const MapOptions& options) {
+  return options.source.value_or(ColorSpaceOfName("bt2100-pq"));
+}
+
 bool IsShaper(const MapOptions& options) {
-  return options.source->transfer == H273::kTransferPQ ||
-         options.source->transfer == H273::kTransferHLG;
+  const std::uint8_t transfer = SourceOf(options).transfer;
+  return transfer == H273::kTransferPQ || transfer == H273::kTransferHLG;
 }
 
 void CheckLutOptions(const LutOptions& options) {
@@ -49,7 +54,7 @@ void CheckLutOptions(const LutOptions& options) {
 
 MapPlan PlanFor(const std::vector<Signal>& signals, const MapOptions& options) {
   Still still;
-  still.frame = FrameOfSignals(signals, ColorSpace(*options.source));
+  still.frame = FrameOfSignals(signals, ColorSpace(SourceOf(options)));
   return PlanMap(options, still);
 }
 
@@ -68,16 +73,16 @@ std::vector<Signal> ApplyTo(const MapPlan& plan, std::size_t count) {
 }
 
 std::string Title(const MapOptions& options) {
-  return DescribeColorSpace(*options.source) + " to " + DescribeColorSpace(options.destination);
+  return DescribeColorSpace(SourceOf(options)) + " to " + DescribeColorSpace(options.destination);
 }
 
 std::string Comments(const LutOptions& options, const MapPlan& plan, const LutError& error) {
   const MapOptions& map = options.map;
-  const bool pq = map.source->transfer == H273::kTransferPQ;
+  const bool pq = SourceOf(map).transfer == H273::kTransferPQ;
   std::ostringstream out;
   out << "quillon lut " QUILLON_VERSION "\n"
       << "shaper: " << (pq ? "PQ" : "HLG") << " (ITU-R BT.2100)\n"
-      << "input: R'G'B' signal of " << DescribeColorSpace(*map.source)
+      << "input: R'G'B' signal of " << DescribeColorSpace(SourceOf(map))
       << ", full range, 0 to 1 in this domain\n"
       << "output: R'G'B' signal of " << DescribeColorSpace(map.destination)
       << ", full range, clamped to 0 to 1\n"

@@ -32,13 +32,15 @@ ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
   LevelMeter meter(request.white);
   ClipLevels levels{name, request.white, {}};
   ProgressStep step;
-  while (const auto picture = source->Next()) {
+  while (const auto next = source->Next()) {
+    // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
+    const ClipPicture& picture = *next;
     if (interrupt.IsInterrupted()) {
       throw CommandError(ExitCode::Interrupted, request.clip.string() + ": measuring was stopped");
     }
-    picture->frame->SetColorSpace(ColorSpace(request.colorsOf(picture->tags)));
-    levels.frames.push_back(meter.Measure(picture->frame));
-    step = {picture->number, picture->number + 1, levels.frames.back().peak, {}, {}};
+    picture.frame->SetColorSpace(ColorSpace(request.colorsOf(picture.tags)));
+    levels.frames.push_back(meter.Measure(picture.frame));
+    step = {picture.number, picture.number + 1, levels.frames.back().peak, {}, {}};
     progress.Update([&step] { return step; });
   }
   progress.Finish(step);

@@ -23,5 +23,5 @@ std::int64_t CountPictures(const std::filesystem::path& path) {
   if (const auto name = SequenceName::Parse(path)) {
     return static_cast<std::int64_t>(name->ExistingNumbers().size());
   }
-  return FrameIndex::Scan(path).Count();
+  return IsStill(path) ? 1 : FrameIndex::Scan(path).Count();
 }

@@ -1,6 +1,7 @@
 #include "tools/quillon/clip/Pipeline.h"
 
 #include <exception>
+#include <limits>
 #include <mutex>
 #include <new>
 #include <thread>
@@ -57,16 +58,17 @@ class Pipeline {
 
   void Read() {
     work_.source.OnOtherPackets([this](const AVPacket& packet) { PassOn(packet); });
-    const auto last = work_.selection.Last();
-    bool atEnd = false;
-    while (!atEnd) {
-      auto picture = work_.source.Next();
-      atEnd = !picture || (last && picture->number >= *last);
-      if (!picture || !IsWanted(picture->number)) continue;
-      if (!pictures_.Push(std::move(*picture))) return;
+    const std::int64_t last =
+        work_.selection.Last().value_or(std::numeric_limits<std::int64_t>::max());
+    while (auto next = work_.source.Next()) {
+      // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
+      ClipPicture& picture = *next;
+      const std::int64_t number = picture.number;
+      if (IsWanted(number) && !pictures_.Push(std::move(picture))) return;
+      if (number >= last) break;
     }
     pictures_.Finish();
-    if (last) work_.source.PassOtherPackets(work_.times.EndSeconds());
+    if (!work_.selection.IsAll()) work_.source.PassOtherPackets(work_.times.EndSeconds());
   }
 
   bool IsWanted(std::int64_t number) const {
@@ -82,24 +84,35 @@ class Pipeline {
 
   /// False when stopped.
   bool Map() {
-    while (auto source = pictures_.Pop()) {
+    while (auto next = pictures_.Pop()) {
       if (work_.isStopped()) return false;
-      MappedPicture picture = work_.sink.NewPicture();
-      work_.map(*source, picture.frame);
-      picture.number = source->number;
-      picture.pts = work_.times.Moved(source->number, source->pts);
-      if (!outputs_.Push(Mapped{std::move(picture), std::move(*source)})) break;
+      // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
+      if (!MapPicture(std::move(*next))) break;
     }
     return !work_.isStopped();
   }
 
+  /// False when nothing is written any more.
+  bool MapPicture(ClipPicture source) {
+    MappedPicture picture = work_.sink.NewPicture();
+    work_.map(source, picture.frame);
+    picture.number = source.number;
+    picture.pts = work_.times.Moved(source.number, source.pts);
+    return outputs_.Push(Mapped{std::move(picture), std::move(source)});
+  }
+
   void Write() {
-    while (auto output = outputs_.Pop()) {
-      if (auto* mapped = std::get_if<Mapped>(&*output)) {
-        work_.sink.Write(std::move(mapped->picture), mapped->source);
-      } else {
-        work_.sink.PassOn(*std::get<AvPacketPtr>(*output));
-      }
+    while (auto next = outputs_.Pop()) {
+      // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
+      WriteOutput(std::move(*next));
+    }
+  }
+
+  void WriteOutput(Output output) {
+    if (auto* mapped = std::get_if<Mapped>(&output)) {
+      work_.sink.Write(std::move(mapped->picture), mapped->source);
+    } else {
+      work_.sink.PassOn(*std::get<AvPacketPtr>(output));
     }
   }
 

@@ -1,5 +1,6 @@
 #include "tools/quillon/clip/Progress.h"
 
+#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -11,7 +12,7 @@ namespace {
 constexpr std::chrono::milliseconds kInterval{200};
 
 std::string ClockText(double seconds) {
-  const auto whole = static_cast<long>(seconds + 0.5);
+  const auto whole = std::lround(seconds);
   char text[32];
   std::snprintf(text, sizeof text, "%ld:%02ld:%02ld", whole / 3600, whole / 60 % 60, whole % 60);
   return text;

@@ -14,7 +14,7 @@ constexpr int kStripRows = 2;  // one row of halved chroma
 /// The frame's rows from an even `top` on, as a frame over the same memory.
 PX::VideoFrameRef ShowStrip(const PX::VideoFrameRef& frame, int top, int rows) {
   const auto access = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(frame);
-  const auto info = KS::DescribeFormat(frame->GetPixelFormat());
+  const auto info = KS::DescribeFormat(frame->GetPixelFormat()).value_or(KS::FormatInfo{});
   KS::SystemFrameLayout layout{.format = frame->GetPixelFormat(),
                                .width = frame->GetBounds().width,
                                .height = rows,
@@ -22,7 +22,7 @@ PX::VideoFrameRef ShowStrip(const PX::VideoFrameRef& frame, int top, int rows) {
   KS::BorrowedMemory memory;
   for (int i = 0; i < access->GetPlaneCount(); ++i) {
     const KS::Plane plane = access->GetPlane(i);
-    const std::int64_t row = i == 0 || !info->IsYCbCr() ? top : top >> info->ChromaShiftY();
+    const std::int64_t row = i == 0 || !info.IsYCbCr() ? top : top >> info.ChromaShiftY();
     const auto index = static_cast<std::size_t>(i);
     memory.planes[index] = static_cast<std::uint8_t*>(plane.data) + row * plane.rowBytes;
     layout.rowBytes[index] = plane.rowBytes;

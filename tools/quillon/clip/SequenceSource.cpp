@@ -30,8 +30,7 @@ SequenceSource::SequenceSource(SequenceName name, AVRational rate, std::int64_t 
 }
 
 SourceSamples SequenceSource::Samples() const {
-  const auto format = KS::DescribeFormat(ahead_->frame->GetPixelFormat());
-  return {Sampling::C444, format && format->bits <= 8 ? 8 : 16};
+  return {Sampling::C444, info_.bits <= 8 ? 8 : 16, false};
 }
 
 ClipPicture SequenceSource::Read(std::int64_t position) const {

@@ -85,14 +85,15 @@ std::vector<SheetPicture> CollectPictures(const MapOptions& options, double peak
   const std::int64_t wanted = std::min(kPictures, count);
   const auto source = OpenPictures(options.input, {24, 1});
   std::vector<SheetPicture> pictures;
-  while (const auto picture = source->Next()) {
+  while (const auto next = source->Next()) {
+    // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
+    const ClipPicture& picture = *next;
     const auto taken = static_cast<std::int64_t>(pictures.size());
     if (taken == wanted) break;
-    if (picture->number < (2 * taken + 1) * count / (2 * wanted)) continue;
-    picture->frame->SetColorSpace(ColorSpace(TaggedColors(options, picture->tags.colors)));
-    pictures.push_back(
-        {picture->number,
-         Small(PictureForEye(picture->frame, peakNits, options.white, options.input.string()))});
+    if (picture.number < (2 * taken + 1) * count / (2 * wanted)) continue;
+    picture.frame->SetColorSpace(ColorSpace(TaggedColors(options, picture.tags.colors)));
+    pictures.push_back({picture.number, Small(PictureForEye(picture.frame, peakNits, options.white,
+                                                            options.input.string()))});
   }
   return pictures;
 }
@@ -112,8 +113,10 @@ Scene MakeContactSheet(const MapOptions& options, double peakNits) {
   sheet.height = kMargin + rows * (cellHeight + kMargin);
   int place = 0;
   for (auto& [number, picture] : pictures) {
-    const double x = kMargin + place % kColumns * (kCellWidth + kMargin);
-    const double y = kMargin + place / kColumns * (cellHeight + kMargin);
+    const int column = place % kColumns;
+    const int row = place / kColumns;
+    const double x = kMargin + column * (kCellWidth + kMargin);
+    const double y = kMargin + row * (cellHeight + kMargin);
     ++place;
     picture.box = {x, y, static_cast<double>(picture.width), static_cast<double>(picture.height)};
     sheet.texts.push_back({.text = "frame " + std::to_string(number),

@@ -103,8 +103,9 @@ void RunInspect(InspectOptions options) {
   options.measure = options.measure || !options.plot.empty();
   CheckTargets(options);
   const Inspection inspection = Inspect(options);
-  if (!options.plot.empty()) {
-    WriteDrawing(MakeLevelsScene(inspection), options.plot, options.map.overwrite);
+  if (!options.plot.empty() && inspection.levels) {
+    WriteDrawing(MakeLevelsScene(inspection, *inspection.levels), options.plot,
+                 options.map.overwrite);
   }
   if (!options.sheet.empty()) {
     const double peak = inspection.peak ? inspection.peak->nits : options.map.white;

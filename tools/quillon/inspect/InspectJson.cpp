@@ -42,10 +42,9 @@ ordered_json FrameJson(const FrameLevels& frame) {
           {"change_stops", frame.change}};
 }
 
-ordered_json LevelsJson(const Inspection& inspection) {
-  const ClipLevels& levels = *inspection.levels;
+ordered_json LevelsJson(const ClipLevels& levels, const std::vector<ClipScene>& found) {
   ordered_json scenes = ordered_json::array();
-  for (const ClipScene& scene : inspection.scenes) {
+  for (const ClipScene& scene : found) {
     scenes.push_back(
         {{"first_frame", scene.first}, {"frames", scene.count}, {"steady_peak_nits", scene.peak}});
   }
@@ -79,7 +78,7 @@ std::string InspectionJson(const Inspection& inspection) {
   if (inspection.peak) {
     json["peak"] = {{"nits", inspection.peak->nits}, {"origin", inspection.peak->origin}};
   }
-  if (inspection.levels) json["measured"] = LevelsJson(inspection);
+  if (inspection.levels) json["measured"] = LevelsJson(*inspection.levels, inspection.scenes);
   json["warnings"] = inspection.warnings;
   return FormatJson(json);
 }

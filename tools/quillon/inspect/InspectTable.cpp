@@ -49,12 +49,12 @@ void PrintTags(std::ostream& out, const ClipTags& tags) {
   }
 }
 
-void PrintScenes(std::ostream& out, const Inspection& inspection) {
-  Label(out, "measured") << "MaxCLL " << FormatNits(inspection.levels->MaxCll())
-                         << " nits, MaxFALL " << FormatNits(inspection.levels->MaxFall())
-                         << " nits, steady peak " << FormatNits(inspection.levels->SteadyPeak())
-                         << " nits\n";
-  for (const ClipScene& scene : inspection.scenes) {
+void PrintScenes(std::ostream& out, const ClipLevels& levels,
+                 const std::vector<ClipScene>& scenes) {
+  Label(out, "measured") << "MaxCLL " << FormatNits(levels.MaxCll()) << " nits, MaxFALL "
+                         << FormatNits(levels.MaxFall()) << " nits, steady peak "
+                         << FormatNits(levels.SteadyPeak()) << " nits\n";
+  for (const ClipScene& scene : scenes) {
     Label(out, "scene") << "frames " << scene.first << '-' << scene.first + scene.count - 1
                         << ", peak " << FormatNits(scene.peak) << " nits\n";
   }
@@ -84,7 +84,7 @@ void PrintInspection(std::ostream& out, const Inspection& inspection) {
     Label(out, "peak to map from")
         << FormatNits(inspection.peak->nits) << " nits (" << inspection.peak->origin << ")\n";
   }
-  if (inspection.levels) PrintScenes(out, inspection);
+  if (inspection.levels) PrintScenes(out, *inspection.levels, inspection.scenes);
   for (const std::string& warning : inspection.warnings) Label(out, "warning") << warning << '\n';
   if (inspection.levels) PrintFrames(out, *inspection.levels);
 }

@@ -24,8 +24,10 @@ constexpr Color kChosenColor{0.80, 0.47, 0.65};
 
 class LevelsPlot {
  public:
-  explicit LevelsPlot(const Inspection& inspection)
-      : inspection_(inspection), axis_(NitsAxis::Scale::Log, kLowestNits, HighestNits(inspection)) {
+  LevelsPlot(const Inspection& inspection, const ClipLevels& levels)
+      : inspection_(inspection),
+        levels_(levels),
+        axis_(NitsAxis::Scale::Log, kLowestNits, HighestNits(inspection, levels)) {
     scene_.width = kWidth;
     scene_.height = kHeight;
     scene_.title = "Light levels of " + inspection.path.filename().string();
@@ -44,15 +46,15 @@ class LevelsPlot {
   }
 
  private:
-  static double HighestNits(const Inspection& inspection) {
-    double highest = inspection.levels->MaxCll();
+  static double HighestNits(const Inspection& inspection, const ClipLevels& levels) {
+    double highest = levels.MaxCll();
     if (inspection.peak) highest = std::max(highest, inspection.peak->nits);
     return std::pow(10.0, std::ceil(std::log10(std::max(highest, 1.0)) + 1e-9));
   }
 
   /// A frame takes the room between its number and the next.
   double X(double frame) const {
-    return kPanel.x + kPanel.width * frame / static_cast<double>(inspection_.levels->frames.size());
+    return kPanel.x + kPanel.width * frame / static_cast<double>(levels_.frames.size());
   }
   double Y(double nits) const {
     return kPanel.Bottom() - kPanel.height * std::max(0.0, axis_.Share(nits));
@@ -77,7 +79,7 @@ class LevelsPlot {
       scene_.lines.push_back({{{kPanel.x, y}, {kPanel.Right(), y}}, kGrid, 1.0, {}, {}});
       AddText(FormatNits(decade), {kPanel.x - 6.0, y + 4.0}, 11.0, Anchor::End, kQuietInk);
     }
-    const std::size_t frames = inspection_.levels->frames.size();
+    const std::size_t frames = levels_.frames.size();
     const std::size_t step = std::max<std::size_t>(1, frames / 12);
     for (std::size_t frame = 0; frame < frames; frame += step) {
       AddText(std::to_string(frame), {X(static_cast<double>(frame)), kPanel.Bottom() + 16.0}, 11.0,
@@ -96,7 +98,7 @@ class LevelsPlot {
                 const std::function<double(const FrameLevels&)>& nitsOf) {
     Line line{{}, color, 1.6, {}, kPanel};
     double frame = 0.0;
-    for (const FrameLevels& levels : inspection_.levels->frames) {
+    for (const FrameLevels& levels : levels_.frames) {
       line.points.push_back({X(frame), Y(nitsOf(levels))});
       line.points.push_back({X(++frame), Y(nitsOf(levels))});
     }
@@ -127,6 +129,7 @@ class LevelsPlot {
   }
 
   const Inspection& inspection_;
+  const ClipLevels& levels_;
   NitsAxis axis_;
   Scene scene_;
   double legendX_ = kPanel.x;
@@ -134,4 +137,6 @@ class LevelsPlot {
 
 }  // namespace
 
-Scene MakeLevelsScene(const Inspection& inspection) { return LevelsPlot(inspection).Make(); }
+Scene MakeLevelsScene(const Inspection& inspection, const ClipLevels& levels) {
+  return LevelsPlot(inspection, levels).Make();
+}

@@ -4,5 +4,5 @@
 #include "tools/quillon/plot/PlotScene.h"
 
 /// The measured light levels over the frames of a clip, with the peaks to map from drawn in: the
-/// one of the whole clip and those of its scenes. For inspections with levels.
-Scene MakeLevelsScene(const Inspection& inspection);
+/// one of the whole clip and those of its scenes.
+Scene MakeLevelsScene(const Inspection& inspection, const ClipLevels& levels);
