@@ -74,7 +74,10 @@ std::shared_ptr<const AVFrame> ClipSource::InHostFormat(std::shared_ptr<const AV
   scaler_.reset(sws_getCachedContext(
       scaler_.release(), frame->width, frame->height, format, frame->width, frame->height, nearest,
       SWS_POINT | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INP, nullptr, nullptr, nullptr));
-  std::shared_ptr<AVFrame> converted = AvFramePool(nearest, frame->width, frame->height).Take();
+  if (!converted_ || converted_->Format() != nearest) {
+    converted_.emplace(nearest, frame->width, frame->height);
+  }
+  std::shared_ptr<AVFrame> converted = converted_->Take();
   const int* const coefficients = sws_getCoefficients(SWS_CS_DEFAULT);
   const int fullRange = frame->color_range == AVCOL_RANGE_JPEG ? 1 : 0;
   if (scaler_ == nullptr ||

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/quillon/clip/PictureSource.h"
+#include "tools/quillon/video/AvPictures.h"
 
 struct SwsContext;
 
@@ -30,4 +31,5 @@ class ClipSource : public PictureSource {
   std::filesystem::path path_;
   ClipReader reader_;
   std::unique_ptr<SwsContext, void (*)(SwsContext*)> scaler_;
+  std::optional<AvFramePool> converted_;
 };

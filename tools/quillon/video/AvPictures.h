@@ -34,6 +34,7 @@ class AvFramePool {
  public:
   AvFramePool(AVPixelFormat format, int width, int height);
 
+  AVPixelFormat Format() const { return format_; }
   /// Contents undefined. Throws std::bad_alloc.
   std::shared_ptr<AVFrame> Take();
 
