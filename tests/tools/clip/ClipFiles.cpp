@@ -20,17 +20,13 @@ namespace {
 constexpr int kSoundRate = 48000;
 constexpr int kSoundSamples = 1024;  // a packet
 
-void Require(int result, const char* what) {
-  if (result < 0) throw std::runtime_error(std::string(what) + ": " + AvErrorText(result));
-}
-
 std::string SamplesOfFrame(const AVFrame& frame) {
   const auto format = static_cast<AVPixelFormat>(frame.format);
   const int size = av_image_get_buffer_size(format, frame.width, frame.height, 1);
   std::string bytes(static_cast<std::size_t>(size), '\0');
-  Require(av_image_copy_to_buffer(reinterpret_cast<std::uint8_t*>(bytes.data()), size, frame.data,
-                                  frame.linesize, format, frame.width, frame.height, 1),
-          "copying samples");
+  RequireAv(av_image_copy_to_buffer(reinterpret_cast<std::uint8_t*>(bytes.data()), size, frame.data,
+                                    frame.linesize, format, frame.width, frame.height, 1),
+            "copying samples");
   return bytes;
 }
 
@@ -47,18 +43,6 @@ void FillGrey(AVFrame& frame, int code) {
   }
 }
 
-void AddChapter(AVFormatContext& container, std::int64_t second) {
-  container.chapters = static_cast<AVChapter**>(
-      av_realloc_array(container.chapters, container.nb_chapters + 1, sizeof(AVChapter*)));
-  auto* chapter = static_cast<AVChapter*>(av_mallocz(sizeof(AVChapter)));
-  chapter->id = static_cast<std::int64_t>(container.nb_chapters) + 1;
-  chapter->time_base = {1, 4};
-  chapter->start = second;
-  chapter->end = second + 1;
-  av_dict_set(&chapter->metadata, "title", second == 0 ? "Day" : "Night", 0);
-  container.chapters[container.nb_chapters++] = chapter;
-}
-
 void AddSoundStream(AVFormatContext& container) {
   AVCodecParameters& sound = *avformat_new_stream(&container, nullptr)->codecpar;
   sound.codec_type = AVMEDIA_TYPE_AUDIO;
@@ -72,14 +56,14 @@ void AddSoundStream(AVFormatContext& container) {
 
 void WriteSound(AVFormatContext& container, int number) {
   const AvPacketPtr packet = MakeAvPacket();
-  Require(av_new_packet(packet.get(), kSoundSamples * 2), "making sound");
+  RequireAv(av_new_packet(packet.get(), kSoundSamples * 2), "making sound");
   std::fill_n(packet->data, packet->size, static_cast<std::uint8_t>(number));
   packet->stream_index = 1;
   packet->pts = packet->dts = std::int64_t{number} * kSoundSamples;
   packet->duration = kSoundSamples;
   packet->flags = AV_PKT_FLAG_KEY;
   av_packet_rescale_ts(packet.get(), {1, kSoundRate}, container.streams[1]->time_base);
-  Require(av_interleaved_write_frame(&container, packet.get()), "writing sound");
+  RequireAv(av_interleaved_write_frame(&container, packet.get()), "writing sound");
 }
 
 void CopyVideo(const ClipInput& input, AVFormatContext& container, int& soundPackets) {
@@ -92,7 +76,7 @@ void CopyVideo(const ClipInput& input, AVFormatContext& container, int& soundPac
     }
     av_packet_rescale_ts(packet.get(), input.video->time_base, container.streams[0]->time_base);
     packet->stream_index = 0;
-    Require(av_interleaved_write_frame(&container, packet.get()), "writing video");
+    RequireAv(av_interleaved_write_frame(&container, packet.get()), "writing video");
   }
 }
 
@@ -106,6 +90,22 @@ std::vector<DecodedFrame> DecodeAll(ClipReader& reader) {
 }
 
 }  // namespace
+
+void RequireAv(int result, const char* what) {
+  if (result < 0) throw std::runtime_error(std::string(what) + ": " + AvErrorText(result));
+}
+
+void AddChapter(AVFormatContext& container, std::int64_t second) {
+  container.chapters = static_cast<AVChapter**>(
+      av_realloc_array(container.chapters, container.nb_chapters + 1, sizeof(AVChapter*)));
+  auto* chapter = static_cast<AVChapter*>(av_mallocz(sizeof(AVChapter)));
+  chapter->id = static_cast<std::int64_t>(container.nb_chapters) + 1;
+  chapter->time_base = {1, 4};
+  chapter->start = second;
+  chapter->end = second + 1;
+  av_dict_set(&chapter->metadata, "title", second == 0 ? "Day" : "Night", 0);
+  container.chapters[container.nb_chapters++] = chapter;
+}
 
 fs::path MakeChartClip(const ScratchFolder& folder, const std::string& name,
                        const std::vector<std::string>& options) {
@@ -189,19 +189,19 @@ std::vector<StreamPacket> PacketsOf(const fs::path& path, AVMediaType type) {
 void AddSound(const fs::path& from, const fs::path& to) {
   const ClipInput input = OpenClipInput(from);
   AVFormatContext* made = nullptr;
-  Require(avformat_alloc_output_context2(&made, nullptr, nullptr, to.c_str()), "making a file");
+  RequireAv(avformat_alloc_output_context2(&made, nullptr, nullptr, to.c_str()), "making a file");
   const AvOutputPtr container(made);
-  Require(avio_open(&made->pb, to.c_str(), AVIO_FLAG_WRITE), "opening a file");
+  RequireAv(avio_open(&made->pb, to.c_str(), AVIO_FLAG_WRITE), "opening a file");
   AVStream* video = avformat_new_stream(made, nullptr);
-  Require(avcodec_parameters_copy(video->codecpar, input.video->codecpar), "copying parameters");
+  RequireAv(avcodec_parameters_copy(video->codecpar, input.video->codecpar), "copying parameters");
   video->time_base = input.video->time_base;
   video->avg_frame_rate = input.video->avg_frame_rate;
   AddSoundStream(*made);
   AddChapter(*made, 0);
   AddChapter(*made, 1);
   av_dict_set(&made->metadata, "title", "A chart with sound", 0);
-  Require(avformat_write_header(made, nullptr), "writing the head");
+  RequireAv(avformat_write_header(made, nullptr), "writing the head");
   int soundPackets = 0;
   CopyVideo(input, *made, soundPackets);
-  Require(av_write_trailer(made), "writing the end");
+  RequireAv(av_write_trailer(made), "writing the end");
 }

@@ -12,6 +12,12 @@
 
 /// Clips for tests, and what is in them.
 
+/// Throws where a call of FFmpeg failed.
+void RequireAv(int result, const char* what);
+
+/// A second of a container that is being made, as a chapter.
+void AddChapter(AVFormatContext& container, std::int64_t second);
+
 /// A small HDR10 clip of the chart, in MP4 or, by its name, another container.
 std::filesystem::path MakeChartClip(const ScratchFolder& folder, const std::string& name,
                                     const std::vector<std::string>& options = {});
