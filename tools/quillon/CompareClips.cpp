@@ -51,7 +51,7 @@ class ComparedClip {
 
  private:
   void RequireUndamaged() {
-    const ClipDamage damage = source_->CountDamage();
+    const ClipDamage damage = source_->Damage();
     if (damage.places == 0) return;
     throw CommandError(ExitCode::CannotRead,
                        file_.path.string() + ": it is damaged: " + damage.first);

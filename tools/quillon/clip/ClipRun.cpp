@@ -76,11 +76,26 @@ void CheckTarget(const MapOptions& options) {
   }
 }
 
-std::int64_t CountFrames(ClipRun& run, const MapOptions& options) {
+DamagePolicy PolicyOf(const MapOptions& options) {
+  return options.clip.keepDamaged ? DamagePolicy::GoOn : DamagePolicy::Stop;
+}
+
+std::int64_t CountFrames(ClipRun& run, const MapOptions& options, std::ostream& notes) {
   if (const auto name = SequenceName::Parse(options.input)) {
     return static_cast<std::int64_t>(name->ExistingNumbers().size());
   }
   run.index = FrameIndex::Scan(options.input);
+  const ClipDamage& damage = run.index->Damage();
+  if (damage.places > 0) {
+    const std::string what = options.input.string() + ": it is damaged: " + damage.first;
+    if (!options.clip.keepDamaged) {
+      throw CommandError(ExitCode::CannotRead,
+                         what +
+                             "; its frames cannot be counted; --keep-damaged counts those there "
+                             "are");
+    }
+    if (!options.quiet) notes << "note: " << what << '\n';
+  }
   return run.index->Count();
 }
 
@@ -139,6 +154,7 @@ std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const Cl
   request.white = options.white;
   request.progress =
       options.quiet ? ProgressStyle::None : options.clip.progress.value_or(ProgressStyle::Auto);
+  request.policy = PolicyOf(options);
   request.colorsOf = colorsOf;
   return LevelsOfClip(request, notes);
 }
@@ -193,7 +209,7 @@ ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
 
   ClipRun run;
   const bool bySingleFrames = options.clip.frames || options.clip.chunk || options.clip.resume;
-  if (bySingleFrames) run.frames = CountFrames(run, options);
+  if (bySingleFrames) run.frames = CountFrames(run, options, notes);
   run.selection = Select(options, run.frames);
   run.left = run.selection;
   if (options.clip.resume && clipOut) {
@@ -201,8 +217,7 @@ ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
     if (run.earlier.count > 0) run.left = run.selection.Without(run.earlier.count, run.frames);
   }
   run.source = OpenPictures(options.input, SequenceRate(options), run.index ? &*run.index : nullptr,
-                            run.left.First(),
-                            options.clip.keepDamaged ? DamagePolicy::GoOn : DamagePolicy::Stop);
+                            run.left.First(), PolicyOf(options));
   const ClipTags& tags = run.source->Info().tags;
   if (!bySingleFrames) run.frames = run.source->Info().frames;
   run.mapper =

@@ -87,8 +87,13 @@ void ClipSink::Write(MappedPicture picture, const ClipPicture& source) {
   writer_->WriteFrame(frame);
 }
 
-void ClipSink::Finish() {
+void ClipSink::Flush() {
   WriteEarlier(std::numeric_limits<double>::infinity());
+  writer_->Flush();
+}
+
+void ClipSink::Finish() {
+  Flush();
   writer_->Finish();
   writer_.reset();
   earlier_.reset();

@@ -19,6 +19,8 @@ class ClipSink : public PictureSink {
   MappedPicture NewPicture() override;
   void Write(MappedPicture picture, const ClipPicture& source) override;
   void PassOn(const AVPacket& packet) override;
+  void Flush() override;
+  ClipDamage Refused() const override { return writer_->Refused(); }
   void Finish() override;
   std::string Abandon(bool atOnce) override;
 

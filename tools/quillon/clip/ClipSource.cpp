@@ -48,16 +48,21 @@ std::int64_t ClipSource::TimeOf(std::int64_t number) const {
   return rate.num > 0 ? av_rescale_q(number, av_inv_q(rate), TimeBase()) : number;
 }
 
-std::optional<ClipPicture> ClipSource::Next() {
-  const auto frame = reader_.Next();
-  if (!frame) return std::nullopt;
-  RequireSameSize(*frame);
+std::optional<SourceItem> ClipSource::NextItem() {
+  auto item = reader_.NextItem();
+  if (!item) return std::nullopt;
+  if (auto* packet = std::get_if<AvPacketPtr>(&*item)) return std::move(*packet);
+  return Show(std::get<ClipFrame>(*item));
+}
+
+ClipPicture ClipSource::Show(const ClipFrame& frame) {
+  RequireSameSize(frame);
   ClipPicture picture;
-  picture.tags = reader_.TagsOfFrame(*frame->samples);
-  picture.number = frame->number;
-  picture.pts = frame->pts == AV_NOPTS_VALUE ? TimeOf(frame->number) : frame->pts;
-  picture.samples = frame->samples;
-  picture.frame = ShowAvFrame(InHostFormat(frame->samples), ColorSpace(picture.tags.colors));
+  picture.tags = reader_.TagsOfFrame(*frame.samples);
+  picture.number = frame.number;
+  picture.pts = frame.pts == AV_NOPTS_VALUE ? TimeOf(frame.number) : frame.pts;
+  picture.samples = frame.samples;
+  picture.frame = ShowAvFrame(InHostFormat(frame.samples), ColorSpace(picture.tags.colors));
   if (!picture.frame.IsUsable()) {
     throw CommandError(ExitCode::NotSupported,
                        path_.string() + ": its samples (" + reader_.Info().pixelFormat +
@@ -90,9 +95,4 @@ std::shared_ptr<const AVFrame> ClipSource::InHostFormat(std::shared_ptr<const AV
                            ") cannot be converted to " + av_get_pix_fmt_name(nearest));
   }
   return converted;
-}
-
-ClipDamage ClipSource::CountDamage() {
-  if (reader_.Damage().places > 0) reader_.CountDamage();
-  return reader_.Damage();
 }

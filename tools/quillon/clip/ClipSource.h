@@ -16,15 +16,16 @@ class ClipSource : public PictureSource {
   SourceSamples Samples() const override;
   AVRational TimeBase() const override { return reader_.TimeBase(); }
   const ClipInput* Input() const override { return &reader_.Input(); }
-  void OnOtherPackets(const ClipReader::PacketHandler& handler) override {
-    reader_.OnOtherPackets(handler);
+  std::optional<SourceItem> NextItem() override;
+  AvPacketPtr NextPacket(double until) override { return reader_.NextPacket(until); }
+  ClipDamage Damage() const override { return reader_.Damage(); }
+  void CountDamage(const std::function<bool()>& isStopped) override {
+    if (Damage().places > 0) reader_.CountDamage(isStopped);
   }
-  void PassOtherPackets(double until) override { reader_.PassOtherPackets(until); }
-  std::optional<ClipPicture> Next() override;
-  ClipDamage CountDamage() override;
 
  private:
   std::shared_ptr<const AVFrame> InHostFormat(std::shared_ptr<const AVFrame> frame);
+  ClipPicture Show(const ClipFrame& frame);
   std::int64_t TimeOf(std::int64_t number) const;
   void RequireSameSize(const ClipFrame& frame) const;
 

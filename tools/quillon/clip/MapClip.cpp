@@ -48,8 +48,8 @@ std::string Abandon(PictureSink& sink, bool atOnce) {
 }
 
 /// Maps all pictures. False where it was interrupted.
-bool MapPictures(const MapOptions& options, ClipRun& run, PictureSink& sink, std::int64_t& done) {
-  const InterruptGuard interrupt;
+bool MapPictures(const MapOptions& options, ClipRun& run, PictureSink& sink,
+                 const InterruptGuard& interrupt, std::int64_t& done) {
   const auto style = options.clip.progress.value_or(ProgressStyle::Auto);
   Progress progress(options.quiet ? ProgressStyle::None : style, "map",
                     run.left.CountOf(run.frames));
@@ -66,16 +66,27 @@ bool MapPictures(const MapOptions& options, ClipRun& run, PictureSink& sink, std
     });
     last.frame = from.number;
   };
-  const bool complete = RunPipeline({*run.source, sink, run.left, times, map,
-                                     [&interrupt] { return interrupt.IsInterrupted(); }});
+  const bool complete =
+      RunPipeline({*run.source, sink, run.left, times, map, !options.clip.keepDamaged,
+                   [&interrupt] { return interrupt.IsInterrupted(); }});
   last.done = done;
   progress.Finish(last);
   return complete;
 }
 
-void TellOfDamage(const MapOptions& options, ClipRun& run, PictureSink& sink, std::int64_t done,
-                  std::ostream& notes) {
-  const ClipDamage damage = run.source->CountDamage();
+/// All damage of the source, that of the streams that are passed on included.
+ClipDamage FindDamage(ClipRun& run, PictureSink& sink, const InterruptGuard& interrupt) {
+  sink.Flush();
+  run.source->CountDamage([&interrupt] { return interrupt.IsInterrupted(); });
+  ClipDamage damage = run.source->Damage();
+  const ClipDamage refused = sink.Refused();
+  if (damage.places == 0) damage.first = refused.first;
+  damage.places += refused.places;
+  return damage;
+}
+
+void TellOfDamage(const MapOptions& options, const ClipDamage& damage, PictureSink& sink,
+                  std::int64_t done, std::ostream& notes) {
   if (damage.places == 0) return;
   const std::string what = options.input.string() + ": it is damaged: " + damage.first + "; " +
                            Counted(damage.places, "damaged place") + " in all";
@@ -86,6 +97,22 @@ void TellOfDamage(const MapOptions& options, ClipRun& run, PictureSink& sink, st
   throw CommandError(ExitCode::CannotRead, what + "; " + Counted(done, "frame") +
                                                " before it mapped" + Abandon(sink, false) +
                                                "; --keep-damaged maps on");
+}
+
+[[noreturn]] void FailStopped(const MapOptions& options, PictureSink& sink) {
+  throw CommandError(
+      ExitCode::Interrupted,
+      options.input.string() + ": stopped" + Abandon(sink, true) + "; --resume goes on from there");
+}
+
+/// Maps all pictures, and finds out whether they are all there.
+void MapAll(const MapOptions& options, ClipRun& run, PictureSink& sink, std::int64_t& done,
+            std::ostream& notes) {
+  const InterruptGuard interrupt;
+  if (!MapPictures(options, run, sink, interrupt, done)) FailStopped(options, sink);
+  const ClipDamage damage = FindDamage(run, sink, interrupt);
+  if (interrupt.IsInterrupted()) FailStopped(options, sink);
+  TellOfDamage(options, damage, sink, done, notes);
 }
 
 void Summarise(std::ostream& out, const MapOptions& options, const ClipRun& run, std::int64_t done,
@@ -113,12 +140,7 @@ void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) 
   NoteWhatMatters(options, run, *sink, notes);
   std::int64_t done = 0;
   try {
-    if (!MapPictures(options, run, *sink, done)) {
-      throw CommandError(ExitCode::Interrupted, options.input.string() + ": stopped" +
-                                                    Abandon(*sink, true) +
-                                                    "; --resume goes on from there");
-    }
-    TellOfDamage(options, run, *sink, done, notes);
+    MapAll(options, run, *sink, done, notes);
     sink->Finish();
   } catch (const CommandError& error) {
     throw CommandError(error.Code(), error.what() + Abandon(*sink, true));

@@ -2,6 +2,7 @@
 
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/clip/Interrupt.h"
 #include "tools/quillon/io/StillError.h"
 
@@ -20,7 +21,7 @@ void Keep(const MeasureRequest& request, const ClipLevels& levels, std::ostream&
 }  // namespace
 
 ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
-  const auto source = OpenPictures(request.clip, request.sequenceRate);
+  const auto source = OpenPictures(request.clip, request.sequenceRate, nullptr, 0, request.policy);
   const bool isSequence = source->Input() == nullptr;
   const std::string name = DescribeColorSpace(request.colorsOf(source->Info().tags));
   if (!isSequence) {
@@ -44,6 +45,12 @@ ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
     progress.Update([&step] { return step; });
   }
   progress.Finish(step);
-  if (!isSequence && source->CountDamage().places == 0) Keep(request, levels, notes);
+  const ClipDamage damage = source->Damage();
+  if (damage.places > 0 && request.policy == DamagePolicy::Stop) {
+    throw CommandError(ExitCode::CannotRead,
+                       request.clip.string() + ": it is damaged: " + damage.first + "; " +
+                           Counted(step.done, "frame") + " before it measured");
+  }
+  if (!isSequence && damage.places == 0) Keep(request, levels, notes);
   return levels;
 }

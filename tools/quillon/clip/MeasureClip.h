@@ -14,11 +14,12 @@ struct MeasureRequest {
   AVRational sequenceRate{24, 1};
   int white = 203;
   ProgressStyle progress = ProgressStyle::Auto;
+  DamagePolicy policy = DamagePolicy::Stop;
   /// The colour space of a picture, from its tags. Throws where they do not tell.
   std::function<orvmediatypes::color::ColorDescription(const ClipTags& tags)> colorsOf;
 };
 
-/// The light levels of all frames of a clip, up to a damaged place: what is kept beside the clip,
-/// else measured in a pass of its own, and kept. `notes` is told where they cannot be kept. Throws
-/// CommandError, also on Ctrl-C.
+/// The light levels of all frames of a clip: what is kept beside the clip, else measured in a pass
+/// of its own, and kept where nothing is damaged. `notes` is told where they cannot be kept. Throws
+/// CommandError, also on Ctrl-C, and at a damaged place where the policy is to stop.
 ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/quillon/clip/ClipPicture.h"
+#include "tools/quillon/video/PacketWatch.h"
 
 /// A picture to map into.
 struct MappedPicture {
@@ -33,6 +34,10 @@ class PictureSink {
   virtual void Write(MappedPicture picture, const ClipPicture& source) = 0;
   /// A packet of another stream of the source, in time of the output.
   virtual void PassOn(const AVPacket& /*packet*/) {}
+  /// Writes all that waits.
+  virtual void Flush() {}
+  /// Packets that were passed on and that the output does not take for what they hold.
+  virtual ClipDamage Refused() const { return {}; }
   /// Ends the output and gives it its name.
   virtual void Finish() = 0;
   /// Ends the output without giving it its name: with all that was written or, at once, with what

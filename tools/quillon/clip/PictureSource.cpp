@@ -1,5 +1,7 @@
 #include "tools/quillon/clip/PictureSource.h"
 
+#include <utility>
+
 #include "tools/quillon/clip/ClipSource.h"
 #include "tools/quillon/clip/SequenceSource.h"
 #include "tools/quillon/clip/SinglePicture.h"
@@ -7,6 +9,14 @@
 
 bool IsClipOrSequence(const std::filesystem::path& path) {
   return SequenceName::Parse(path).has_value() || !IsStill(path);
+}
+
+std::optional<ClipPicture> PictureSource::Next() {
+  while (auto item = NextItem()) {
+    // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
+    if (auto* picture = std::get_if<ClipPicture>(&*item)) return std::move(*picture);
+  }
+  return std::nullopt;
 }
 
 std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,

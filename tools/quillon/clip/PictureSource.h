@@ -5,12 +5,16 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "tools/quillon/clip/ClipPicture.h"
 #include "tools/quillon/clip/SequenceName.h"
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/Encoding.h"
+
+/// What a source gives: a picture, or a packet of another stream of its clip.
+using SourceItem = std::variant<ClipPicture, AvPacketPtr>;
 
 /// Where pictures come from, one after another in the order in which they are shown: a clip, an
 /// image sequence, or a still. One thread.
@@ -24,15 +28,17 @@ class PictureSource {
   virtual AVRational TimeBase() const = 0;
   /// The clip that the pictures come from; null for image sequences.
   virtual const ClipInput* Input() const { return nullptr; }
-  /// See `ClipReader::OnOtherPackets`.
-  virtual void OnOtherPackets(const ClipReader::PacketHandler& /*handler*/) {}
-  /// See `ClipReader::PassOtherPackets`.
-  virtual void PassOtherPackets(double /*until*/) {}
-  /// Nothing at the end, and where the clip is damaged. Throws CommandError or StillError.
-  virtual std::optional<ClipPicture> Next() = 0;
-  /// To be called at the end: where damage ended it, reads on to count the rest of it. No places:
-  /// nothing is damaged.
-  virtual ClipDamage CountDamage() { return {}; }
+  /// The next picture, or the next packet that lies before it. Nothing at the end, and where the
+  /// clip is damaged. Throws CommandError or StillError.
+  virtual std::optional<SourceItem> NextItem() = 0;
+  /// The next picture; packets are dropped.
+  std::optional<ClipPicture> Next();
+  /// See `ClipReader::NextPacket`.
+  virtual AvPacketPtr NextPacket(double /*until*/) { return nullptr; }
+  /// What was found damaged so far.
+  virtual ClipDamage Damage() const { return {}; }
+  /// Where damage ended the pictures: reads on, until `isStopped`, to find the rest of it.
+  virtual void CountDamage(const std::function<bool()>& /*isStopped*/) {}
 };
 
 /// Whether a path names an image sequence or a file that is no still: what `quillon map` maps as a

@@ -3,7 +3,6 @@
 #include <exception>
 #include <limits>
 #include <mutex>
-#include <new>
 #include <thread>
 #include <utility>
 #include <variant>
@@ -57,29 +56,37 @@ class Pipeline {
   }
 
   void Read() {
-    work_.source.OnOtherPackets([this](const AVPacket& packet) { PassOn(packet); });
     const std::int64_t last =
         work_.selection.Last().value_or(std::numeric_limits<std::int64_t>::max());
-    while (auto next = work_.source.Next()) {
+    while (auto next = work_.source.NextItem()) {
       // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
-      ClipPicture& picture = *next;
+      if (auto* packet = std::get_if<AvPacketPtr>(&*next)) {
+        if (!PassOn(std::move(*packet))) return;
+        continue;
+      }
+      auto& picture = std::get<ClipPicture>(*next);
       const std::int64_t number = picture.number;
       if (IsWanted(number) && !pictures_.Push(std::move(picture))) return;
       if (number >= last) break;
     }
     pictures_.Finish();
-    if (!work_.selection.IsAll()) work_.source.PassOtherPackets(work_.times.EndSeconds());
+    if (!work_.selection.IsAll()) ReadPacketsOfTheLastPicture();
+  }
+
+  void ReadPacketsOfTheLastPicture() {
+    while (AvPacketPtr packet = work_.source.NextPacket(work_.times.EndSeconds())) {
+      if (!PassOn(std::move(packet))) return;
+    }
   }
 
   bool IsWanted(std::int64_t number) const {
     return work_.selection.Contains(number) && !work_.sink.Has(number);
   }
 
-  void PassOn(const AVPacket& packet) {
-    AvPacketPtr copy(av_packet_clone(&packet));
-    if (copy == nullptr) throw std::bad_alloc();
-    const AVStream& stream = *work_.source.Input()->container->streams[packet.stream_index];
-    if (work_.times.Move(*copy, stream.time_base)) outputs_.Push(std::move(copy));
+  /// False when nothing is written any more.
+  bool PassOn(AvPacketPtr packet) {
+    const AVStream& stream = *work_.source.Input()->container->streams[packet->stream_index];
+    return !work_.times.Move(*packet, stream.time_base) || outputs_.Push(std::move(packet));
   }
 
   /// False when stopped.
@@ -105,6 +112,7 @@ class Pipeline {
     while (auto next = outputs_.Pop()) {
       // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
       WriteOutput(std::move(*next));
+      if (work_.stopsAtRefused && work_.sink.Refused().places > 0) return Cancel();
     }
   }
 

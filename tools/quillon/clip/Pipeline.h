@@ -15,6 +15,8 @@ struct PipelineWork {
   const OutputTimes& times;
   /// Maps a picture, on the thread of the caller.
   std::function<void(const ClipPicture& from, PX::VideoFrameRef& to)> map;
+  /// Whether a packet that the sink refuses ends the run.
+  bool stopsAtRefused = true;
   /// Asked before each picture; true ends the run.
   std::function<bool()> isStopped;
 };

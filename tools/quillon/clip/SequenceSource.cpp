@@ -43,7 +43,7 @@ ClipPicture SequenceSource::Read(std::int64_t position) const {
   return picture;
 }
 
-std::optional<ClipPicture> SequenceSource::Next() {
+std::optional<SourceItem> SequenceSource::NextItem() {
   std::optional<ClipPicture> picture = std::exchange(ahead_, std::nullopt);
   if (picture || next_ >= static_cast<std::int64_t>(numbers_.size())) return picture;
   picture = Read(next_++);

@@ -10,7 +10,7 @@ class SequenceSource : public PictureSource {
   const ClipInfo& Info() const override { return info_; }
   SourceSamples Samples() const override;
   AVRational TimeBase() const override { return av_inv_q(info_.frameRate); }
-  std::optional<ClipPicture> Next() override;
+  std::optional<SourceItem> NextItem() override;
 
  private:
   ClipPicture Read(std::int64_t position) const;

@@ -23,4 +23,6 @@ SinglePicture::SinglePicture(const std::filesystem::path& path) {
   picture_ = std::move(picture);
 }
 
-std::optional<ClipPicture> SinglePicture::Next() { return std::exchange(picture_, std::nullopt); }
+std::optional<SourceItem> SinglePicture::NextItem() {
+  return std::exchange(picture_, std::nullopt);
+}

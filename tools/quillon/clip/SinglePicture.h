@@ -10,7 +10,7 @@ class SinglePicture : public PictureSource {
   const ClipInfo& Info() const override { return info_; }
   SourceSamples Samples() const override { return {Sampling::C444, info_.bits, false}; }
   AVRational TimeBase() const override { return {1, 1}; }
-  std::optional<ClipPicture> Next() override;
+  std::optional<SourceItem> NextItem() override;
 
  private:
   std::optional<ClipPicture> picture_;

@@ -1,38 +1,44 @@
 #include "tools/quillon/video/AvLog.h"
 
 #include <array>
-#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
+#include <string_view>
+#include <utility>
 
 extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
 #include <libavutil/log.h>
 }
 
 namespace {
 
-std::atomic<std::int64_t> complaints = 0;
-std::mutex lastMutex;
-std::string last;
-
-bool IsDecoder(void* context) {
-  if (context == nullptr) return false;
+/// Who wants to know of a message; null: nobody.
+AvComplaints* ListenerOf(void* context) {
+  if (context == nullptr) return nullptr;
   const AVClass* type = *static_cast<AVClass**>(context);
-  return type != nullptr && type->get_category != nullptr &&
-         type->get_category(context) == AV_CLASS_CATEGORY_DECODER;
+  if (type == nullptr || type->get_category == nullptr) return nullptr;
+  const AVClassCategory category = type->get_category(context);
+  const std::string_view name = type->class_name;
+  // Threads of a decoder have contexts of their own, with the same `opaque`.
+  if (category == AV_CLASS_CATEGORY_DECODER && name == "AVCodecContext") {
+    return static_cast<AvComplaints*>(static_cast<AVCodecContext*>(context)->opaque);
+  }
+  if (category == AV_CLASS_CATEGORY_DEMUXER && name == "AVFormatContext") {
+    return static_cast<AvComplaints*>(static_cast<AVFormatContext*>(context)->opaque);
+  }
+  return nullptr;
 }
 
 void OnMessage(void* context, int level, const char* format, va_list arguments) {
-  if (level > AV_LOG_ERROR || !IsDecoder(context)) return;
+  if (level > AV_LOG_ERROR) return;
+  AvComplaints* listener = ListenerOf(context);
+  if (listener == nullptr) return;
   std::array<char, 256> text{};
   std::vsnprintf(text.data(), text.size(), format, arguments);
-  std::string message = text.data();
-  while (!message.empty() && message.back() == '\n') message.pop_back();
-  const std::lock_guard lock(lastMutex);
-  last = std::move(message);
-  ++complaints;
+  listener->Add(text.data());
 }
 
 }  // namespace
@@ -42,9 +48,19 @@ void QuietAvLog() {
   setenv("SVT_LOG", "0", 0);  // SVT-AV1 has no other way
 }
 
-std::int64_t DecoderComplaints() { return complaints; }
+void AvComplaints::Add(std::string message) {
+  while (!message.empty() && (message.back() == '\n' || message.back() == '.')) message.pop_back();
+  const std::lock_guard lock(mutex_);
+  last_ = std::move(message);
+  ++count_;
+}
 
-std::string LastDecoderComplaint() {
-  const std::lock_guard lock(lastMutex);
-  return last;
+std::int64_t AvComplaints::Count() const {
+  const std::lock_guard lock(mutex_);
+  return count_;
+}
+
+std::string AvComplaints::Last() const {
+  const std::lock_guard lock(mutex_);
+  return last_;
 }

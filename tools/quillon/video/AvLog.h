@@ -1,14 +1,24 @@
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 
-/// Keeps FFmpeg and the encoders under it from writing to standard error of themselves, and counts
-/// what decoders complain of: some conceal damage without a word in their results.
+/// Keeps FFmpeg and the encoders under it from writing to standard error of themselves, and hands
+/// on what they complain of: some conceal damage without a word in their results.
 void QuietAvLog();
 
-/// Complaints of all decoders since the program began. Any thread.
-std::int64_t DecoderComplaints();
+/// What a decoder or a container that is read calls an error. It gets them by the `opaque` of its
+/// AVCodecContext or AVFormatContext, and has to outlive that. Any thread.
+class AvComplaints {
+ public:
+  void Add(std::string message);
+  std::int64_t Count() const;
+  /// Empty: there was none.
+  std::string Last() const;
 
-/// The last one.
-std::string LastDecoderComplaint();
+ private:
+  mutable std::mutex mutex_;
+  std::int64_t count_ = 0;
+  std::string last_;
+};

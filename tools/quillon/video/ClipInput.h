@@ -1,11 +1,18 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <memory>
 
 #include "tools/quillon/video/AvHandles.h"
+#include "tools/quillon/video/AvLog.h"
+
+/// Pixels of a frame that are read when nothing else is said.
+inline constexpr std::int64_t kMaxClipPixels = std::int64_t{1} << 28;
 
 /// A container that is open for reading, and its video stream.
 struct ClipInput {
+  std::unique_ptr<AvComplaints> complaints;  ///< of the container
   AvInputPtr container;
   AVStream* video = nullptr;
 };
@@ -14,8 +21,9 @@ struct ClipInput {
 void RequireClipFile(const std::filesystem::path& path);
 
 /// Opens a clip and finds the video stream that plays by default; cover pictures do not count.
-/// Throws CommandError where the file is missing, is no clip, or holds no video.
-ClipInput OpenClipInput(const std::filesystem::path& path);
+/// Throws CommandError where the file is missing, is no clip, holds no video, or has frames of more
+/// than `maxPixels`.
+ClipInput OpenClipInput(const std::filesystem::path& path, std::int64_t maxPixels = kMaxClipPixels);
 
 /// Reads the next packet. 0, AVERROR_EOF at the end, or FFmpeg's code of what is wrong.
 int ReadPacket(const ClipInput& input, AVPacket& packet);
@@ -23,3 +31,10 @@ int ReadPacket(const ClipInput& input, AVPacket& packet);
 /// Whether a packet of the video stream holds a picture that is shown: containers may mark packets
 /// that are decoded for the sake of others alone.
 inline bool IsShown(const AVPacket& packet) { return (packet.flags & AV_PKT_FLAG_DISCARD) == 0; }
+
+/// Whether a clip may begin in the middle of a group of pictures, as recordings and raw streams do:
+/// what comes before its first key frame is then no part of it.
+bool CanBeginAnywhere(const ClipInput& input);
+
+/// "stream 1 (audio, aac)".
+std::string NameOfStream(const AVStream& stream);

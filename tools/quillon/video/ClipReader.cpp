@@ -1,118 +1,49 @@
 #include "tools/quillon/video/ClipReader.h"
 
 #include <algorithm>
-#include <cmath>
+#include <new>
 #include <utility>
 
 #include "tools/quillon/ExitCodes.h"
-#include "tools/quillon/video/AvLog.h"
-
-extern "C" {
-#include <libavutil/display.h>
-#include <libavutil/pixdesc.h>
-}
+#include "tools/quillon/clip/Counted.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-/// How much earlier than its head says a clip may end.
-constexpr double kToleratedSeconds = 0.5;
+/// How far streams may lag behind each other in a file.
+constexpr double kSlackSeconds = 10.0;
+/// Bytes of other streams that may lie before the first frame.
+constexpr std::int64_t kMaxBytesBeforeFirst = std::int64_t{1} << 28;
+/// A decoder that fails more often than this after the last packet is at its end.
+constexpr int kMaxFailuresAtEnd = 1000;
 
-std::string SecondsText(double seconds) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.3f s", seconds);
-  return text;
-}
-
-int RotationOf(const AVStream& stream) {
-  const auto* matrix = reinterpret_cast<const std::int32_t*>(
-      av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, nullptr));
-  if (matrix == nullptr) return 0;
-  const double degrees = -av_display_rotation_get(matrix);
-  return std::isnan(degrees) ? 0 : static_cast<int>(std::lround(degrees) + 360) % 360;
-}
-
-std::string OtherCodecs(const ClipInput& input) {
-  std::string names;
-  for (unsigned i = 0; i < input.container->nb_streams; ++i) {
-    const AVStream& stream = *input.container->streams[i];
-    if (&stream == input.video) continue;
-    if (!names.empty()) names += ", ";
-    names += avcodec_get_name(stream.codecpar->codec_id);
-  }
-  return names;
-}
-
-std::string DynamicMetadataOf(const AVFrame& frame) {
-  std::string names;
-  if (av_frame_get_side_data(&frame, AV_FRAME_DATA_DOVI_METADATA) != nullptr) {
-    names = "Dolby Vision";
-  }
-  if (av_frame_get_side_data(&frame, AV_FRAME_DATA_DYNAMIC_HDR_PLUS) != nullptr) {
-    names += names.empty() ? "HDR10+" : " and HDR10+";
-  }
-  return names;
-}
-
-double DurationOf(const ClipInput& input) {
-  if (input.video->duration > 0) {
-    return static_cast<double>(input.video->duration) * av_q2d(input.video->time_base);
-  }
-  const std::int64_t duration = input.container->duration;
-  return duration > 0 ? static_cast<double>(duration) / AV_TIME_BASE : 0.0;
-}
-
-AVRational RateOf(const AVStream& stream) {
-  if (stream.avg_frame_rate.num > 0) return stream.avg_frame_rate;
-  return stream.r_frame_rate.num > 0 ? stream.r_frame_rate : AVRational{0, 1};
-}
-
-ClipInfo Describe(const ClipInput& input, const AVFrame& first) {
-  const auto format = static_cast<AVPixelFormat>(first.format);
-  ClipInfo info;
-  info.container = input.container->iformat->name;
-  info.codec = avcodec_get_name(input.video->codecpar->codec_id);
-  info.pixelFormat = av_get_pix_fmt_name(format);
-  info.width = first.width;
-  info.height = first.height;
-  info.bits = av_pix_fmt_desc_get(format)->comp[0].depth;
-  info.frameRate = RateOf(*input.video);
-  info.seconds = DurationOf(input);
-  info.frames = input.video->nb_frames > 0 ? input.video->nb_frames
-                                           : std::llround(info.seconds * av_q2d(info.frameRate));
-  info.rotation = RotationOf(*input.video);
-  info.audio = OtherCodecs(input);
-  info.dynamicMetadata = DynamicMetadataOf(first);
-  info.tags = TagsOf(first, *input.video);
-  return info;
+AvPacketPtr Clone(const AVPacket& packet) {
+  AvPacketPtr clone(av_packet_clone(&packet));
+  if (clone == nullptr) throw std::bad_alloc();
+  return clone;
 }
 
 }  // namespace
 
 ClipReader::ClipReader(fs::path path, const FrameIndex* index, std::int64_t firstFrame,
-                       DamagePolicy policy)
+                       DamagePolicy policy, std::int64_t maxPixels)
     : path_(std::move(path)),
       policy_(policy),
       index_(index),
       firstFrame_(firstFrame),
       firstPacket_(index == nullptr ? 0 : index->FirstPacketFor(firstFrame)),
-      input_(OpenClipInput(path_)),
-      packet_(MakeAvPacket()) {
-  OpenDecoder();
-  complaintsBefore_ = DecoderComplaints();
-  ahead_ = Decode();
-  if (ahead_ == nullptr) {
-    throw CommandError(ExitCode::CannotRead,
-                       path_.string() + ": " +
-                           (damage_.places > 0 ? "no frame can be decoded: " + damage_.first
-                                               : std::string("it has no frames")) +
-                           "; check that it is whole");
-  }
-  info_ = Describe(input_, *ahead_);
+      input_(OpenClipInput(path_, maxPixels)),
+      watch_(input_),
+      packet_(MakeAvPacket()),
+      inFlight_(input_.video->codecpar->codec_id),
+      keySeen_(!CanBeginAnywhere(input_)) {
+  OpenDecoder(maxPixels);
+  DecodeFirst();
+  info_ = DescribeClip(input_, *ahead_->samples);
 }
 
-void ClipReader::OpenDecoder() {
+void ClipReader::OpenDecoder(std::int64_t maxPixels) {
   const AVCodecParameters& parameters = *input_.video->codecpar;
   const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
   const std::string name = avcodec_get_name(parameters.codec_id);
@@ -125,9 +56,11 @@ void ClipReader::OpenDecoder() {
   if (decoder_ == nullptr) throw std::bad_alloc();
   decoder_->thread_count = 0;
   decoder_->pkt_timebase = input_.video->time_base;
+  decoder_->opaque = &decoderComplaints_;
   decoder_->err_recognition = AV_EF_CRCCHECK | AV_EF_BITSTREAM | AV_EF_BUFFER;
   if (policy_ == DamagePolicy::Stop) decoder_->err_recognition |= AV_EF_EXPLODE;
   int result = avcodec_parameters_to_context(decoder_.get(), &parameters);
+  decoder_->max_pixels = maxPixels;
   if (result >= 0) result = avcodec_open2(decoder_.get(), codec, nullptr);
   if (result < 0) {
     throw CommandError(ExitCode::CannotRead, path_.string() + ": the decoder for its video (" +
@@ -137,71 +70,130 @@ void ClipReader::OpenDecoder() {
   }
 }
 
-void ClipReader::OnOtherPackets(PacketHandler handler) {
-  onOther_ = std::move(handler);
-  for (const AvPacketPtr& packet : held_) onOther_(*packet);
-  held_.clear();
+void ClipReader::DecodeFirst() {
+  std::int64_t bytes = 0;
+  std::size_t counted = 0;
+  while (!ahead_ && Step()) {
+    for (; counted < others_.size(); ++counted) bytes += others_[counted]->size;
+    if (bytes <= kMaxBytesBeforeFirst) continue;
+    damage_.Note("no picture comes in " + std::to_string(bytes) + " bytes of other streams");
+    break;
+  }
+  if (ahead_) return;
+  throw CommandError(ExitCode::CannotRead,
+                     path_.string() + ": " +
+                         (damage_.places > 0 ? "no frame can be decoded: " + damage_.first
+                                             : std::string("it has no frames")) +
+                         "; check that it is whole");
+}
+
+std::optional<ClipItem> ClipReader::NextItem() {
+  do {
+    if (!others_.empty()) {
+      AvPacketPtr packet = std::move(others_.front());
+      others_.pop_front();
+      return packet;
+    }
+    if (ahead_) {
+      ClipFrame frame = *std::exchange(ahead_, std::nullopt);
+      if (frame.number >= firstFrame_) return frame;
+    }
+  } while (Step() || !others_.empty() || ahead_);
+  return std::nullopt;
 }
 
 std::optional<ClipFrame> ClipReader::Next() {
-  while (ahead_ != nullptr) {
-    const std::shared_ptr<AVFrame> frame = std::exchange(ahead_, nullptr);
-    const std::int64_t number = numberAhead_;
-    if (!StopsFor(0) || ended_) ahead_ = Decode();
-    if (number >= firstFrame_) return ClipFrame{frame, number, frame->pts};
+  while (auto item = NextItem()) {
+    // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
+    if (auto* frame = std::get_if<ClipFrame>(&*item)) return std::move(*frame);
   }
   return std::nullopt;
 }
 
-void ClipReader::PassOtherPackets(double until) {
-  // How far streams may lag behind each other in a file.
-  constexpr double kSlackSeconds = 10.0;
-  while (!ended_ && ReadPacket(input_, *packet_) >= 0) {
+AvPacketPtr ClipReader::NextPacket(double until) {
+  while (others_.empty() && !ended_ && !stopped_) {
+    if (ReadPacket(input_, *packet_) < 0) return nullptr;
     const AVStream& stream = *input_.container->streams[packet_->stream_index];
     const double seconds = static_cast<double>(packet_->dts) * av_q2d(stream.time_base);
-    if (packet_->dts != AV_NOPTS_VALUE && seconds > until + kSlackSeconds) return;
-    if (&stream != input_.video) Handle(*packet_);
+    if (packet_->dts != AV_NOPTS_VALUE && seconds > until + kSlackSeconds) return nullptr;
+    Look(*packet_);
+    if (&stream != input_.video) others_.push_back(Clone(*packet_));
+  }
+  if (others_.empty()) return nullptr;
+  AvPacketPtr packet = std::move(others_.front());
+  others_.pop_front();
+  return packet;
+}
+
+void ClipReader::CountDamage(const std::function<bool()>& isStopped) {
+  policy_ = DamagePolicy::GoOn;
+  stopped_ = false;
+  if (ended_ && !atEnd_) {
+    avcodec_flush_buffers(decoder_.get());
+    inFlight_ = FramesInFlight(decoder_->codec_id);
+    ended_ = false;
+    keySeen_ = false;
+  }
+  while (!isStopped() && Step()) {
+    ahead_.reset();
+    others_.clear();
   }
 }
 
-void ClipReader::CountDamage() {
-  while (Decode() != nullptr || FeedDecoder()) {
-  }
-}
-
-/// The next frame with its time stamp; null at the end and at a damaged place.
-std::shared_ptr<AVFrame> ClipReader::Decode() {
+/// Takes a frame out of the decoder or, where it has none, reads a packet. False at the end, and
+/// where damage stops the clip.
+bool ClipReader::Step() {
+  if (stopped_) return false;
   AvFramePtr frame = MakeAvFrame();
-  const std::int64_t places = damage_.places;
-  for (;;) {
-    const int result = avcodec_receive_frame(decoder_.get(), frame.get());
-    if (result == 0) break;
-    if (result == AVERROR_EOF) return nullptr;
-    if (result != AVERROR(EAGAIN)) NoteDamage("a picture cannot be decoded");
-    if (StopsFor(places)) return nullptr;
-    FeedDecoder();
-    if (StopsFor(places) && !ended_) return nullptr;
+  const int result = avcodec_receive_frame(decoder_.get(), frame.get());
+  if (result == 0) {
+    TakeFrame(std::move(frame));
+    return true;
   }
-  frame->pts = frame->best_effort_timestamp;
-  numberAhead_ = NumberOf(*frame);
-  ++decoded_;
-  if (!IsDamaged(*frame)) return frame;
-  NoteDamage("frame " + std::to_string(numberAhead_) + " or one soon after it is decoded with " +
-             "errors (" + LastDecoderComplaint() + ")");
-  return policy_ == DamagePolicy::Stop ? nullptr : std::move(frame);
+  if (result == AVERROR(EAGAIN) && !ended_) {
+    ReadOn();
+    return true;
+  }
+  if (result == AVERROR_EOF || result == AVERROR(EAGAIN)) {
+    FinishFrames();
+    return false;
+  }
+  ++undecoded_;
+  NoteDamageAndStop("a picture cannot be decoded (" + AvErrorText(result) + ")");
+  return !ended_ || ++failuresAtEnd_ <= kMaxFailuresAtEnd;
 }
 
-bool ClipReader::StopsFor(std::int64_t placesBefore) const {
-  return policy_ == DamagePolicy::Stop && damage_.places != placesBefore;
+void ClipReader::TakeFrame(AvFramePtr frame) {
+  const std::int64_t lost = inFlight_.Receive(*frame);
+  frame->pts = frame->best_effort_timestamp;
+  const std::int64_t number = NumberOf(*frame);
+  ++decoded_;
+  const bool damaged = number >= firstFrame_ && IsDamaged(*frame);
+  if (damaged) {
+    NoteDamageAndStop("frame " + std::to_string(number) + " or one soon after it is decoded with " +
+                      "errors (" + decoderComplaints_.Last() + ")");
+  } else if (index_ == nullptr || number > firstFrame_) {
+    NoteLost(lost, "before frame " + std::to_string(number));
+  }
+  // What comes before the first frame may lack the pictures that it was coded from.
+  complaintsBefore_ = decoderComplaints_.Count();
+  if (stopped_) return;
+  const std::int64_t pts = frame->pts;
+  ahead_ = ClipFrame{std::move(frame), number, pts};
+}
+
+void ClipReader::FinishFrames() {
+  if (stopped_ || !atEnd_) return;
+  const bool complained = decoderComplaints_.Count() != complaintsBefore_;
+  if (complained && damage_.places == 0) {
+    NoteDamageAndStop("the end is decoded with errors (" + decoderComplaints_.Last() + ")");
+  }
+  NoteLost(inFlight_.Finish(), "at the end");
 }
 
 bool ClipReader::IsDamaged(const AVFrame& frame) {
-  const std::int64_t complaints = DecoderComplaints();
-  const bool complained = complaints != complaintsBefore_;
-  complaintsBefore_ = complaints;
-  // What comes before the first frame may lack the pictures that it was coded from.
-  if (numberAhead_ < firstFrame_) return false;
-  return complained || frame.decode_error_flags != 0 || (frame.flags & AV_FRAME_FLAG_CORRUPT) != 0;
+  return decoderComplaints_.Count() != complaintsBefore_ || frame.decode_error_flags != 0 ||
+         (frame.flags & AV_FRAME_FLAG_CORRUPT) != 0;
 }
 
 std::int64_t ClipReader::NumberOf(const AVFrame& frame) {
@@ -209,84 +201,63 @@ std::int64_t ClipReader::NumberOf(const AVFrame& frame) {
   return index_->FrameAt(frame.pts).value_or(decoded_);
 }
 
-/// Gives the decoder one packet of the video, or the end. False when the end was given before.
-bool ClipReader::FeedDecoder() {
-  if (ended_) return false;
-  for (;;) {
-    const int result = ReadPacket(input_, *packet_);
-    if (result < 0) {
-      FinishInput(result);
-      return true;
-    }
-    if (packet_->stream_index == input_.video->index) break;
-    Handle(*packet_);
+/// Reads a packet, and gives the decoder what is for it.
+void ClipReader::ReadOn() {
+  const int result = ReadPacket(input_, *packet_);
+  if (result < 0) return FinishInput(result);
+  const std::int64_t ordinal = watch_.VideoPackets();
+  Look(*packet_);
+  if (packet_->stream_index != input_.video->index) {
+    others_.push_back(Clone(*packet_));
+  } else {
+    TakeVideo(*packet_, ordinal);
   }
-  SendVideo(*packet_);
-  return true;
 }
 
-void ClipReader::Handle(const AVPacket& packet) {
-  const AVStream& stream = *input_.container->streams[packet.stream_index];
-  if (packet.pts != AV_NOPTS_VALUE) {
-    endSeconds_ = std::max(
-        endSeconds_, static_cast<double>(packet.pts + packet.duration) * av_q2d(stream.time_base));
-  }
-  if (&stream == input_.video) return;
-  if (onOther_) {
-    onOther_(packet);
-    return;
-  }
-  AvPacketPtr held(av_packet_clone(&packet));
-  if (held == nullptr) throw std::bad_alloc();
-  held_.push_back(std::move(held));
+/// What the decoder got before a damaged place is whole, and comes out still.
+void ClipReader::Look(const AVPacket& packet) {
+  const std::string wrong = watch_.Look(packet);
+  if (wrong.empty()) return;
+  damage_.Note(wrong);
+  if (policy_ == DamagePolicy::Stop) EndInput();
 }
 
-void ClipReader::SendVideo(const AVPacket& packet) {
-  Handle(packet);
-  const std::int64_t ordinal = videoPackets_++;
-  if (ordinal < firstPacket_) return;
-  const std::string name = "video packet " + std::to_string(ordinal);
-  if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0) {
-    NoteDamage(name + " is cut short");
-    EndInput();
-    return;
-  }
+void ClipReader::TakeVideo(const AVPacket& packet, std::int64_t ordinal) {
+  if (ordinal < firstPacket_ || ended_) return;
+  keySeen_ = keySeen_ || (packet.flags & AV_PKT_FLAG_KEY) != 0;
+  if (keySeen_) SendVideo(packet, "video packet " + std::to_string(ordinal));
+}
+
+void ClipReader::SendVideo(const AVPacket& packet, const std::string& name) {
   const int result = avcodec_send_packet(decoder_.get(), &packet);
   if (result < 0 && result != AVERROR_EOF) {
-    NoteDamage(name + " cannot be decoded (" + AvErrorText(result) + ")");
+    NoteDamageAndStop(name + " cannot be decoded (" + AvErrorText(result) + ")");
+  } else if (IsShown(packet)) {
+    inFlight_.Send(packet);
   }
 }
 
 /// What the decoder holds comes out still.
 void ClipReader::EndInput() {
-  ended_ = true;
+  if (std::exchange(ended_, true)) return;
   avcodec_send_packet(decoder_.get(), nullptr);
 }
 
 void ClipReader::FinishInput(int result) {
   EndInput();
-  if (result != AVERROR_EOF) {
-    NoteDamage("the file cannot be read on (" + AvErrorText(result) + ")");
-  } else if (IsCutShort()) {
-    NoteDamage("the file ends early, at " + SecondsText(endSeconds_) + " of " +
-               SecondsText(static_cast<double>(input_.container->duration) / AV_TIME_BASE));
-  }
+  atEnd_ = true;
+  const std::string wrong = watch_.LookAtEnd(result);
+  if (!wrong.empty()) damage_.Note(wrong);
 }
 
-bool ClipReader::IsCutShort() const {
-  if (videoPackets_ < input_.video->nb_frames) return true;
-  const AVFormatContext& container = *input_.container;
-  if (container.duration <= 0 ||
-      container.duration_estimation_method == AVFMT_DURATION_FROM_BITRATE) {
-    return false;
-  }
-  const double start = container.start_time == AV_NOPTS_VALUE
-                           ? 0.0
-                           : static_cast<double>(container.start_time) / AV_TIME_BASE;
-  const double end = start + static_cast<double>(container.duration) / AV_TIME_BASE;
-  return endSeconds_ + kToleratedSeconds < end;
+void ClipReader::NoteLost(std::int64_t lost, const std::string& where) {
+  const std::int64_t explained = std::min(lost, undecoded_);
+  undecoded_ -= explained;
+  if (lost == explained) return;
+  NoteDamageAndStop(where + " the decoder lost " + Counted(lost - explained, "frame"));
 }
 
-void ClipReader::NoteDamage(const std::string& what) {
-  if (damage_.places++ == 0) damage_.first = what;
+void ClipReader::NoteDamageAndStop(const std::string& what) {
+  damage_.Note(what);
+  stopped_ = policy_ == DamagePolicy::Stop;
 }

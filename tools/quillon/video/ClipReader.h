@@ -1,33 +1,19 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <variant>
 
+#include "tools/quillon/video/ClipInfo.h"
 #include "tools/quillon/video/ClipInput.h"
-#include "tools/quillon/video/ClipTags.h"
 #include "tools/quillon/video/FrameIndex.h"
-
-/// What a clip is, as far as its head and its first frame tell.
-struct ClipInfo {
-  std::string container;    ///< FFmpeg's names, as "mov,mp4,m4a,3gp,3g2,mj2"
-  std::string codec;        ///< as "hevc"
-  std::string pixelFormat;  ///< as "yuv420p10le"
-  int width = 0;
-  int height = 0;
-  int bits = 0;
-  AVRational frameRate{0, 1};  ///< on average; 0: not told
-  double seconds = 0.0;        ///< 0: not told
-  std::int64_t frames = 0;     ///< as the container says, or guessed from rate and duration
-  int rotation = 0;            ///< degrees clockwise that players turn it by
-  std::string audio;           ///< codecs of the other streams, as "aac, ac3"
-  /// Metadata of each picture's own that is not applied: "Dolby Vision", "HDR10+", or both.
-  std::string dynamicMetadata;
-  ClipTags tags;
-};
+#include "tools/quillon/video/FramesInFlight.h"
+#include "tools/quillon/video/PacketWatch.h"
 
 /// A decoded frame.
 struct ClipFrame {
@@ -36,11 +22,8 @@ struct ClipFrame {
   std::int64_t pts = 0;     ///< in the stream's time base
 };
 
-/// What was found damaged.
-struct ClipDamage {
-  std::int64_t places = 0;
-  std::string first;  ///< one sentence on the first; empty: nothing was
-};
+/// What is read of a clip: a frame, or a packet of another stream than the video.
+using ClipItem = std::variant<ClipFrame, AvPacketPtr>;
 
 /// What becomes of a clip at a damaged place.
 enum class DamagePolicy {
@@ -48,53 +31,56 @@ enum class DamagePolicy {
   GoOn,  ///< pictures come out as the decoder patches them up
 };
 
-/// Decodes the video of a clip, frame by frame in the order in which they are shown.
+/// Decodes the video of a clip, frame by frame in the order in which they are shown. It holds a few
+/// frames and no more than the packets up to the first; nothing is called back. One thread.
 class ClipReader {
  public:
-  using PacketHandler = std::function<void(const AVPacket&)>;
-
   /// Decodes the first frame, to know its tags. With an index, numbers are the index's, and frames
   /// before `firstFrame` are passed over, decoded only as far as the ones after them need it.
-  /// Throws CommandError: not a clip, no decoder, no frame.
+  /// Throws CommandError: not a clip, no decoder, no frame, frames of more than `maxPixels`.
   explicit ClipReader(std::filesystem::path path, const FrameIndex* index = nullptr,
-                      std::int64_t firstFrame = 0, DamagePolicy policy = DamagePolicy::Stop);
+                      std::int64_t firstFrame = 0, DamagePolicy policy = DamagePolicy::Stop,
+                      std::int64_t maxPixels = kMaxClipPixels);
 
   const ClipInfo& Info() const { return info_; }
   const ClipInput& Input() const { return input_; }
   AVRational TimeBase() const { return input_.video->time_base; }
 
-  /// Is given every packet of the other streams as they come along, also those before the first
-  /// frame. To be set before the first `Next`.
-  void OnOtherPackets(PacketHandler handler);
-
-  /// Nothing at the end of the clip, and at a damaged place where the policy is to stop.
+  /// The next frame, or the next packet of another stream, in the order of the file; packets from
+  /// before the first frame too. Nothing at the end of the clip, and at a damaged place where the
+  /// policy is to stop.
+  std::optional<ClipItem> NextItem();
+  /// The next frame; packets of other streams are dropped.
   std::optional<ClipFrame> Next();
-
-  /// Gives the handler the packets of other streams up to a time in seconds; the video is passed
-  /// over.
-  void PassOtherPackets(double until);
+  /// The next packet of another stream up to a time in seconds; the video is passed over. Null:
+  /// there is none.
+  AvPacketPtr NextPacket(double until);
 
   /// What was found so far.
   const ClipDamage& Damage() const { return damage_; }
 
-  /// After `Next` gave nothing for damage: reads on to the end and counts the other places.
-  void CountDamage();
+  /// After damage stopped the clip: reads on to the end, or until `isStopped`, and counts the other
+  /// places.
+  void CountDamage(const std::function<bool()>& isStopped);
 
   /// Tags of a frame of this clip.
   ClipTags TagsOfFrame(const AVFrame& frame) const { return TagsOf(frame, *input_.video); }
 
  private:
-  void OpenDecoder();
-  std::shared_ptr<AVFrame> Decode();
-  bool FeedDecoder();
-  void SendVideo(const AVPacket& packet);
-  void FinishInput(int result);
+  void OpenDecoder(std::int64_t maxPixels);
+  void DecodeFirst();
+  bool Step();
+  void TakeFrame(AvFramePtr frame);
+  void FinishFrames();
+  void ReadOn();
+  void Look(const AVPacket& packet);
+  void TakeVideo(const AVPacket& packet, std::int64_t ordinal);
+  void SendVideo(const AVPacket& packet, const std::string& name);
   void EndInput();
+  void FinishInput(int result);
   bool IsDamaged(const AVFrame& frame);
-  bool StopsFor(std::int64_t placesBefore) const;
-  void Handle(const AVPacket& packet);
-  void NoteDamage(const std::string& what);
-  bool IsCutShort() const;
+  void NoteLost(std::int64_t lost, const std::string& where);
+  void NoteDamageAndStop(const std::string& what);
   std::int64_t NumberOf(const AVFrame& frame);
 
   std::filesystem::path path_;
@@ -103,17 +89,21 @@ class ClipReader {
   std::int64_t firstFrame_;
   std::int64_t firstPacket_;
   ClipInput input_;
+  AvComplaints decoderComplaints_;
   AvCodecPtr decoder_;
+  PacketWatch watch_;
   AvPacketPtr packet_;
-  PacketHandler onOther_;
-  std::vector<AvPacketPtr> held_;  ///< packets of other streams from before there was a handler
-  std::shared_ptr<AVFrame> ahead_;
-  std::int64_t videoPackets_ = 0;
+  FramesInFlight inFlight_;
+  std::deque<AvPacketPtr> others_;  ///< packets of other streams that nobody took yet
+  std::optional<ClipFrame> ahead_;
   std::int64_t decoded_ = 0;
-  std::int64_t numberAhead_ = 0;
   std::int64_t complaintsBefore_ = 0;
-  double endSeconds_ = 0.0;
-  bool ended_ = false;
+  std::int64_t undecoded_ = 0;  ///< failures that a frame was lost for, not yet missed
+  int failuresAtEnd_ = 0;
+  bool keySeen_;          ///< or none has to be waited for
+  bool ended_ = false;    ///< the decoder was told the end
+  bool atEnd_ = false;    ///< and it is the end of the file
+  bool stopped_ = false;  ///< by damage
   ClipDamage damage_;
   ClipInfo info_;
 };

@@ -150,6 +150,8 @@ void ClipWriter::AddStream(const ClipInput& source, const AVStream& from) {
   if (!secondVideo && fits) {
     AVStream& to = CopyStream(from, *container_);
     streamOf_[static_cast<std::size_t>(from.index)] = to.index;
+    passedNames_.resize(static_cast<std::size_t>(to.index) + 1);
+    passedNames_.back() = NameOfStream(from);
     return;
   }
   // How movie files keep their chapters, which are taken over as such.
@@ -170,6 +172,7 @@ void ClipWriter::WriteHeader() {
     options.Set("movflags", "frag_keyframe+delay_moov+default_base_moof");
   }
   container_->flags |= AVFMT_FLAG_FLUSH_PACKETS;
+  container_->error_recognition |= AV_EF_EXPLODE;  // else filters drop packets without a word
   OpenFile(path_, *container_);
   const int result = avformat_write_header(container_.get(), options.Address());
   if (result < 0) {
@@ -179,6 +182,8 @@ void ClipWriter::WriteHeader() {
                                                    ": the container does not take these streams (" +
                                                    AvErrorText(result) + "); name the output .mkv");
   }
+  // Fragments turn it off; AAC of a transport stream needs it.
+  container_->flags |= AVFMT_FLAG_AUTO_BSF;
   open_ = true;
 }
 
@@ -213,7 +218,7 @@ void ClipWriter::WriteEncoded(const AVPacket& packet, AVRational timeBase) {
   // An encoder that begins anew in the middle counts its decoding times anew, too.
   if (lastDts_ && copy->dts <= *lastDts_) copy->dts = std::min(*lastDts_ + 1, copy->pts);
   lastDts_ = copy->dts;
-  Mux(*copy);
+  Mux(copy.get());
   ++framesWritten_;
 }
 
@@ -226,23 +231,44 @@ void ClipWriter::PassOn(const AVPacket& packet) {
   copy->pos = -1;
   av_packet_rescale_ts(copy.get(), sourceTimeBases_[from],
                        container_->streams[copy->stream_index]->time_base);
-  Mux(*copy);
+  passed_.Add(*container_, *copy);
+  Mux(copy.get());
 }
 
-void ClipWriter::Mux(AVPacket& packet) {
-  const int result = av_interleaved_write_frame(container_.get(), &packet);
-  if (result < 0) FailWriting(result);
-  if (container_->pb->error < 0) FailWriting(container_->pb->error);
+/// Null: all that waits for packets of other streams.
+void ClipWriter::Mux(AVPacket* packet) {
+  int result = -1;
+  do {
+    result = av_interleaved_write_frame(container_.get(), packet);
+    if (container_->pb->error < 0) FailWriting(container_->pb->error);
+    if (result < 0) Refuse(result);
+  } while (result < 0 && packet == nullptr);
+}
+
+/// A muxer also says what it thinks of a packet that came before and waited.
+void ClipWriter::Refuse(int result) {
+  const bool ofContent = result == AVERROR_INVALIDDATA || result == AVERROR(EINVAL) ||
+                         result == AVERROR(EPERM) || result == AVERROR_PATCHWELCOME;
+  const int stream = ofContent ? passed_.FindRefused(*container_) : -1;
+  if (stream < 0) FailWriting(result);
+  refused_.Note("a packet of " + passedNames_[static_cast<std::size_t>(stream)] +
+                " does not fit the output's container (" + AvErrorText(result) + ")");
+}
+
+void ClipWriter::Flush() {
+  avcodec_send_frame(encoder_.get(), nullptr);
+  Drain();
+  Mux(nullptr);
 }
 
 void ClipWriter::Finish() {
-  avcodec_send_frame(encoder_.get(), nullptr);
-  Drain();
+  Flush();
   Abandon();
 }
 
 void ClipWriter::Abandon() {
   if (!std::exchange(open_, false)) return;
+  Mux(nullptr);
   const int result = av_write_trailer(container_.get());
   if (result < 0) FailWriting(result);
   avio_flush(container_->pb);

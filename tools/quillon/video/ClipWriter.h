@@ -9,6 +9,8 @@
 #include "tools/quillon/video/AvPictures.h"
 #include "tools/quillon/video/ClipInput.h"
 #include "tools/quillon/video/Encoding.h"
+#include "tools/quillon/video/PacketWatch.h"
+#include "tools/quillon/video/PassedPackets.h"
 
 struct CloseAvOutput {
   void operator()(AVFormatContext* context) const;
@@ -39,7 +41,13 @@ class ClipWriter {
   /// Frames that have reached the file.
   std::int64_t FramesWritten() const { return framesWritten_; }
 
-  /// Writes what the encoder still holds, and the end of the file.
+  /// Packets that were passed on and that the container refuses for what they hold; they are left
+  /// out.
+  const ClipDamage& Refused() const { return refused_; }
+
+  /// Writes what the encoder still holds; no frame can come after it.
+  void Flush();
+  /// The same, and the end of the file.
   void Finish();
   /// Ends the file with what has reached it.
   void Abandon();
@@ -49,7 +57,8 @@ class ClipWriter {
   void AddStream(const ClipInput& source, const AVStream& from);
   void WriteHeader();
   void Drain();
-  void Mux(AVPacket& packet);
+  void Mux(AVPacket* packet);
+  void Refuse(int result);
   [[noreturn]] void FailWriting(int result) const;
 
   std::filesystem::path path_;
@@ -59,6 +68,9 @@ class ClipWriter {
   AVStream* video_ = nullptr;
   std::vector<int> streamOf_;  ///< stream here of each stream of the source; -1: none
   std::vector<AVRational> sourceTimeBases_;
+  std::vector<std::string> passedNames_;  ///< by the streams here; of the source's streams
+  PassedPackets passed_;
+  ClipDamage refused_;
   AvPacketPtr packet_;
   std::int64_t framesWritten_ = 0;
   std::optional<std::int64_t> lastDts_;

@@ -1,6 +1,16 @@
 #include "tools/quillon/video/FrameIndex.h"
 
 #include <algorithm>
+#include <string>
+
+#include "tools/quillon/ExitCodes.h"
+
+namespace {
+
+/// Six days at 60 frames a second: a head that promises more is wrong.
+constexpr std::int64_t kMaxFrames = std::int64_t{1} << 25;
+
+}  // namespace
 
 void FrameIndex::Add(const AVPacket& packet, std::int64_t ordinal) {
   if (packet.pts == AV_NOPTS_VALUE) hasTimes_ = false;
@@ -10,14 +20,33 @@ void FrameIndex::Add(const AVPacket& packet, std::int64_t ordinal) {
 
 FrameIndex FrameIndex::Scan(const std::filesystem::path& path) {
   const ClipInput input = OpenClipInput(path);
-  const AvPacketPtr packet = MakeAvPacket();
   FrameIndex index;
-  std::int64_t ordinal = 0;
-  while (ReadPacket(input, *packet) >= 0) {
-    if (packet->stream_index == input.video->index) index.Add(*packet, ordinal++);
+  index.Read(input);
+  if (index.Count() > kMaxFrames) {
+    throw CommandError(ExitCode::NotSupported,
+                       path.string() + ": it has more than " + std::to_string(kMaxFrames) +
+                           " frames; map it without --frames, --chunk and --resume");
   }
   std::sort(index.shown_.begin(), index.shown_.end());
   return index;
+}
+
+void FrameIndex::Read(const ClipInput& input) {
+  const AvPacketPtr packet = MakeAvPacket();
+  PacketWatch watch(input);
+  const auto note = [this](const std::string& wrong) {
+    if (!wrong.empty()) damage_.Note(wrong);
+  };
+  bool begun = !CanBeginAnywhere(input);
+  int result = 0;
+  while (Count() <= kMaxFrames && (result = ReadPacket(input, *packet)) >= 0) {
+    const std::int64_t ordinal = watch.VideoPackets();
+    note(watch.Look(*packet));
+    if (watch.VideoPackets() == ordinal) continue;
+    begun = begun || (packet->flags & AV_PKT_FLAG_KEY) != 0;
+    if (begun) Add(*packet, ordinal);
+  }
+  if (result < 0) note(watch.LookAtEnd(result));
 }
 
 std::optional<std::int64_t> FrameIndex::FrameAt(std::int64_t pts) const {

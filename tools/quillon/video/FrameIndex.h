@@ -6,13 +6,17 @@
 #include <vector>
 
 #include "tools/quillon/video/ClipInput.h"
+#include "tools/quillon/video/PacketWatch.h"
 
 /// Where the frames of a clip lie, found by reading all its packets without decoding. Frames count
 /// from 0 in the order in which they are shown.
 class FrameIndex {
  public:
-  /// Throws CommandError.
+  /// Goes on past damage. Throws CommandError.
   static FrameIndex Scan(const std::filesystem::path& path);
+
+  /// What the container is found to lack.
+  const ClipDamage& Damage() const { return damage_; }
 
   std::int64_t Count() const { return static_cast<std::int64_t>(shown_.size()); }
   /// The frame of a time stamp; nothing where none has it, or the clip has no time stamps.
@@ -28,9 +32,11 @@ class FrameIndex {
     std::int64_t pts;
     std::int64_t ordinal;
   };
+  void Read(const ClipInput& input);
   void Add(const AVPacket& packet, std::int64_t ordinal);
 
   std::vector<std::int64_t> shown_;  ///< time stamps in rising order
   std::vector<KeyPacket> keys_;      ///< in the order of the file
   bool hasTimes_ = true;
+  ClipDamage damage_;
 };
