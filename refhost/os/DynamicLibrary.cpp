@@ -10,6 +10,7 @@ namespace {
 /// The name of a Windows library here; others are taken as they are.
 std::string NameHere(std::wstring_view name) {
   if (name == L"nvcuda.dll") return "libcuda.so.1";
+  if (name == L"OpenCL.dll") return "libOpenCL.so.1";
   std::string narrow;
   for (const wchar_t c : name) {
     if (c > 0x7F) return {};

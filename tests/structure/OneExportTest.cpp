@@ -30,3 +30,12 @@ TEST(OneExport, IsSoughtAmongAllDynamicSymbols) {
     return symbol.type == 'T' && symbol.name.starts_with("orvcore::debug::TraceEnabled(");
   }));
 }
+
+TEST(Exports, OfDevicesHaveNoFunctionOfOpenCl) {
+  const std::vector<Symbol> symbols = ReadDynamicSymbols(QUILLON_IRONLANE_LIBRARY);
+  EXPECT_GT(symbols.size(), 1U);
+  for (const Symbol& symbol : symbols) {
+    EXPECT_FALSE(symbol.name.starts_with("cl") && symbol.name.find(':') == std::string::npos)
+        << symbol.name << " would stand before the one of a program that links OpenCL itself";
+  }
+}
