@@ -58,6 +58,10 @@ if(TARGET quillon)
     ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
   set_target_properties(quillon PROPERTIES INSTALL_RPATH "$ORIGIN/${from_bin_to_lib}")
   install(TARGETS quillon RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+  get_property(modules GLOBAL PROPERTY QUILLON_MODULES)
+  set_target_properties(${modules} PROPERTIES INSTALL_RPATH "$ORIGIN/..")
+  install(TARGETS ${modules} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quillon)
 endif()
 
 # CMake package.

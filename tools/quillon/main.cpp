@@ -5,7 +5,6 @@
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/io/StillError.h"
-#include "tools/quillon/video/AvLog.h"
 
 namespace {
 
@@ -62,7 +61,6 @@ int Fail(ExitCode code, const char* message) {
 
 /// Every failure ends as one line and an exit code.
 int main(int argc, char** argv) {
-  QuietAvLog();
   try {
     return static_cast<int>(RunCommandLine(argc, argv));
   } catch (const CommandError& error) {

@@ -11,9 +11,11 @@
 
 namespace fs = std::filesystem;
 
-pid_t StartQuillon(const std::vector<std::string>& arguments, const fs::path& out,
-                   const fs::path& err) {
-  std::vector<std::string> words = {QUILLON_EXECUTABLE};
+namespace {
+
+pid_t Start(const fs::path& program, const std::vector<std::string>& arguments, const fs::path& out,
+            const fs::path& err) {
+  std::vector<std::string> words = {program};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
   argv.reserve(words.size() + 1);
@@ -33,6 +35,13 @@ pid_t StartQuillon(const std::vector<std::string>& arguments, const fs::path& ou
   return process;
 }
 
+}  // namespace
+
+pid_t StartQuillon(const std::vector<std::string>& arguments, const fs::path& out,
+                   const fs::path& err) {
+  return Start(QUILLON_EXECUTABLE, arguments, out, err);
+}
+
 int WaitFor(pid_t process) {
   int status = 0;
   waitpid(process, &status, 0);
@@ -40,8 +49,12 @@ int WaitFor(pid_t process) {
 }
 
 RunResult RunQuillon(const std::vector<std::string>& arguments) {
+  return RunProgram(QUILLON_EXECUTABLE, arguments);
+}
+
+RunResult RunProgram(const fs::path& program, const std::vector<std::string>& arguments) {
   const ScratchFolder streams;
-  const int exitCode = WaitFor(StartQuillon(arguments, streams / "out", streams / "err"));
+  const int exitCode = WaitFor(Start(program, arguments, streams / "out", streams / "err"));
   return {exitCode, ReadFile(streams / "out"), ReadFile(streams / "err")};
 }
 

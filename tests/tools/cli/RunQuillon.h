@@ -24,6 +24,9 @@ int WaitFor(pid_t process);
 
 /// Runs the built `quillon` with these arguments.
 RunResult RunQuillon(const std::vector<std::string>& arguments);
+/// Runs another program, as a copy of it that lies elsewhere.
+RunResult RunProgram(const std::filesystem::path& program,
+                     const std::vector<std::string>& arguments);
 
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const std::string& bytes);

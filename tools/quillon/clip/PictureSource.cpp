@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tools/quillon/clip/ClipSource.h"
+#include "tools/quillon/clip/OpenClip.h"
 #include "tools/quillon/clip/SequenceSource.h"
 #include "tools/quillon/clip/SinglePicture.h"
 #include "tools/quillon/io/Still.h"
@@ -26,12 +26,12 @@ std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
     return std::make_unique<SequenceSource>(std::move(*name), sequenceRate, first);
   }
   if (IsStill(path)) return std::make_unique<SinglePicture>(path);
-  return std::make_unique<ClipSource>(path, index, first, policy);
+  return OpenClip(path, index, first, policy);
 }
 
 std::int64_t CountPictures(const std::filesystem::path& path) {
   if (const auto name = SequenceName::Parse(path)) {
     return static_cast<std::int64_t>(name->ExistingNumbers().size());
   }
-  return IsStill(path) ? 1 : FrameIndex::Scan(path).Count();
+  return IsStill(path) ? 1 : CountClipFrames(path);
 }

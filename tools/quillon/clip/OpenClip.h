@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+#include "tools/quillon/clip/PictureSource.h"
+
+/// The pictures of a clip; see `OpenPictures`. Throws CommandError.
+std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const FrameIndex* index,
+                                        std::int64_t first, DamagePolicy policy);
+
+/// How many frames a clip has, counted one by one. Throws CommandError.
+std::int64_t CountClipFrames(const std::filesystem::path& path);

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "tools/quillon/io/StillEncoders.h"
+#include "tools/quillon/io/StillReaders.h"
+
+/// The module `avif`: all that calls libavif, which brings several codecs.
+struct AvifModule {
+  decltype(&ReadAvif) read;
+  decltype(&EncodeAvif) encode;
+};

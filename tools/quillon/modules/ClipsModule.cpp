@@ -1,0 +1,9 @@
+#include "tools/quillon/modules/Clips.h"
+#include "tools/quillon/modules/LoadModule.h"
+#include "tools/quillon/video/AvLog.h"
+
+extern "C" const void* QuillonModule() {
+  QuietAvLog();
+  static constexpr ClipsModule kTable = {MapClip, OpenClip, CountClipFrames, WriteChartClip};
+  return &kTable;
+}

@@ -1,0 +1,26 @@
+#include "tools/quillon/modules/Clips.h"
+#include "tools/quillon/modules/LoadModule.h"
+
+namespace {
+
+const ClipsModule& Clips() {
+  static const auto& kModule = LoadModule<ClipsModule>("clips", "clips and image sequences");
+  return kModule;
+}
+
+}  // namespace
+
+void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) {
+  Clips().mapClip(options, out, notes);
+}
+
+std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const FrameIndex* index,
+                                        std::int64_t first, DamagePolicy policy) {
+  return Clips().openClip(path, index, first, policy);
+}
+
+std::int64_t CountClipFrames(const std::filesystem::path& path) {
+  return Clips().countClipFrames(path);
+}
+
+ChartClipLight WriteChartClip(const ChartClip& clip) { return Clips().writeChartClip(clip); }
