@@ -28,7 +28,8 @@ class BoundedQueue {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] { return finished_ || !items_.empty(); });
     if (items_.empty()) return std::nullopt;
-    std::optional<Item> item(std::move(items_.front()));
+    std::optional<Item> item;
+    item.emplace(std::move(items_.front()));
     items_.pop_front();
     changed_.notify_all();
     return item;

@@ -51,7 +51,7 @@ std::int64_t ClipSource::TimeOf(std::int64_t number) const {
 std::optional<SourceItem> ClipSource::NextItem() {
   auto item = reader_.NextItem();
   if (!item) return std::nullopt;
-  if (auto* packet = std::get_if<AvPacketPtr>(&*item)) return std::move(*packet);
+  if (auto* packet = std::get_if<AvPacketPtr>(&*item)) return SourcePacket(std::move(*packet));
   return Show(std::get<ClipFrame>(*item));
 }
 

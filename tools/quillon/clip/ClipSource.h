@@ -17,7 +17,7 @@ class ClipSource : public PictureSource {
   AVRational TimeBase() const override { return reader_.TimeBase(); }
   const ClipInput* Input() const override { return &reader_.Input(); }
   std::optional<SourceItem> NextItem() override;
-  AvPacketPtr NextPacket(double until) override { return reader_.NextPacket(until); }
+  SourcePacket NextPacket(double until) override { return reader_.NextPacket(until); }
   ClipDamage Damage() const override { return reader_.Damage(); }
   void CountDamage(const std::function<bool()>& isStopped) override {
     if (Damage().places > 0) reader_.CountDamage(isStopped);

@@ -14,7 +14,8 @@
 #include "tools/quillon/video/Encoding.h"
 
 /// What a source gives: a picture, or a packet of another stream of its clip.
-using SourceItem = std::variant<ClipPicture, AvPacketPtr>;
+using SourcePacket = std::shared_ptr<AVPacket>;
+using SourceItem = std::variant<ClipPicture, SourcePacket>;
 
 /// Where pictures come from, one after another in the order in which they are shown: a clip, an
 /// image sequence, or a still. One thread.
@@ -34,7 +35,7 @@ class PictureSource {
   /// The next picture; packets are dropped.
   std::optional<ClipPicture> Next();
   /// See `ClipReader::NextPacket`.
-  virtual AvPacketPtr NextPacket(double /*until*/) { return nullptr; }
+  virtual SourcePacket NextPacket(double /*until*/) { return nullptr; }
   /// What was found damaged so far.
   virtual ClipDamage Damage() const { return {}; }
   /// Where damage ended the pictures: reads on, until `isStopped`, to find the rest of it.

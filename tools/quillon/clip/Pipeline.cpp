@@ -18,7 +18,7 @@ struct Mapped {
   MappedPicture picture;
   ClipPicture source;
 };
-using Output = std::variant<Mapped, AvPacketPtr>;
+using Output = std::variant<Mapped, SourcePacket>;
 
 class Pipeline {
  public:
@@ -60,7 +60,7 @@ class Pipeline {
         work_.selection.Last().value_or(std::numeric_limits<std::int64_t>::max());
     while (auto next = work_.source.NextItem()) {
       // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
-      if (auto* packet = std::get_if<AvPacketPtr>(&*next)) {
+      if (auto* packet = std::get_if<SourcePacket>(&*next)) {
         if (!PassOn(std::move(*packet))) return;
         continue;
       }
@@ -74,7 +74,7 @@ class Pipeline {
   }
 
   void ReadPacketsOfTheLastPicture() {
-    while (AvPacketPtr packet = work_.source.NextPacket(work_.times.EndSeconds())) {
+    while (SourcePacket packet = work_.source.NextPacket(work_.times.EndSeconds())) {
       if (!PassOn(std::move(packet))) return;
     }
   }
@@ -84,7 +84,7 @@ class Pipeline {
   }
 
   /// False when nothing is written any more.
-  bool PassOn(AvPacketPtr packet) {
+  bool PassOn(SourcePacket packet) {
     const AVStream& stream = *work_.source.Input()->container->streams[packet->stream_index];
     return !work_.times.Move(*packet, stream.time_base) || outputs_.Push(std::move(packet));
   }
@@ -120,7 +120,7 @@ class Pipeline {
     if (auto* mapped = std::get_if<Mapped>(&output)) {
       work_.sink.Write(std::move(mapped->picture), mapped->source);
     } else {
-      work_.sink.PassOn(*std::get<AvPacketPtr>(output));
+      work_.sink.PassOn(*std::get<SourcePacket>(output));
     }
   }
 
