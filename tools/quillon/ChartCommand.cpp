@@ -1,14 +1,16 @@
 #include <CLI/CLI.hpp>
-#include <charconv>
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <vector>
 
 #include "tools/quillon/ChartClip.h"
 #include "tools/quillon/ChartScene.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/Frames.h"
 #include "tools/quillon/LightLevels.h"
+#include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/io/WriteStill.h"
 
@@ -28,17 +30,17 @@ struct ChartOptions {
 
 void ParseSize(const std::string& text, ChartOptions& options) {
   constexpr int kLargestSide = 16384;
-  const auto read = [&](std::string_view part, int& side) {
-    const auto [rest, error] = std::from_chars(part.data(), part.data() + part.size(), side);
-    return error == std::errc() && rest == part.data() + part.size() && side >= 1 &&
-           side <= kLargestSide;
-  };
   const std::string_view view = text;
-  const std::size_t cross = view.find('x');
-  if (cross == std::string_view::npos || !read(view.substr(0, cross), options.width) ||
-      !read(view.substr(cross + 1), options.height)) {
-    throw CLI::ValidationError("--size", "'" + text + "' is not a size such as 1920x1080");
+  const std::size_t cross = std::min(view.find('x'), view.size() - 1);
+  const auto width = ParseNumberIn(view.substr(0, cross), 1, kLargestSide);
+  const auto height = ParseNumberIn(view.substr(cross + 1), 1, kLargestSide);
+  if (!width || !height) {
+    throw CLI::ValidationError("--size", "'" + text +
+                                             "' is not a size such as 1920x1080, at most " +
+                                             std::to_string(kLargestSide) + " a side");
   }
+  options.width = *width;
+  options.height = *height;
 }
 
 void RunChartClip(const ChartOptions& options) {
@@ -88,10 +90,11 @@ Subcommand AddChartCommand(CLI::App& app) {
       chart.add_flag("--video", options->video, "Write a clip in HDR10: a day and a night scene");
   chart.add_flag("--hlg", options->hlg, "Write the clip in BT.2100 HLG, to 1000 nits")
       ->needs(video);
-  chart.add_option("--frames", options->frames, "Frames of the clip")
-      ->check(CLI::Range(1, 100000))
-      ->capture_default_str()
+  AddNumber(chart, "--frames", options->frames, 1, 100000, "COUNT", "Frames of the clip")
       ->needs(video);
   chart.add_flag("--overwrite", options->overwrite, "Replace an output that exists");
-  return [options] { RunChart(*options); };
+  return [options] {
+    RunChart(*options);
+    return std::vector{options->output};
+  };
 }

@@ -25,8 +25,10 @@ namespace {
 /// One of the two clips.
 class ComparedClip {
  public:
-  ComparedClip(const ComparedFile& file, std::string suffix)
-      : file_(file), suffix_(std::move(suffix)), source_(OpenPictures(file.path, {24, 1})) {}
+  ComparedClip(const ComparedFile& file, std::string suffix, std::int64_t maxPixels)
+      : file_(file),
+        suffix_(std::move(suffix)),
+        source_(OpenPictures(file.path, {24, 1}, nullptr, 0, DamagePolicy::Stop, maxPixels)) {}
 
   /// The next picture, tagged.
   std::optional<ClipPicture> Next() {
@@ -201,8 +203,8 @@ std::optional<WorstPair> CompareAll(const CompareOptions& options, ComparedClip&
 }  // namespace
 
 void CompareClips(const CompareOptions& options) {
-  ComparedClip a(options.a, "-a");
-  ComparedClip b(options.b, "-b");
+  ComparedClip a(options.a, "-a", options.maxPixels);
+  ComparedClip b(options.b, "-b", options.maxPixels);
   Totals totals;
   const auto worst = CompareAll(options, a, b, totals);
   if (worst) WriteCompareView(options, worst->comparison, worst->a.frame, worst->b.frame);

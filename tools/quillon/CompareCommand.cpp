@@ -19,8 +19,9 @@ using orvmediatypes::color::ColorSpace;
 namespace {
 
 /// The picture, tagged.
-Still ReadCompared(const ComparedFile& file, const std::string& optionSuffix) {
-  Still still = ReadStill(file.path);
+Still ReadCompared(const ComparedFile& file, const std::string& optionSuffix,
+                   std::int64_t maxPixels) {
+  Still still = ReadStill(file.path, maxPixels);
   const auto tagged = TaggedSource(still.frame->GetColorSpace().Description(), file.source);
   RequireTags(file.path, tagged, optionSuffix);
   still.frame->SetColorSpace(ColorSpace(tagged));
@@ -65,8 +66,8 @@ void PrintTable(std::ostream& out, const CompareOptions& options, const Comparis
 }
 
 void CompareStills(const CompareOptions& options) {
-  const Still a = ReadCompared(options.a, "-a");
-  const Still b = ReadCompared(options.b, "-b");
+  const Still a = ReadCompared(options.a, "-a", options.maxPixels);
+  const Still b = ReadCompared(options.b, "-b", options.maxPixels);
   if (!options.quiet) {
     NoteRemarks(std::cerr, options.a, a, options.settings.white);
     NoteRemarks(std::cerr, options.b, b, options.settings.white);
@@ -84,11 +85,13 @@ void CompareStills(const CompareOptions& options) {
 
 void RunCompare(const CompareOptions& options) {
   CheckCompareOptions(options);
+  const InputKind a = RequireInput(options.a.path);
+  const InputKind b = RequireInput(options.b.path);
   CheckCompareTargets(options);
-  if (IsClipOrSequence(options.a.path) || IsClipOrSequence(options.b.path)) {
-    CompareClips(options);
-  } else {
+  if (a == InputKind::Still && b == InputKind::Still) {
     CompareStills(options);
+  } else {
+    CompareClips(options);
   }
 }
 
@@ -101,11 +104,8 @@ void AddViewOptions(CLI::App& compare, CompareOptions& options) {
             "What to draw (side-by-side when not given): A beside B; the left of A and the right "
             "of B; delta-E ITP in false colours; what is clipped or out of gamut")
       ->needs(output);
-  compare
-      .add_option("--split", options.splitShare,
-                  "Share of the width that --view split gives A (0.5 when not given)")
-      ->check(NumberIn(0.0, 1.0))
-      ->type_name("SHARE")
+  AddNumber(compare, "--split", options.splitShare, 0.0, 1.0, "SHARE",
+            "Share of the width that --view split gives A (0.5 when not given)")
       ->needs(output);
 }
 
@@ -117,16 +117,13 @@ void AddOptions(CLI::App& compare, CompareOptions& options) {
       ->type_name("FILE|-");
   AddChoice(compare, "--gamut", kComparedGamuts, options.settings.gamutPrimaries,
             "Gamut that colours are counted as out of (bt2020 when not given)");
-  compare
-      .add_option("--white", options.settings.white,
-                  "Luminance of graphics white in nits: 1.0 of SDR and of scene-linear pictures")
-      ->check(CLI::Range(1, 10000))
-      ->type_name("NITS")
-      ->capture_default_str();
+  AddWhiteOption(compare, options.settings.white,
+                 "Luminance of graphics white in nits: 1.0 of SDR and of scene-linear pictures");
   AddSourceOptions(compare, options.a.source.colors, options.a.source.tellsMatrix, "-a",
                    "Colour space of A, in place of what its tags say");
   AddSourceOptions(compare, options.b.source.colors, options.b.source.tellsMatrix, "-b",
                    "Colour space of B, in place of what its tags say");
+  AddMaxPixelsOption(compare, options.maxPixels);
   AddOutputOptions(compare, options.overwrite, options.quiet);
 }
 
@@ -148,5 +145,8 @@ Subcommand AddCompareCommand(CLI::App& app) {
       "  quillon compare master.avif copy.png\n"
       "  quillon compare --view delta-e master.avif copy.png difference.png\n"
       "  quillon compare --json - --gamut bt709 master.exr graded.exr");
-  return [options] { RunCompare(*options); };
+  return [options] {
+    RunCompare(*options);
+    return options->Written();
+  };
 }

@@ -9,9 +9,20 @@ std::string_view ComparedGamutName(std::uint8_t primaries) {
   return {};
 }
 
+std::vector<std::filesystem::path> CompareOptions::Written() const {
+  std::vector<std::filesystem::path> files;
+  if (!output.empty()) files.push_back(output);
+  if (WritesJson()) files.push_back(json);
+  return files;
+}
+
 void CheckCompareOptions(const CompareOptions& options) {
   if (options.splitShare && options.view != CompareView::Split) {
     throw CommandError(ExitCode::Usage, "--split has no effect without --view split");
+  }
+  if (options.overwrite && options.Written().empty()) {
+    throw CommandError(ExitCode::Usage,
+                       "--overwrite has no effect where no file is written; leave it out");
   }
   if (options.WritesJson() && options.json == options.output) {
     throw CommandError(ExitCode::Usage, "the view and the figures cannot be one file");

@@ -5,11 +5,13 @@
 #include <filesystem>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "tools/quillon/Choice.h"
 #include "tools/quillon/Compare.h"
 #include "tools/quillon/CompareViews.h"
 #include "tools/quillon/SourceTags.h"
+#include "tools/quillon/io/Still.h"
 
 /// What `--gamut` of `quillon compare` takes: ITU-T H.273 primaries.
 inline constexpr std::array<Choice<std::uint8_t>, 3> kComparedGamuts = {
@@ -35,11 +37,14 @@ struct CompareOptions {
   std::optional<double> splitShare;
   /// Where the figures go as JSON; empty: nowhere; "-": standard output, in place of the table.
   std::filesystem::path json;
+  std::int64_t maxPixels = kDefaultMaxPixels;  ///< of each picture
   bool overwrite = false;
   bool quiet = false;
 
   bool PrintsJson() const { return json == "-"; }
   bool WritesJson() const { return !json.empty() && !PrintsJson(); }
+  /// The files that are written.
+  std::vector<std::filesystem::path> Written() const;
 };
 
 /// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.

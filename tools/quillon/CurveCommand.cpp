@@ -88,5 +88,8 @@ Subcommand AddCurveCommand(CLI::App& app) {
       "  quillon curve curves.svg\n"
       "  quillon curve --peak 4000 --algorithm hue --algorithm bt2446a curves.png curves.csv\n"
       "  quillon curve --to bt2100-pq --target-peak 600 --peak 4000 --hue curves.svg");
-  return [options] { RunCurve(*options); };
+  return [options] {
+    RunCurve(*options);
+    return options->outputs;
+  };
 }

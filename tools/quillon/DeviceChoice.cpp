@@ -2,24 +2,18 @@
 
 #include <CLI/CLI.hpp>
 #include <array>
-#include <charconv>
 #include <string_view>
 #include <utility>
 
 #include "refhost/ironlane/Devices.h"
 #include "tools/quillon/EngineMessages.h"
 #include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/Numbers.h"
 
 namespace {
 
 constexpr std::array<std::pair<std::string_view, DeviceChoice::Kind>, 2> kNumbered = {
     {{"opencl:", DeviceChoice::Kind::OpenCl}, {"cuda:", DeviceChoice::Kind::Cuda}}};
-
-bool ParseOrdinal(std::string_view text, std::int32_t& ordinal) {
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, ordinal);
-  return error == std::errc() && rest == end && ordinal >= 0;
-}
 
 IL::DeviceInfo InfoOf(const DeviceChoice& choice) {
   IL::DeviceInfo info;
@@ -45,9 +39,11 @@ DeviceChoice ParseDevice(const std::string& text) {
   if (text == "cpu") return {};
   if (text == "gpu") return {.kind = DeviceChoice::Kind::AnyGpu};
   for (const auto& [prefix, kind] : kNumbered) {
-    DeviceChoice choice{.kind = kind};
     if (!text.starts_with(prefix)) continue;
-    if (ParseOrdinal(std::string_view(text).substr(prefix.size()), choice.ordinal)) return choice;
+    const auto ordinal = ParseNumber<std::uint32_t>(std::string_view(text).substr(prefix.size()));
+    if (ordinal && std::in_range<std::int32_t>(*ordinal)) {
+      return {.kind = kind, .ordinal = static_cast<std::int32_t>(*ordinal)};
+    }
   }
   throw CLI::ValidationError("--device", "'" + text + "' is none of " + kDeviceSyntax +
                                              ", N being a number that 'quillon devices' shows");

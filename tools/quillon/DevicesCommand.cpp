@@ -73,5 +73,8 @@ void RunDevices() {
 
 Subcommand AddDevicesCommand(CLI::App& app) {
   app.add_subcommand("devices", "List the GPUs that --device takes, and whether kernels run there");
-  return [] { RunDevices(); };
+  return [] {
+    RunDevices();
+    return std::vector<std::filesystem::path>();
+  };
 }

@@ -9,6 +9,7 @@
 #include "tools/quillon/DeviceChoice.h"
 #include "tools/quillon/ResolvedToneMap.h"
 
+using orvmediatypes::color::GamutCompressionAlgorithmType;
 using orvmediatypes::color::ToneMapAlgorithmType;
 using PX::ToneMappingUtils::ToneMapSettings;
 
@@ -110,9 +111,16 @@ void ExplainPlan(std::ostream& out, const MapPlan& plan) {
 }
 
 void NoteOptionsWithoutEffect(std::ostream& notes, const MapOptions& options, const MapPlan& plan) {
-  if (plan.toneMapApplies) return;
-  if (!options.gain && !options.knee && !options.colorPreservation) return;
+  if (!plan.gamutApplies && options.gamut != GamutCompressionAlgorithmType::None) {
+    notes << "note: the destination holds every colour of the source's gamut: --gamut has no "
+             "effect\n";
+  }
+  const bool asked = options.algorithm != ToneMapAlgorithmType::Automatic &&
+                     options.algorithm != ToneMapAlgorithmType::None;
+  const bool dials = options.gain || options.knee || options.colorPreservation;
+  if (plan.toneMapApplies || (!asked && !dials)) return;
   notes << "note: the source peak (" << plan.sourcePeakNits
         << " nits), with its gain, is not above the destination's (" << plan.destinationPeakNits
-        << " nits): nothing is tone mapped, and --gain, --knee and --preserve have no effect\n";
+        << " nits): nothing is tone mapped, and --algorithm, --gain, --knee and --preserve have no "
+           "effect\n";
 }

@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <array>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -10,11 +11,10 @@
 
 namespace {
 
+constexpr std::array<Choice<int>, 3> kLutSizes = {{{"17", 17}, {"33", 33}, {"65", 65}}};
+
 void AddOptions(CLI::App& lut, LutOptions& options) {
-  lut.add_option("--size", options.size, "Points along each axis: 17, 33 or 65")
-      ->check(CLI::IsMember({17, 33, 65}))
-      ->type_name("COUNT")
-      ->capture_default_str();
+  AddChoice(lut, "--size", kLutSizes, options.size, "Points along each axis (33 when not given)");
   AddColorSpaceOptions(lut, options.map,
                        "Signal that the LUT is applied to, full-range R'G'B': bt2100-pq (when not "
                        "given) or bt2100-hlg");
@@ -44,5 +44,8 @@ Subcommand AddLutCommand(CLI::App& app) {
       "  quillon lut --peak 1000 pq-to-srgb.cube\n"
       "  quillon lut --size 65 --from bt2100-hlg --to bt709 --algorithm bt2446a hlg-to-709.cube\n"
       "  quillon lut --to bt2100-pq --target-peak 600 --peak 4000 pq-600.cube");
-  return [options] { RunLut(*options, std::cout, std::cerr); };
+  return [options] {
+    RunLut(*options, std::cout, std::cerr);
+    return std::vector{options->output};
+  };
 }

@@ -12,8 +12,10 @@
 #include "tools/quillon/MapStill.h"
 #include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/clip/AddClipOptions.h"
+#include "tools/quillon/clip/ClipRun.h"
 #include "tools/quillon/clip/MapClip.h"
 #include "tools/quillon/clip/PictureSource.h"
+#include "tools/quillon/io/WriteStill.h"
 
 namespace {
 
@@ -30,13 +32,10 @@ void ParsePeak(const std::string& text, MapOptions& options) {
     options.peakSource = PeakSource::Scenes;
     return;
   }
-  if (!ParseNits(text, options.peakNits)) {
-    throw CLI::ValidationError(
-        "--peak",
-        "'" + text +
-            "' is neither a number of nits above 0, nor 'metadata', 'measure' or 'scenes'");
+  if (!ParsePeakNumber(text, options)) {
+    throw CLI::ValidationError("--peak", "'" + text + "' is neither " + kPeakSyntax +
+                                             ", nor 'metadata', 'measure' or 'scenes'");
   }
-  options.peakSource = PeakSource::Number;
 }
 
 void AddLuminanceOptions(CLI::App& map, MapOptions& options) {
@@ -51,31 +50,53 @@ void AddLuminanceOptions(CLI::App& map, MapOptions& options) {
 }
 
 void AddRunOptions(CLI::App& map, MapOptions& options) {
-  map.add_option("--depth", options.depth,
-                 "Bits of a component in the output. PNG: 8 or 16; AVIF: 8, 10 or 12; EXR: 16 "
-                 "(half) or 32 (float); clips: what the encoder takes")
-      ->type_name("BITS");
+  AddNumber(map, "--depth", options.depth, 8, 32, "BITS",
+            "Bits of a component in the output. PNG: 8 or 16; AVIF: 8, 10 or 12; EXR: 16 (half) or "
+            "32 (float); clips: what the encoder takes");
   AddDeviceOption(map, options);
-  map.add_option("--threads", options.threads, "Threads to use (all processors when not given)")
-      ->check(CLI::Range(1, 1024))
-      ->type_name("COUNT");
+  AddNumber(map, "--threads", options.threads, 1, 1024, "COUNT",
+            "Threads to use (all processors when not given)");
+  AddMaxPixelsOption(map, options.maxPixels);
   map.add_flag("--explain", options.explain, "Print the resolved settings");
   AddOutputOptions(map, options);
 }
 
+/// A still becomes a still, what has several pictures a clip or a sequence.
+void RequireFittingOutput(const MapOptions& options, InputKind kind) {
+  const std::string in = options.input.string();
+  const std::string out = options.output.string();
+  if (kind == InputKind::Still && NamesClip(options.output)) {
+    throw CommandError(ExitCode::NotSupported, out + ": this is the name of a clip, and " + in +
+                                                   " is a still; choose .png, .exr or .avif");
+  }
+  const bool single = kind != InputKind::Still && !SequenceName::Parse(options.output);
+  if (single && NamesStill(options.output)) {
+    throw CommandError(ExitCode::NotSupported,
+                       out + ": this is the name of a still, and " + in + " is a " +
+                           (kind == InputKind::Clip ? "clip" : "sequence") +
+                           "; choose .mp4, .mov, .mkv or .webm, or a sequence such as "
+                           "frame.%05d.png");
+  }
+}
+
 void RunMap(MapOptions options, bool destinationGiven) {
-  const bool isClip = IsClipOrSequence(options.input);
-  if (!destinationGiven) options.destination = ColorSpaceOfName(isClip ? "bt709" : "srgb");
+  if (!destinationGiven) options.destination = ColorSpaceOfName("srgb");
   CheckMapOptions(options);
+  const InputKind kind = RequireInput(options.input);
+  if (!destinationGiven && kind != InputKind::Still) {
+    options.destination = ColorSpaceOfName("bt709");
+  }
+  RequireFittingOutput(options, kind);
   std::optional<tbb::global_control> limit;
   if (options.threads.has_value()) {
     limit.emplace(tbb::global_control::max_allowed_parallelism, *options.threads);
   }
-  if (isClip) {
-    MapClip(options, std::cout, std::cerr);
-  } else {
+  if (kind == InputKind::Still) {
     CheckStillOptions(options);
     MapStill(options, std::cout, std::cerr);
+  } else {
+    CheckClipOptions(options);
+    MapClip(options, std::cout, std::cerr);
   }
 }
 
@@ -107,5 +128,9 @@ Subcommand AddMapCommand(CLI::App& app) {
       "  quillon map --to bt2100-pq --target-peak 600 master.avif display.avif\n"
       "  quillon map --peak scenes --codec hevc film.mkv film-sdr.mkv\n"
       "  quillon map --frames 240-359 film.mkv frame.%05d.png");
-  return [options, &map] { RunMap(*options, map.count("--to") + map.count("--to-cicp") > 0); };
+  return [options, &map] {
+    RunMap(*options, map.count("--to") + map.count("--to-cicp") > 0);
+    const bool writes = !options->clip.dryRun;
+    return writes ? std::vector{options->output} : std::vector<std::filesystem::path>();
+  };
 }

@@ -34,12 +34,23 @@ bool HasKnee(ToneMapAlgorithmType algorithm) {
 
 void CheckMapOptions(const MapOptions& options) {
   CheckToneMapOptions(options);
+  Refuse(options.quiet && options.explain,
+         "--explain prints and --quiet prints nothing; give one of them");
   const bool hdr = options.destination.transfer == H273::kTransferPQ ||
                    options.destination.transfer == H273::kTransferHLG;
   Refuse(options.targetPeakNits.has_value() && !hdr,
          "--target-peak is for PQ and HLG destinations; an SDR destination's 1.0 is the white of "
          "--white (" +
              std::to_string(options.white) + " nits)");
+}
+
+void CheckClipOptions(const MapOptions& options) {
+  Refuse(options.quiet && options.clip.dryRun,
+         "--dry-run prints and --quiet prints nothing; give one of them");
+  Refuse(options.quiet && options.clip.progress.has_value(),
+         "--progress has no effect with --quiet; give one of them");
+  Refuse(options.explain && options.clip.dryRun,
+         "--explain has no effect with --dry-run, which explains everything; leave it out");
 }
 
 void CheckStillOptions(const MapOptions& options) {

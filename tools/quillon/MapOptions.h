@@ -8,6 +8,7 @@
 #include "host/orvmediatypes/ColorSpace.h"
 #include "tools/quillon/DeviceChoice.h"
 #include "tools/quillon/clip/ClipOptions.h"
+#include "tools/quillon/io/Still.h"
 
 /// Where the source peak comes from.
 enum class PeakSource { Default, Number, Metadata, Measure, Scenes };
@@ -35,6 +36,7 @@ struct MapOptions {
   std::optional<int> depth;
   DeviceChoice device;
   std::optional<int> threads;
+  std::int64_t maxPixels = kDefaultMaxPixels;  ///< of a picture that is read
   bool explain = false;
   bool overwrite = false;
   bool quiet = false;
@@ -47,5 +49,8 @@ bool HasKnee(orvmediatypes::color::ToneMapAlgorithmType algorithm);
 /// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
 void CheckMapOptions(const MapOptions& options);
 
-/// The same for options that are for clips alone.
+/// The same for what clips and sequences have besides.
+void CheckClipOptions(const MapOptions& options);
+
+/// The same for a still, which options for clips have no effect on.
 void CheckStillOptions(const MapOptions& options);

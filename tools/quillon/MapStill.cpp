@@ -29,8 +29,9 @@ void NoteOtherWhite(std::ostream& notes, const MapOptions& options, const Still&
 
 void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes) {
   CheckStillTarget(options.output, options.overwrite);
-  const Still still = ReadStill(options.input);
-  const MapPlan plan = PlanMap(options, still);
+  Still still = ReadStill(options.input, options.maxPixels);
+  MapPlan plan = PlanMap(options, still);
+  still.frame = {};  // memory for the encoder
   if (options.explain) ExplainPlan(out, plan);
   if (!options.quiet) {
     for (const std::string& remark : still.remarks) notes << "note: " << remark << '\n';
@@ -40,6 +41,7 @@ void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes)
 
   StillOutput output;
   output.frame = ApplyPlan(plan, options.input.string());
+  plan.source = {};
   output.settings = ColorManagementFor(options.white);
   output.light = LightOfResult(output.frame, options.white);
   output.depth = options.depth;

@@ -1,41 +1,26 @@
 #include "tools/quillon/SharedOptions.h"
 
-#include <charconv>
-#include <cmath>
+#include <limits>
 
 #include "tools/quillon/AlgorithmNames.h"
 #include "tools/quillon/ColorSpaceNames.h"
 
 namespace {
 
-constexpr double kLargestPeakNits = 1e6;
-
-void ParsePeakNumber(const std::string& text, MapOptions& options) {
-  if (!ParseNits(text, options.peakNits) || options.peakNits > kLargestPeakNits) {
-    throw CLI::ValidationError("--peak",
-                               "'" + text + "' is no number of nits above 0 and up to 1000000");
-  }
-  options.peakSource = PeakSource::Number;
-}
+constexpr int kLargestLuminance = 10000;
 
 }  // namespace
 
-CLI::Validator NumberIn(double least, double most) {
-  const CLI::Validator range = CLI::Range(least, most);
-  CLI::Validator finite(
-      [](std::string& text) {
-        double number = 0.0;
-        const bool isNan = CLI::detail::lexical_cast(text, number) && std::isnan(number);
-        return isNan ? "'" + text + "' is not a number" : std::string();
-      },
-      "");
-  return range & finite;
-}
-
-bool ParseNits(const std::string& text, double& nits) {
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, nits);
-  return error == std::errc() && rest == end && nits > 0.0 && std::isfinite(nits);
+void RefuseEmptyValues(CLI::App& app) {
+  for (CLI::App* command : app.get_subcommands({})) {
+    for (CLI::Option* option : command->get_options()) {
+      if (option->get_items_expected_max() == 0) continue;
+      const std::string refusal = "the value is empty; give one (" + option->get_type_name() + ")";
+      option->check([refusal](const std::string& text) {
+        return text.empty() ? refusal : text.substr(0, 0);
+      });
+    }
+  }
 }
 
 void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string& fromHelp) {
@@ -72,22 +57,36 @@ void AddSourceOptions(CLI::App& app, std::optional<orvmediatypes::color::ColorDe
       ->excludes(from);
 }
 
+bool ParsePeakNumber(const std::string& text, MapOptions& options) {
+  constexpr double kLargestPeakNits = 1e6;
+  const auto nits = ParseNumberIn(text, std::numeric_limits<double>::min(), kLargestPeakNits);
+  if (!nits) return false;
+  options.peakNits = *nits;
+  options.peakSource = PeakSource::Number;
+  return true;
+}
+
 void AddPeakNumberOption(CLI::App& app, MapOptions& options, const std::string& help) {
   app.add_option_function<std::string>(
-         "--peak", [&](const std::string& text) { ParsePeakNumber(text, options); }, help)
+         "--peak",
+         [&](const std::string& text) {
+           if (ParsePeakNumber(text, options)) return;
+           throw CLI::ValidationError("--peak", "'" + text + "' is not " + kPeakSyntax);
+         },
+         help)
       ->type_name("NITS");
 }
 
 void AddTargetOptions(CLI::App& app, MapOptions& options) {
-  app.add_option("--target-peak", options.targetPeakNits, "Peak of a PQ or HLG destination in nits")
-      ->check(CLI::Range(1, 10000))
-      ->type_name("NITS");
-  app.add_option("--white", options.white,
+  AddNumber(app, "--target-peak", options.targetPeakNits, 1, kLargestLuminance, "NITS",
+            "Peak of a PQ or HLG destination in nits");
+  AddWhiteOption(app, options.white,
                  "Luminance of graphics white in nits: 1.0 of an SDR destination and of "
-                 "scene-linear pictures")
-      ->check(CLI::Range(1, 10000))
-      ->type_name("NITS")
-      ->capture_default_str();
+                 "scene-linear pictures");
+}
+
+void AddWhiteOption(CLI::App& app, int& white, const std::string& help) {
+  AddNumber(app, "--white", white, 1, kLargestLuminance, "NITS", help);
 }
 
 void AddAlgorithmOptions(CLI::App& app, MapOptions& options) {
@@ -97,21 +96,21 @@ void AddAlgorithmOptions(CLI::App& app, MapOptions& options) {
 }
 
 void AddDialOptions(CLI::App& app, MapOptions& options) {
-  app.add_option("--knee", options.knee,
-                 "Where the curve leaves the straight line, 0 to 1 of the destination's peak; for "
-                 "hue and car (0.5 when not given)")
-      ->check(NumberIn(0.0, 1.0))
-      ->type_name("SHARE");
-  app.add_option("--gain", options.gain,
-                 "Multiplies the picture before the curve (1 when not given)")
-      ->check(NumberIn(1e-6, 1e6))
-      ->type_name("FACTOR");
-  app.add_option(
-         "--preserve", options.colorPreservation,
-         "Colour preservation in highlights: 0 lets them go to white, 1 keeps their hue and "
-         "saturation (0.5 when not given)")
-      ->check(NumberIn(0.0, 1.0))
-      ->type_name("SHARE");
+  AddNumber(app, "--knee", options.knee, 0.0F, 1.0F, "SHARE",
+            "Where the curve leaves the straight line, 0 to 1 of the destination's peak; for hue "
+            "and car (0.5 when not given)");
+  AddNumber(app, "--gain", options.gain, 1e-6F, 1e6F, "FACTOR",
+            "Multiplies the picture before the curve (1 when not given)");
+  AddNumber(app, "--preserve", options.colorPreservation, 0.0F, 1.0F, "SHARE",
+            "Colour preservation in highlights: 0 lets them go to white, 1 keeps their hue and "
+            "saturation (0.5 when not given)");
+}
+
+void AddMaxPixelsOption(CLI::App& app, std::int64_t& maxPixels) {
+  constexpr std::int64_t kMost = std::int64_t{65535} * 65535;
+  AddNumber(
+      app, "--max-pixels", maxPixels, 1, kMost, "COUNT",
+      "Most pixels of a picture that is read; larger ones are refused before they take memory");
 }
 
 void AddDeviceOption(CLI::App& app, MapOptions& options) {

@@ -1,9 +1,17 @@
 #include <CLI/CLI.hpp>
+#include <array>
 #include <cstdio>
 #include <new>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/SharedOptions.h"
+#include "tools/quillon/StandardStreams.h"
 #include "tools/quillon/io/StillError.h"
 
 namespace {
@@ -20,9 +28,18 @@ ExitCode ExitCodeOf(StillErrorKind kind) {
   return ExitCode::CannotWrite;
 }
 
-/// Reads the command line and runs the command. Throws CommandError, StillError, or a host's
-/// exception.
-ExitCode RunCommandLine(int argc, char** argv) {
+/// `--name=` would take the next word for its value.
+void RefuseEmptyAssignments(std::span<char*> words) {
+  for (const std::string_view word : words) {
+    if (word == "--") return;
+    if (!word.starts_with("--") || !word.ends_with('=')) continue;
+    throw CommandError(ExitCode::Usage, std::string(word) + ": the value is empty; give one");
+  }
+}
+
+/// Reads the command line, runs the command and tells which files it wrote. Throws CommandError,
+/// StillError, or a host's exception.
+std::vector<std::filesystem::path> RunCommandLine(int argc, char** argv) {
   CLI::App app("Tone mapping and gamut mapping of HDR pictures", "quillon");
   app.set_version_flag("--version", "quillon " QUILLON_VERSION);
   app.require_subcommand(1);
@@ -30,26 +47,29 @@ ExitCode RunCommandLine(int argc, char** argv) {
       "Exit codes: 0 done; 1 internal error; 2 usage; 3 input cannot be read; 4 not supported;\n"
       "5 output cannot be written; 6 the engine refused; 130 stopped by Ctrl-C.\n"
       "'quillon COMMAND --help' tells the options of a command.");
-  const Subcommand map = AddMapCommand(app);
-  const Subcommand chart = AddChartCommand(app);
-  const Subcommand curve = AddCurveCommand(app);
-  const Subcommand compare = AddCompareCommand(app);
-  const Subcommand inspect = AddInspectCommand(app);
-  const Subcommand lut = AddLutCommand(app);
-  const Subcommand devices = AddDevicesCommand(app);
+  const std::array<std::pair<const char*, Subcommand>, 7> commands = {{
+      {"map", AddMapCommand(app)},
+      {"chart", AddChartCommand(app)},
+      {"curve", AddCurveCommand(app)},
+      {"compare", AddCompareCommand(app)},
+      {"inspect", AddInspectCommand(app)},
+      {"lut", AddLutCommand(app)},
+      {"devices", AddDevicesCommand(app)},
+  }};
+  RefuseEmptyValues(app);
+  RefuseEmptyAssignments(std::span(argv, static_cast<std::size_t>(argc)));
   try {
     app.parse(argc, argv);
+  } catch (const CLI::Success& asked) {  // for help or the version
+    app.exit(asked);
+    return {};
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? ExitCode::Success : ExitCode::Usage;
+    throw CommandError(ExitCode::Usage, std::string(error.what()) + "; --help tells more");
   }
-  if (app.got_subcommand("map")) map();
-  if (app.got_subcommand("chart")) chart();
-  if (app.got_subcommand("curve")) curve();
-  if (app.got_subcommand("compare")) compare();
-  if (app.got_subcommand("inspect")) inspect();
-  if (app.got_subcommand("lut")) lut();
-  if (app.got_subcommand("devices")) devices();
-  return ExitCode::Success;
+  for (const auto& [name, run] : commands) {
+    if (app.got_subcommand(name)) return run();
+  }
+  return {};
 }
 
 int Fail(ExitCode code, const char* message) {
@@ -61,8 +81,10 @@ int Fail(ExitCode code, const char* message) {
 
 /// Every failure ends as one line and an exit code.
 int main(int argc, char** argv) {
+  PrepareStandardStreams();
   try {
-    return static_cast<int>(RunCommandLine(argc, argv));
+    RequireAllPrinted(RunCommandLine(argc, argv));
+    return static_cast<int>(ExitCode::Success);
   } catch (const CommandError& error) {
     return Fail(error.Code(), error.what());
   } catch (const StillError& error) {

@@ -171,8 +171,7 @@ TEST(MapClip, ReportsProgressAsJsonLines) {
 TEST(MapClip, PrintsNothingWhenQuiet) {
   const ScratchFolder folder;
   const auto clip = MakeChartClip(folder, "clip.mp4", {"--frames", "2"});
-  const RunResult run =
-      Map({"--quiet", "--peak", "measure", "--progress", "json", clip, folder / "mapped.mp4"});
+  const RunResult run = Map({"--quiet", "--peak", "measure", clip, folder / "mapped.mp4"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_THAT(run.out, IsEmpty());
   EXPECT_THAT(run.err, IsEmpty());
@@ -203,10 +202,10 @@ TEST(MapClip, RefusesWhatHasNoEffectOrNoMeaning) {
       {{"--peak", "scenes", folder / "still.exr", folder / "a.png"}, 2, "is for clips"},
       {{"--fps", "25", clip, folder / "a.mp4"}, 2, "--fps is for image sequences"},
       {{"--codec", "hevc", clip, folder / "f%d.png"}, 2, "--codec has no effect"},
-      {{"--quality", "3", "--codec", "ffv1", clip, folder / "a.mkv"}, 4, "have no effect"},
+      {{"--quality", "3", "--codec", "ffv1", clip, folder / "a.mkv"}, 2, "have no effect"},
       {{"--codec", "prores", clip, folder / "a.mp4"}, 4, "do not hold prores"},
       {{"--depth", "12", clip, folder / "a.mp4"}, 4, "libx264 does not take 420 at 12 bits"},
-      {{clip, folder / "a.png"}, 4, "an image sequence such as frame.%05d.png"},
+      {{clip, folder / "a.png"}, 4, "a sequence such as frame.%05d.png"},
       {{"--preset", "warp", clip, folder / "a.mp4"}, 4, "check --preset"},
       {{clip, clip}, 5, "it exists already"}};
   for (const Case& refused : cases) {

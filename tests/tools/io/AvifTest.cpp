@@ -308,12 +308,12 @@ TEST(ReadAvif, RefusesOtherFilesOfItsFamily) {
   Bytes file = Encode(*CountingImage());
   for (std::size_t at = 8; at < 32; at += 4) {
     if (at == 12) continue;
-    const std::string brand = "heic";
+    const std::string brand = at == 8 ? "mif1" : "heic";
     std::copy(brand.begin(), brand.end(), file.begin() + static_cast<std::ptrdiff_t>(at));
   }
   const auto failure = FailureOf([&] { ReadStillFromBytes(file); });
   ASSERT_TRUE(failure);
-  EXPECT_EQ(failure->kind, StillErrorKind::NotSupported);
+  EXPECT_EQ(failure->kind, StillErrorKind::CannotRead);
   EXPECT_THAT(failure->message, HasSubstr("no AVIF file"));
 }
 

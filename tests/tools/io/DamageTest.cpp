@@ -125,7 +125,7 @@ TEST(ReadStill, RefusesWhatIsNoPictureFile) {
   };
   check(folder / "missing.exr", StillErrorKind::CannotRead, "no such file");
   check(folder / "empty.exr", StillErrorKind::CannotRead, "it is empty");
-  check(folder / "text.png", StillErrorKind::NotSupported, "no EXR, Radiance HDR, PNG or AVIF");
+  check(folder / "text.png", StillErrorKind::CannotRead, "no EXR, Radiance HDR, PNG or AVIF");
   check(folder / "", StillErrorKind::CannotRead, "it is a folder");
   check("/dev/zero", StillErrorKind::CannotRead, "not a regular file");
 }

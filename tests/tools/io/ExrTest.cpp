@@ -286,3 +286,15 @@ TEST(ReadExr, RefusesAFileWithoutColour) {
   EXPECT_EQ(failure->kind, StillErrorKind::NotSupported);
   EXPECT_THAT(failure->message, HasSubstr("channels named R, G, B or Y"));
 }
+
+TEST(ReadExr, ReadsPixelsThatAreAsSmallAsEveryCompressionMakesThem) {
+  constexpr int kSide = 1024;
+  FloatChannels channels;
+  for (const char* name : {"R", "G", "B", "A"}) channels[name].assign(kSide * kSide, 0.0F);
+  for (int code = Imf::NO_COMPRESSION; code < Imf::NUM_COMPRESSION_METHODS; ++code) {
+    Imf::Header header(kSide, kSide);
+    header.compression() = static_cast<Imf::Compression>(code);
+    const Still still = RoundTrip(header, channels);
+    EXPECT_EQ(still.frame->GetBounds().width, kSide) << code;
+  }
+}

@@ -307,18 +307,35 @@ TEST(ReadPng, RemarksOnColourChunksOfWrongLength) {
   EXPECT_EQ(still.frame->GetColorSpace().Description(), ColorDescription{});
 }
 
-TEST(ReadPng, UsesColourChunksWithAWrongCrcAndRemarksOnThem) {
-  Bytes file = RedPixel({Cicp(9, 16), LightLevels("cLLI")}).File();
-  for (const std::string name : {"cICP", "cLLI"}) {
+TEST(ReadPng, IgnoresColourChunksWithAWrongCrcAndNamesThem) {
+  for (const std::string name : {"cICP", "mDCV", "cLLI", "gAMA"}) {
+    Bytes file = RedPixel({{"gAMA", {0, 0, 0xB1, 0x8F}},
+                           Cicp(9, 16),
+                           MasteringDisplay("mDCV"),
+                           LightLevels("cLLI")})
+                     .File();
     const auto chunk = std::search(file.begin(), file.end(), name.begin(), name.end());
     ASSERT_NE(chunk, file.end());
-    *(chunk + (name == "cICP" ? 8 : 12)) ^= 0x55;
+    *(chunk + 5) ^= 0x01;  // a bit of what it says
+    const Still still = ReadStillFromBytes(file);
+    const ColorDescription colors = still.frame->GetColorSpace().Description();
+    EXPECT_EQ(colors.transfer, name == "cICP" ? 0 : 16) << name;
+    EXPECT_EQ(colors.masteringMaxLuminance > 0.0F, name != "mDCV") << name;
+    EXPECT_FLOAT_EQ(still.light.maxCLL, name == "cLLI" ? 0.0F : 1000.5F) << name;
+    EXPECT_TRUE(HasRemark(still, "PNG chunk " + name + " ignored: it is damaged")) << name;
+    EXPECT_EQ(still.remarks.size(), 1U) << name;
   }
-  const Still still = ReadStillFromBytes(file);
-  EXPECT_EQ(still.frame->GetColorSpace().Description().primaries, 9);
-  EXPECT_FLOAT_EQ(still.light.maxCLL, 1000.5F);
-  EXPECT_TRUE(HasRemark(still, "cICP: CRC error"));
-  EXPECT_TRUE(HasRemark(still, "cLLI: CRC error"));
+}
+
+TEST(ReadPng, IgnoresADamagedChunkBehindThePixels) {
+  Bytes file = PngFromChunks({{"tEXt", {'a', 0, 'b'}}, {"IEND", {}}});
+  file[19] ^= 0x55;
+  const Bytes picture = RedPixel({Cicp(9, 16)}).File();
+  Bytes joined(picture.begin(), picture.end() - 12);
+  joined.insert(joined.end(), file.begin() + 8, file.end());
+  const Still still = ReadStillFromBytes(joined);
+  EXPECT_EQ(still.frame->GetColorSpace().Description().transfer, 16);
+  EXPECT_TRUE(HasRemark(still, "PNG chunk tEXt ignored"));
 }
 
 TEST(ReadPng, RefusesPixelsWithAWrongCrc) {
@@ -343,6 +360,17 @@ TEST(ReadPng, RefusesSizesBeyondTheLimit) {
 TEST(ReadPng, RefusesALargePictureWithFewPixels) {
   PngPicture picture = RedPixel({});
   picture.width = picture.height = 16384;
-  EXPECT_EQ(FailureOf([&] { ReadStillFromBytes(picture.File()); })->kind,
-            StillErrorKind::CannotRead);
+  const auto failure = FailureOf([&] { ReadStillFromBytes(picture.File()); });
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->kind, StillErrorKind::CannotRead);
+  EXPECT_THAT(failure->message, HasSubstr("16384x16384 pixels cannot be in a file of "));
+}
+
+TEST(ReadPng, ReadsPixelsThatAreAsSmallAsDeflateMakesThem) {
+  PngPicture picture = RedPixel({});
+  picture.width = picture.height = 2000;
+  picture.rows.assign(2000, Bytes(6000, 0));
+  const Bytes file = picture.File();
+  ASSERT_LT(file.size(), 2000 * 2000 * 3 / 900);
+  EXPECT_EQ(ReadStillFromBytes(file).frame->GetBounds().width, 2000);
 }

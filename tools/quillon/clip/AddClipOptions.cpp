@@ -33,11 +33,8 @@ void AddEncodingOptions(CLI::App& app, EncodingWishes& wishes) {
           "Encoder (hevc for PQ and HLG, else h264; av1 in WebM)");
   AddWish(app, "--chroma", kSamplings, wishes.sampling,
           "Chroma samples (420; prores 422; ffv1 those of the source)");
-  app.add_option(
-         "--quality", wishes.quality,
-         "Constant rate factor of the encoder, smaller is better (h264 18, hevc 20, av1 28)")
-      ->check(NumberIn(0.0, 63.0))
-      ->type_name("CRF")
+  AddNumber(app, "--quality", wishes.quality, 0.0, 63.0, "CRF",
+            "Constant rate factor of the encoder, smaller is better (h264 18, hevc 20, av1 28)")
       ->group(kGroup);
   app.add_option("--preset", wishes.preset,
                  "Speed of the encoder, by its own names (h264 and hevc medium, av1 8)")
@@ -70,10 +67,8 @@ void AddSelectionOptions(CLI::App& app, ClipOptions& options) {
          "Map part I of N equal parts")
       ->type_name("I/N")
       ->group(kGroup);
-  app.add_option("--fps", options.sequenceRate,
-                 "Frames a second of an input that is a sequence of pictures (24 when not given)")
-      ->check(NumberIn(0.1, 1000.0))
-      ->type_name("RATE")
+  AddNumber(app, "--fps", options.sequenceRate, 0.1, 1000.0, "RATE",
+            "Frames a second of an input that is a sequence of pictures (24 when not given)")
       ->group(kGroup);
 }
 

@@ -1,7 +1,10 @@
 #include "tools/quillon/clip/ClipRun.h"
 
+#include <algorithm>
+#include <array>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "tools/quillon/ColorSpaceNames.h"
@@ -25,20 +28,21 @@ AVRational SequenceRate(const MapOptions& options) {
   return av_d2q(options.clip.sequenceRate.value_or(kDefault), kRateDenominator);
 }
 
-bool IsSequence(const std::filesystem::path& path) { return SequenceName::Parse(path).has_value(); }
-
 [[noreturn]] void Refuse(const std::string& sentence) {
   throw CommandError(ExitCode::Usage, sentence);
 }
 
 void CheckOptions(const MapOptions& options) {
   const ClipOptions& clip = options.clip;
-  if (!IsSequence(options.input)) RequireClipFile(options.input);
-  if (clip.sequenceRate && !IsSequence(options.input)) {
+  const bool sequenceIn = InputSequence(options.input).has_value();
+  if (clip.sequenceRate && !sequenceIn) {
     Refuse("--fps is for image sequences; a clip keeps its own times");
   }
+  if (clip.keepDamaged && sequenceIn) {
+    Refuse("--keep-damaged is for clips; a damaged picture of a sequence is not read");
+  }
   if (clip.frames && clip.chunk) Refuse("give either --frames or --chunk");
-  if (!IsSequence(options.output)) return;
+  if (!SequenceName::Parse(options.output)) return;
   const bool encodes = clip.encoding.codec || clip.encoding.sampling || clip.encoding.quality ||
                        clip.encoding.preset;
   if (encodes) {
@@ -47,10 +51,8 @@ void CheckOptions(const MapOptions& options) {
 }
 
 void CheckClipTarget(const MapOptions& options) {
+  if (NamesClip(options.output)) return CheckTargetFile(options.output, options.overwrite);
   const std::string extension = LowerCaseExtension(options.output);
-  for (const char* known : {".mp4", ".mov", ".mkv", ".webm"}) {
-    if (extension == known) return CheckTargetFile(options.output, options.overwrite);
-  }
   throw CommandError(ExitCode::NotSupported,
                      options.output.string() + ": the extension \"" + extension +
                          "\" names no clip that is written; choose .mp4, .mov, .mkv or .webm, or "
@@ -81,7 +83,7 @@ DamagePolicy PolicyOf(const MapOptions& options) {
 }
 
 std::int64_t CountFrames(ClipRun& run, const MapOptions& options, std::ostream& notes) {
-  if (const auto name = SequenceName::Parse(options.input)) {
+  if (const auto name = InputSequence(options.input)) {
     return static_cast<std::int64_t>(name->ExistingNumbers().size());
   }
   run.index = FrameIndex::Scan(options.input);
@@ -152,6 +154,7 @@ std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const Cl
   request.clip = options.input;
   request.sequenceRate = SequenceRate(options);
   request.white = options.white;
+  request.maxPixels = options.maxPixels;
   request.progress =
       options.quiet ? ProgressStyle::None : options.clip.progress.value_or(ProgressStyle::Auto);
   request.policy = PolicyOf(options);
@@ -201,10 +204,16 @@ std::int64_t PtsOfFirst(const ClipRun& run) {
 
 }  // namespace
 
+bool NamesClip(const std::filesystem::path& path) {
+  const std::string extension = LowerCaseExtension(path);
+  constexpr std::array<std::string_view, 4> kExtensions = {".mp4", ".mov", ".mkv", ".webm"};
+  return std::find(kExtensions.begin(), kExtensions.end(), extension) != kExtensions.end();
+}
+
 ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
   CheckOptions(options);
   if (!options.clip.dryRun) CheckTarget(options);
-  const bool clipOut = !IsSequence(options.output);
+  const bool clipOut = !SequenceName::Parse(options.output).has_value();
   if (clipOut && !options.clip.dryRun) CheckPartialNames(options);
 
   ClipRun run;
@@ -217,7 +226,7 @@ ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
     if (run.earlier.count > 0) run.left = run.selection.Without(run.earlier.count, run.frames);
   }
   run.source = OpenPictures(options.input, SequenceRate(options), run.index ? &*run.index : nullptr,
-                            run.left.First(), PolicyOf(options));
+                            run.left.First(), PolicyOf(options), options.maxPixels);
   const ClipTags& tags = run.source->Info().tags;
   if (!bySingleFrames) run.frames = run.source->Info().frames;
   run.mapper =

@@ -10,7 +10,7 @@ struct SwsContext;
 class ClipSource : public PictureSource {
  public:
   ClipSource(const std::filesystem::path& path, const FrameIndex* index, std::int64_t first,
-             DamagePolicy policy);
+             DamagePolicy policy, std::int64_t maxPixels);
 
   const ClipInfo& Info() const override { return reader_.Info(); }
   SourceSamples Samples() const override;

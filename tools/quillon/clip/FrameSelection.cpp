@@ -1,28 +1,24 @@
 #include "tools/quillon/clip/FrameSelection.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
 #include <string_view>
+
+#include "tools/quillon/Numbers.h"
 
 namespace {
 
 constexpr std::int64_t kLargestNumber = std::numeric_limits<std::int32_t>::max();
 
-std::optional<std::int64_t> ParseNumber(std::string_view text) {
-  std::int64_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || rest != end || number < 0 || number > kLargestNumber) {
-    return std::nullopt;
-  }
-  return number;
+std::optional<std::int64_t> ParseCount(std::string_view text) {
+  if (text.starts_with('-')) return std::nullopt;
+  return ParseNumberIn<std::int64_t>(text, 0, kLargestNumber);
 }
 
 std::optional<FrameRange> ParseRange(std::string_view text) {
   const std::size_t dash = text.find('-');
-  const auto first = ParseNumber(text.substr(0, dash));
-  const auto last = dash == std::string_view::npos ? first : ParseNumber(text.substr(dash + 1));
+  const auto first = ParseCount(text.substr(0, dash));
+  const auto last = dash == std::string_view::npos ? first : ParseCount(text.substr(dash + 1));
   if (!first || !last || *last < *first) return std::nullopt;
   return FrameRange{*first, *last};
 }
@@ -91,8 +87,8 @@ std::optional<Chunk> ParseChunk(const std::string& text) {
   const std::string_view view = text;
   const std::size_t slash = view.find('/');
   if (slash == std::string_view::npos) return std::nullopt;
-  const auto part = ParseNumber(view.substr(0, slash));
-  const auto parts = ParseNumber(view.substr(slash + 1));
+  const auto part = ParseCount(view.substr(0, slash));
+  const auto parts = ParseCount(view.substr(slash + 1));
   if (!part || !parts || *part < 1 || *part > *parts) return std::nullopt;
   return Chunk{*part, *parts};
 }

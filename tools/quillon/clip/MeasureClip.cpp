@@ -21,7 +21,8 @@ void Keep(const MeasureRequest& request, const ClipLevels& levels, std::ostream&
 }  // namespace
 
 ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
-  const auto source = OpenPictures(request.clip, request.sequenceRate, nullptr, 0, request.policy);
+  const auto source = OpenPictures(request.clip, request.sequenceRate, nullptr, 0, request.policy,
+                                   request.maxPixels);
   const bool isSequence = source->Input() == nullptr;
   const std::string name = DescribeColorSpace(request.colorsOf(source->Info().tags));
   if (!isSequence) {

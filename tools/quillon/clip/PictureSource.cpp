@@ -1,14 +1,27 @@
 #include "tools/quillon/clip/PictureSource.h"
 
+#include <system_error>
 #include <utility>
 
+#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/clip/OpenClip.h"
 #include "tools/quillon/clip/SequenceSource.h"
 #include "tools/quillon/clip/SinglePicture.h"
-#include "tools/quillon/io/Still.h"
 
-bool IsClipOrSequence(const std::filesystem::path& path) {
-  return SequenceName::Parse(path).has_value() || !IsStill(path);
+std::optional<SequenceName> InputSequence(const std::filesystem::path& path) {
+  std::error_code error;
+  return std::filesystem::exists(path, error) ? std::nullopt : SequenceName::Parse(path);
+}
+
+InputKind RequireInput(const std::filesystem::path& path) {
+  if (const auto name = InputSequence(path)) {
+    if (!name->ExistingNumbers().empty()) return InputKind::Sequence;
+    throw CommandError(ExitCode::CannotRead,
+                       path.string() + ": there is no picture of this sequence; check the name");
+  }
+  if (IsStill(path)) return InputKind::Still;
+  RequireClip(path);
+  return InputKind::Clip;
 }
 
 std::optional<ClipPicture> PictureSource::Next() {
@@ -21,16 +34,17 @@ std::optional<ClipPicture> PictureSource::Next() {
 
 std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
                                             AVRational sequenceRate, const FrameIndex* index,
-                                            std::int64_t first, DamagePolicy policy) {
-  if (auto name = SequenceName::Parse(path)) {
-    return std::make_unique<SequenceSource>(std::move(*name), sequenceRate, first);
+                                            std::int64_t first, DamagePolicy policy,
+                                            std::int64_t maxPixels) {
+  if (auto name = InputSequence(path)) {
+    return std::make_unique<SequenceSource>(std::move(*name), sequenceRate, first, maxPixels);
   }
-  if (IsStill(path)) return std::make_unique<SinglePicture>(path);
-  return OpenClip(path, index, first, policy);
+  if (IsStill(path)) return std::make_unique<SinglePicture>(path, maxPixels);
+  return OpenClip(path, index, first, policy, maxPixels);
 }
 
 std::int64_t CountPictures(const std::filesystem::path& path) {
-  if (const auto name = SequenceName::Parse(path)) {
+  if (const auto name = InputSequence(path)) {
     return static_cast<std::int64_t>(name->ExistingNumbers().size());
   }
   return IsStill(path) ? 1 : CountClipFrames(path);

@@ -10,6 +10,7 @@
 
 #include "tools/quillon/clip/ClipPicture.h"
 #include "tools/quillon/clip/SequenceName.h"
+#include "tools/quillon/io/Still.h"
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/Encoding.h"
 
@@ -42,17 +43,25 @@ class PictureSource {
   virtual void CountDamage(const std::function<bool()>& /*isStopped*/) {}
 };
 
-/// Whether a path names an image sequence or a file that is no still: what `quillon map` maps as a
-/// clip.
-bool IsClipOrSequence(const std::filesystem::path& path);
+/// The sequence that a path names as an input; nothing where it names none, or there is a file of
+/// that very name.
+std::optional<SequenceName> InputSequence(const std::filesystem::path& path);
+
+enum class InputKind { Still, Sequence, Clip };
+
+/// What a path names as an input, by what is there. Throws CommandError or StillError where it can
+/// be none of them.
+InputKind RequireInput(const std::filesystem::path& path);
 
 /// Opens a clip, an image sequence or a still; `sequenceRate` is a sequence's frame rate. With an
-/// index the pictures begin at `first`. Throws CommandError or StillError.
+/// index the pictures begin at `first`. Stills have at most `maxPixels`. Throws CommandError or
+/// StillError.
 std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
                                             AVRational sequenceRate,
                                             const FrameIndex* index = nullptr,
                                             std::int64_t first = 0,
-                                            DamagePolicy policy = DamagePolicy::Stop);
+                                            DamagePolicy policy = DamagePolicy::Stop,
+                                            std::int64_t maxPixels = kDefaultMaxPixels);
 
 /// How many pictures there are, counted one by one.
 std::int64_t CountPictures(const std::filesystem::path& path);

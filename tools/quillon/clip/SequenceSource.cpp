@@ -7,8 +7,12 @@
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/io/Still.h"
 
-SequenceSource::SequenceSource(SequenceName name, AVRational rate, std::int64_t first)
-    : name_(std::move(name)), numbers_(name_.ExistingNumbers()), next_(first) {
+SequenceSource::SequenceSource(SequenceName name, AVRational rate, std::int64_t first,
+                               std::int64_t maxPixels)
+    : name_(std::move(name)),
+      numbers_(name_.ExistingNumbers()),
+      next_(first),
+      maxPixels_(maxPixels) {
   if (next_ >= static_cast<std::int64_t>(numbers_.size())) {
     throw CommandError(ExitCode::CannotRead, name_.FileOf(first).string() +
                                                  ": the sequence has no such picture; check name "
@@ -34,7 +38,8 @@ SourceSamples SequenceSource::Samples() const {
 }
 
 ClipPicture SequenceSource::Read(std::int64_t position) const {
-  const Still still = ReadStill(name_.FileOf(numbers_[static_cast<std::size_t>(position)]));
+  const Still still =
+      ReadStill(name_.FileOf(numbers_[static_cast<std::size_t>(position)]), maxPixels_);
   ClipPicture picture;
   picture.frame = still.frame;
   picture.tags = {still.frame->GetColorSpace().Description(), still.light};

@@ -5,7 +5,7 @@
 /// The stills of an image sequence, in the order of their numbers.
 class SequenceSource : public PictureSource {
  public:
-  SequenceSource(SequenceName name, AVRational rate, std::int64_t first);
+  SequenceSource(SequenceName name, AVRational rate, std::int64_t first, std::int64_t maxPixels);
 
   const ClipInfo& Info() const override { return info_; }
   SourceSamples Samples() const override;
@@ -18,6 +18,7 @@ class SequenceSource : public PictureSource {
   SequenceName name_;
   std::vector<std::int64_t> numbers_;
   std::int64_t next_;
+  std::int64_t maxPixels_;
   std::optional<ClipPicture> ahead_;
   ClipInfo info_;
 };

@@ -6,8 +6,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/TargetFile.h"
 
-SinglePicture::SinglePicture(const std::filesystem::path& path) {
-  const Still still = ReadStill(path);
+SinglePicture::SinglePicture(const std::filesystem::path& path, std::int64_t maxPixels) {
+  const Still still = ReadStill(path, maxPixels);
   ClipPicture picture;
   picture.frame = still.frame;
   picture.tags = {still.frame->GetColorSpace().Description(), still.light};

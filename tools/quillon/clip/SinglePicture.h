@@ -5,7 +5,7 @@
 /// A still as a clip of one picture.
 class SinglePicture : public PictureSource {
  public:
-  explicit SinglePicture(const std::filesystem::path& path);
+  SinglePicture(const std::filesystem::path& path, std::int64_t maxPixels);
 
   const ClipInfo& Info() const override { return info_; }
   SourceSamples Samples() const override { return {Sampling::C444, info_.bits, false}; }

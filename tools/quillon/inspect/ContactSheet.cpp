@@ -83,7 +83,8 @@ struct SheetPicture {
 std::vector<SheetPicture> CollectPictures(const MapOptions& options, double peakNits) {
   const std::int64_t count = CountPictures(options.input);
   const std::int64_t wanted = std::min(kPictures, count);
-  const auto source = OpenPictures(options.input, {24, 1});
+  const auto source =
+      OpenPictures(options.input, {24, 1}, nullptr, 0, DamagePolicy::Stop, options.maxPixels);
   std::vector<SheetPicture> pictures;
   while (const auto next = source->Next()) {
     // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it

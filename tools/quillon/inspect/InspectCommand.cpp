@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -41,12 +42,36 @@ void CheckDrawing(const fs::path& path, bool svgToo, bool overwrite) {
   CheckTargetFile(path, overwrite);
 }
 
+void Refuse(bool condition, const char* sentence) {
+  if (condition) throw CommandError(ExitCode::Usage, sentence);
+}
+
+bool WritesJson(const InspectOptions& options) {
+  return !options.json.empty() && options.json != "-";
+}
+
+/// The files that are written.
+std::vector<fs::path> Written(const InspectOptions& options) {
+  std::vector<fs::path> files;
+  if (WritesJson(options)) files.push_back(options.json);
+  if (!options.plot.empty()) files.push_back(options.plot);
+  if (!options.sheet.empty()) files.push_back(options.sheet);
+  return files;
+}
+
+void CheckEffects(const InspectOptions& options) {
+  std::vector<fs::path> files = Written(options);
+  Refuse(options.map.overwrite && files.empty(),
+         "--overwrite has no effect where no file is written; leave it out");
+  std::sort(files.begin(), files.end());
+  Refuse(std::adjacent_find(files.begin(), files.end()) != files.end(),
+         "--json, --plot and --sheet cannot be one file; give each a name of its own");
+}
+
 void CheckTargets(const InspectOptions& options) {
   CheckDrawing(options.plot, true, options.map.overwrite);
   CheckDrawing(options.sheet, false, options.map.overwrite);
-  if (!options.json.empty() && options.json != "-") {
-    CheckTargetFile(options.json, options.map.overwrite);
-  }
+  if (WritesJson(options)) CheckTargetFile(options.json, options.map.overwrite);
 }
 
 void WriteText(const fs::path& path, const std::string& text, bool overwrite) {
@@ -79,6 +104,7 @@ ClipLevels Measure(const InspectOptions& options) {
   MeasureRequest request;
   request.clip = options.map.input;
   request.white = options.map.white;
+  request.maxPixels = options.map.maxPixels;
   request.progress = options.map.quiet ? ProgressStyle::None : ProgressStyle::Auto;
   request.colorsOf = [&options](const ClipTags& tags) {
     return TaggedColors(options.map, tags.colors);
@@ -89,7 +115,9 @@ ClipLevels Measure(const InspectOptions& options) {
 Inspection Inspect(const InspectOptions& options) {
   Inspection inspection;
   inspection.path = options.map.input;
-  inspection.info = OpenPictures(options.map.input, {24, 1})->Info();
+  inspection.info = OpenPictures(options.map.input, {24, 1}, nullptr, 0, DamagePolicy::Stop,
+                                 options.map.maxPixels)
+                        ->Info();
   if (options.measure) {
     inspection.levels = Measure(options);
     inspection.scenes = FindScenes(inspection.levels->frames, kShortestScene);
@@ -100,7 +128,9 @@ Inspection Inspect(const InspectOptions& options) {
 }
 
 void RunInspect(InspectOptions options) {
+  CheckEffects(options);
   options.measure = options.measure || !options.plot.empty();
+  RequireInput(options.map.input);
   CheckTargets(options);
   const Inspection inspection = Inspect(options);
   if (!options.plot.empty() && inspection.levels) {
@@ -144,14 +174,15 @@ Subcommand AddInspectCommand(CLI::App& app) {
       ->type_name("FILE");
   AddSourceOptions(inspect, options->map.source, options->map.sourceTellsMatrix, "",
                    "Colour space of the input, in place of what its tags say");
-  inspect.add_option("--white", options->map.white, "Luminance of graphics white in nits")
-      ->check(CLI::Range(1, 10000))
-      ->type_name("NITS")
-      ->capture_default_str();
+  AddWhiteOption(inspect, options->map.white, "Luminance of graphics white in nits");
+  AddMaxPixelsOption(inspect, options->map.maxPixels);
   AddOutputOptions(inspect, options->map.overwrite, options->map.quiet);
   inspect.footer(
       "Examples:\n"
       "  quillon inspect film.mkv\n"
       "  quillon inspect --measure --json levels.json --plot levels.svg film.mkv");
-  return [options] { RunInspect(*options); };
+  return [options] {
+    RunInspect(*options);
+    return Written(*options);
+  };
 }

@@ -33,17 +33,58 @@ bool NamesBrand(std::span<const std::uint8_t> fileType, std::string_view brand) 
   return false;
 }
 
+/// Calls `visit` with each whole box of the bytes, until one is not whole. True: all are.
+template <class Visitor>
+bool VisitBoxes(std::span<const std::uint8_t> bytes, const Visitor& visit) {
+  while (!bytes.empty()) {
+    const std::uint64_t size = BoxSize(bytes);
+    if (size == 0) return false;
+    visit(bytes.first(static_cast<std::size_t>(size)));
+    bytes = bytes.subspan(static_cast<std::size_t>(size));
+  }
+  return true;
+}
+
+bool IsNamed(std::span<const std::uint8_t> box, std::string_view name) {
+  return Equals(box.subspan(4, 4), name);
+}
+
+/// Calls `visit` with what the boxes of this name hold behind `header` bytes.
+template <class Visitor>
+void VisitContents(std::span<const std::uint8_t> boxes, std::string_view name, std::size_t header,
+                   const Visitor& visit) {
+  VisitBoxes(boxes, [&](std::span<const std::uint8_t> box) {
+    if (IsNamed(box, name) && box.size() > header) visit(box.subspan(header));
+  });
+}
+
+/// The sizes among the item properties ("meta", "iprp", "ipco", "ispe").
+std::vector<AvifSize> SizesOf(std::span<const std::uint8_t> file) {
+  constexpr std::size_t kHeader = 8;
+  constexpr std::size_t kFullHeader = 12;  // with version and flags
+  std::vector<AvifSize> sizes;
+  const auto collect = [&sizes](std::span<const std::uint8_t> size) {
+    if (size.size() < 8) return;
+    sizes.push_back({static_cast<std::int64_t>(BigEndian(size.first(4))),
+                     static_cast<std::int64_t>(BigEndian(size.subspan(4, 4)))});
+  };
+  VisitContents(file, "meta", kFullHeader, [&](auto meta) {
+    VisitContents(meta, "iprp", kHeader, [&](auto properties) {
+      VisitContents(properties, "ipco", kHeader, [&](auto container) {
+        VisitContents(container, "ispe", kFullHeader, collect);
+      });
+    });
+  });
+  return sizes;
+}
+
 }  // namespace
 
 AvifBoxes ScanAvifBoxes(std::span<const std::uint8_t> file) {
   AvifBoxes boxes;
-  while (!file.empty()) {
-    const std::uint64_t size = BoxSize(file);
-    if (size == 0) return boxes;
-    const auto box = file.first(static_cast<std::size_t>(size));
-    if (Equals(box.subspan(4, 4), "ftyp")) boxes.hasGainMap = NamesBrand(box, "tmap");
-    file = file.subspan(box.size());
-  }
-  boxes.complete = true;
+  boxes.complete = VisitBoxes(file, [&boxes](std::span<const std::uint8_t> box) {
+    if (IsNamed(box, "ftyp")) boxes.hasGainMap = NamesBrand(box, "tmap");
+  });
+  boxes.sizes = SizesOf(file);
   return boxes;
 }

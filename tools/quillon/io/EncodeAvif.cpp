@@ -18,7 +18,7 @@ using orvmediatypes::color::ColorSpace;
 
 namespace {
 
-constexpr int kSpeed = 6;
+constexpr int kSpeed = 8;
 constexpr int kQuantizer = 1;  // of 0 to 63: no loss to be seen
 
 struct DestroyEncoder {

@@ -16,6 +16,7 @@
 #include "tools/quillon/io/ColorTags.h"
 #include "tools/quillon/io/FramePixels.h"
 #include "tools/quillon/io/Reorient.h"
+#include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/StillReaders.h"
 
 using orvmediatypes::color::ColorDescription;
@@ -54,6 +55,8 @@ Decoder OpenDecoder(const StillSource& source) {
   decoder->ignoreExif = AVIF_TRUE;
   decoder->ignoreXMP = AVIF_TRUE;
   decoder->imageDimensionLimit = 0;
+  decoder->imageSizeLimit = static_cast<std::uint32_t>(
+      std::min<std::int64_t>(source.maxPixels, AVIF_DEFAULT_IMAGE_SIZE_LIMIT));
   avifResult result =
       avifDecoderSetIOMemory(decoder.get(), source.bytes.data(), source.bytes.size());
   if (result == AVIF_RESULT_OK) result = avifDecoderParse(decoder.get());
@@ -267,9 +270,11 @@ Still ReadAvif(const StillSource& source) {
   if (!boxes.complete) FailDamaged(source, "it ends too early");
   const avifROData head{source.bytes.data(), source.bytes.size()};
   if (!avifPeekCompatibleFileType(&head)) {
-    FailNotSupported(source, "it is of the family of AVIF, but no AVIF file",
+    throw StillError(StillErrorKind::CannotRead, source.path,
+                     "it is of the family of AVIF, but no AVIF file",
                      "convert it to EXR, PNG or AVIF");
   }
+  for (const AvifSize& size : boxes.sizes) CheckDimensions(source, size.width, size.height);
   const Decoder decoder = OpenDecoder(source);
   const avifImage& image = *decoder->image;
 

@@ -18,6 +18,7 @@
 
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/io/ColorTags.h"
+#include "tools/quillon/io/ExrClaims.h"
 #include "tools/quillon/io/ExrStreams.h"
 #include "tools/quillon/io/FramePixels.h"
 #include "tools/quillon/io/StillError.h"
@@ -250,6 +251,7 @@ Still ReadPart(const StillSource& source, Imf::MultiPartInputFile& file, int par
 }  // namespace
 
 Still ReadExr(const StillSource& source) {
+  CheckExrClaims(source);
   try {
     ExrMemoryInput stream(source.path.string(), source.bytes);
     Imf::MultiPartInputFile file(stream);

@@ -1,5 +1,5 @@
+#include <algorithm>
 #include <bit>
-#include <cstring>
 #include <span>
 #include <string>
 #include <string_view>
@@ -10,6 +10,7 @@
 #include "tools/quillon/io/ColorTags.h"
 #include "tools/quillon/io/FramePixels.h"
 #include "tools/quillon/io/PngChunks.h"
+#include "tools/quillon/io/PngFile.h"
 #include "tools/quillon/io/PngHandle.h"
 #include "tools/quillon/io/StillReaders.h"
 
@@ -21,26 +22,37 @@ namespace {
 constexpr png_byte kColorChunks[] = "cICP\0mDCV\0mDCv\0cLLI\0cLLi";
 constexpr png_byte kTextChunks[] = "tEXt\0zTXt\0iTXt";
 
+/// The most that deflate makes of a byte.
+constexpr double kMostDeflated = 1032.0;
+
+/// What of the pieces is still to be read.
 struct Cursor {
-  std::span<const std::uint8_t> bytes;
-  std::size_t position = 0;
+  std::span<const std::span<const std::uint8_t>> pieces;
+  std::size_t position = 0;  ///< in the first of them
 };
 
 void OnRead(png_structp png, png_bytep destination, std::size_t count) {
   auto* cursor = static_cast<Cursor*>(png_get_io_ptr(png));
-  if (count > cursor->bytes.size() - cursor->position) png_error(png, "it ends too early");
-  std::memcpy(destination, cursor->bytes.data() + cursor->position, count);
-  cursor->position += count;
+  while (count > 0) {
+    if (cursor->pieces.empty()) png_error(png, "it ends too early");
+    const auto left = cursor->pieces.front().subspan(cursor->position);
+    const std::size_t step = std::min(count, left.size());
+    std::copy_n(left.begin(), step, destination);
+    destination += step;
+    count -= step;
+    cursor->position += step;
+    if (cursor->position < cursor->pieces.front().size()) continue;
+    cursor->pieces = cursor->pieces.subspan(1);
+    cursor->position = 0;
+  }
 }
 
-/// Everything before the pixels. Chunks with a wrong CRC are an error where they are critical. A
-/// wrong CRC of a colour chunk is mostly a careless writer's: such chunks are used, and remarked
-/// on.
+/// Everything before the pixels. A critical chunk with a wrong CRC is an error; damaged ancillary
+/// chunks do not come here.
 void ReadHeader(PngHandle& handle, Cursor& cursor) {
   png_structp png = handle.Png();
   png_set_read_fn(png, &cursor, OnRead);
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-  png_set_crc_action(png, PNG_CRC_ERROR_QUIT, PNG_CRC_WARN_USE);
   png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_ALWAYS, kColorChunks, 5);
   png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kTextChunks, 3);
   png_read_info(png, handle.Info());
@@ -203,7 +215,8 @@ void FinishSamples(const StillSource& source, bool narrowRange, Still& still) {
 }  // namespace
 
 Still ReadPng(const StillSource& source) {
-  Cursor cursor{source.bytes};
+  const PngFile file = ScanPngFile(source.bytes);
+  Cursor cursor{file.pieces};
   PngHandle handle(PngHandle::Use::Read);
   if (!handle.IsUsable()) throw std::bad_alloc();
   if (!handle.Guard([&] { ReadHeader(handle, cursor); })) FailDamaged(source, handle.Error());
@@ -212,6 +225,10 @@ Still ReadPng(const StillSource& source) {
   const png_uint_32 height = png_get_image_height(handle.Png(), handle.Info());
   const bool deep = png_get_bit_depth(handle.Png(), handle.Info()) == 16;
   CheckDimensions(source, width, height);
+  const double pixelBits = png_get_bit_depth(handle.Png(), handle.Info()) *
+                           png_get_channels(handle.Png(), handle.Info());
+  CheckHeld(source, std::to_string(width) + "x" + std::to_string(height) + " pixels",
+            pixelBits / 8.0 * width * height, kMostDeflated * static_cast<double>(file.pixelBytes));
 
   Still still;
   const PngTags tags = ReadKeptChunks(handle, still.remarks);
@@ -222,6 +239,9 @@ Still ReadPng(const StillSource& source) {
                           static_cast<int>(height), colorSpace);
   ReadPixels(source, handle, PixelsOf(still.frame));
 
+  for (const std::string& name : file.damaged) {
+    still.remarks.push_back("PNG chunk " + name + " ignored: it is damaged, its CRC is wrong");
+  }
   for (const std::string& warning : handle.Warnings()) {
     still.remarks.push_back("PNG chunk " + warning);
   }

@@ -1,3 +1,4 @@
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -15,6 +16,11 @@ Still ReadRadiance(const StillSource& source) {
   if (header.primaries && !SetPrimaries(description, *header.primaries)) {
     header.remarks.emplace_back("the PRIMARIES line describes no colours and was ignored");
   }
+  // A scanline takes a pixel at least, and what repeats it.
+  constexpr double kPixelBytes = 4.0;
+  const double rowBytes = header.width == 1 ? kPixelBytes : 2.0 * kPixelBytes;
+  CheckHeld(source, std::to_string(header.height) + " scanlines", header.height * rowBytes,
+            static_cast<double>(source.bytes.size() - header.pixelOffset));
   Still still;
   still.frame = MakeFrame(source, orvmediatypes::kLinearFloatBGRA, header.width, header.height,
                           orvmediatypes::color::ColorSpace(description));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -30,9 +31,14 @@ struct Still {
   std::vector<std::string> remarks;
 };
 
-/// Reads an EXR, Radiance HDR, PNG or AVIF file, told apart by its first bytes. At most 65535
-/// pixels wide and high and 2^28 pixels in all. Throws StillError.
-Still ReadStill(const std::filesystem::path& path);
+/// Most pixels of a picture that is read where nothing else is asked for.
+inline constexpr std::int64_t kDefaultMaxPixels = std::int64_t{1} << 28;
 
-/// Whether a file exists and begins as a still that is read here, by its first bytes.
+/// Reads an EXR, Radiance HDR, PNG or AVIF file, told apart by its first bytes. At most 65535
+/// pixels wide and high and `maxPixels` in all; memory is taken for no more pixels than the bytes
+/// of the file can hold. Throws StillError.
+Still ReadStill(const std::filesystem::path& path, std::int64_t maxPixels = kDefaultMaxPixels);
+
+/// Whether a file begins as a still that is read here, by its first bytes. Throws StillError
+/// (CannotRead) where it cannot be read, is empty, or begins as a picture of another format.
 bool IsStill(const std::filesystem::path& path);

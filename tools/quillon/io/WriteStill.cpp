@@ -1,5 +1,6 @@
 #include "tools/quillon/io/WriteStill.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
 #include <string>
@@ -21,17 +22,26 @@ struct Format {
 constexpr std::array<Format, 3> kFormats{
     {{".png", EncodePng}, {".exr", EncodeExr}, {".avif", EncodeAvif}}};
 
+const Format* FindFormat(const std::string& extension) {
+  const auto* found =
+      std::find_if(kFormats.begin(), kFormats.end(),
+                   [&extension](const Format& format) { return format.extension == extension; });
+  return found == kFormats.end() ? nullptr : found;
+}
+
 const Format& FormatOf(const std::filesystem::path& path) {
   const std::string extension = LowerCaseExtension(path);
-  for (const Format& format : kFormats) {
-    if (format.extension == extension) return format;
-  }
+  if (const Format* format = FindFormat(extension)) return *format;
   throw StillError(StillErrorKind::NotSupported, path,
                    "the extension \"" + extension + "\" names no format that is written",
                    "choose .png, .exr or .avif");
 }
 
 }  // namespace
+
+bool NamesStill(const std::filesystem::path& path) {
+  return FindFormat(LowerCaseExtension(path)) != nullptr;
+}
 
 void CheckStillTarget(const std::filesystem::path& path, bool overwrite) {
   FormatOf(path);

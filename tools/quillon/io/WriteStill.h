@@ -28,6 +28,9 @@ struct StillOutput {
 /// only when it is whole. Throws StillError.
 void WriteStill(const StillOutput& output, const std::filesystem::path& path);
 
+/// Whether a name has the extension of a still that is written.
+bool NamesStill(const std::filesystem::path& path);
+
 /// Throws the StillError that `WriteStill` would end with because of the name alone: an unknown
 /// extension, a missing folder, something that stands there already.
 void CheckStillTarget(const std::filesystem::path& path, bool overwrite);

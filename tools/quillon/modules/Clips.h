@@ -7,6 +7,7 @@
 /// The module `clips`: all that calls FFmpeg.
 struct ClipsModule {
   decltype(&MapClip) mapClip;
+  decltype(&RequireClip) requireClip;
   decltype(&OpenClip) openClip;
   decltype(&CountClipFrames) countClipFrames;
   decltype(&WriteChartClip) writeChartClip;

@@ -14,9 +14,12 @@ void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) 
   Clips().mapClip(options, out, notes);
 }
 
+void RequireClip(const std::filesystem::path& path) { Clips().requireClip(path); }
+
 std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const FrameIndex* index,
-                                        std::int64_t first, DamagePolicy policy) {
-  return Clips().openClip(path, index, first, policy);
+                                        std::int64_t first, DamagePolicy policy,
+                                        std::int64_t maxPixels) {
+  return Clips().openClip(path, index, first, policy, maxPixels);
 }
 
 std::int64_t CountClipFrames(const std::filesystem::path& path) {

@@ -39,6 +39,9 @@ constexpr std::array<EncoderTraits, 5> kTraits = {{
     {VideoCodec::ProRes, AV_CODEC_ID_PRORES, "prores_ks", "", 0, "", ""},
 }};
 
+/// Bits of a component that are converted to; encoders take others too.
+constexpr std::array<int, 4> kBits = {8, 10, 12, 16};
+
 const EncoderTraits& TraitsOf(VideoCodec codec) {
   return *std::find_if(kTraits.begin(), kTraits.end(),
                        [codec](const EncoderTraits& traits) { return traits.codec == codec; });
@@ -116,7 +119,7 @@ bool Takes(const AVCodec& encoder, AVPixelFormat format) {
 std::string Takings(const AVCodec& encoder) {
   std::string list;
   for (const auto& sampling : kSamplings) {
-    for (const int bits : {8, 10, 12, 16}) {
+    for (const int bits : kBits) {
       if (!Takes(encoder, FormatOf(sampling.value, bits))) continue;
       list += (list.empty() ? "" : ", ") + std::string(sampling.name) + " at " +
               std::to_string(bits) + " bits";
@@ -128,7 +131,8 @@ std::string Takings(const AVCodec& encoder) {
 AVPixelFormat SettleFormat(VideoCodec codec, Sampling sampling, int bits) {
   const AVCodec& encoder = FindEncoder(codec);
   const AVPixelFormat format = FormatOf(sampling, bits);
-  if (!Takes(encoder, format)) {
+  const bool isKnown = std::find(kBits.begin(), kBits.end(), bits) != kBits.end();
+  if (!isKnown || !Takes(encoder, format)) {
     Refuse(std::string(encoder.name) + " does not take " +
            std::string(kSamplings.at(static_cast<std::size_t>(sampling)).name) + " at " +
            std::to_string(bits) + " bits; choose --chroma and --depth among: " + Takings(encoder));
@@ -262,8 +266,8 @@ Encoding SettleEncoding(const EncodingWishes& wishes, const SourceSamples& sourc
 
   const bool hasQuality = *traits.qualityOption != '\0';
   if (!hasQuality && (wishes.quality || wishes.preset)) {
-    Refuse("--quality and --preset have no effect with --codec " + NameOf(encoding.codec) +
-           "; leave them out");
+    throw CommandError(ExitCode::Usage, "--quality and --preset have no effect with --codec " +
+                                            NameOf(encoding.codec) + "; leave them out");
   }
   if (hasQuality) encoding.quality = wishes.quality.value_or(traits.quality);
   encoding.preset = wishes.preset.value_or(traits.preset);
