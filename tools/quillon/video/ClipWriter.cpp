@@ -71,6 +71,32 @@ bool IsFragmented(const AVFormatContext& container) {
   return name == "mp4" || name == "mov";
 }
 
+bool IsCover(const AVStream& stream) {
+  return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
+}
+
+/// MP4 holds covers beside its tracks; the other containers hold none.
+bool HoldsCover(const AVFormatContext& container, const AVStream& cover) {
+  return std::string(container.oformat->name) == "mp4" &&
+         avformat_query_codec(container.oformat, cover.codecpar->codec_id, FF_COMPLIANCE_NORMAL) ==
+             1;
+}
+
+/// Makes streams for the covers of a clip. Their pictures, to be written.
+std::vector<AvPacketPtr> CopyCovers(const ClipInput& source, AVFormatContext& container) {
+  std::vector<AvPacketPtr> covers;
+  for (unsigned i = 0; i < source.container->nb_streams; ++i) {
+    const AVStream& from = *source.container->streams[i];
+    if (!IsCover(from) || from.attached_pic.size == 0 || !HoldsCover(container, from)) continue;
+    AvPacketPtr cover(av_packet_clone(&from.attached_pic));
+    if (cover == nullptr) throw std::bad_alloc();
+    cover->stream_index = CopyStream(from, container).index;
+    cover->pts = cover->dts = 0;
+    covers.push_back(std::move(cover));
+  }
+  return covers;
+}
+
 void CopyChapters(const ClipInput& source, AVFormatContext& container) {
   const unsigned count = source.container->nb_chapters;
   if (count == 0) return;
@@ -143,9 +169,10 @@ void ClipWriter::AddPassedStreams(const ClipInput& source) {
 
 void ClipWriter::AddStream(const ClipInput& source, const AVStream& from) {
   const AVCodecID id = from.codecpar->codec_id;
-  const bool secondVideo = from.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
-                           (from.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
-  const bool fits = id != AV_CODEC_ID_NONE &&
+  // Fragments cannot hold them; they come in when the file is written again.
+  if (IsCover(from) && HoldsCover(*container_, from)) return;
+  const bool secondVideo = from.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && !IsCover(from);
+  const bool fits = id != AV_CODEC_ID_NONE && !IsCover(from) &&
                     avformat_query_codec(container_->oformat, id, FF_COMPLIANCE_NORMAL) == 1;
   if (!secondVideo && fits) {
     AVStream& to = CopyStream(from, *container_);
@@ -281,18 +308,23 @@ bool NeedsRewriting(const fs::path& path) {
          (std::string(format->name) == "mp4" || std::string(format->name) == "mov");
 }
 
-void RewriteClip(const fs::path& from, const fs::path& to, const ClipInput* chapters) {
+void RewriteClip(const fs::path& from, const fs::path& to, const ClipInput* passOn) {
   const ClipInput source = OpenClipInput(from);
   const AvOutputPtr container = MakeContainer(to);
   av_dict_copy(&container->metadata, source.container->metadata, 0);
-  if (chapters != nullptr) CopyChapters(*chapters, *container);
+  if (passOn != nullptr) CopyChapters(*passOn, *container);
   for (unsigned i = 0; i < source.container->nb_streams; ++i) {
     CopyStream(*source.container->streams[i], *container);
   }
+  std::vector<AvPacketPtr> covers;
+  if (passOn != nullptr) covers = CopyCovers(*passOn, *container);
   AvOptions options;
   KeepTimeBase(options, *container, source.video->time_base);
   OpenFile(to, *container);
   int result = avformat_write_header(container.get(), options.Address());
+  for (std::size_t i = 0; result >= 0 && i < covers.size(); ++i) {
+    result = av_interleaved_write_frame(container.get(), covers[i].get());
+  }
   const AvPacketPtr packet = MakeAvPacket();
   while (result >= 0 && ReadPacket(source, *packet) >= 0) {
     const AVStream& in = *source.container->streams[packet->stream_index];

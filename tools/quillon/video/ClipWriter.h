@@ -79,9 +79,10 @@ class ClipWriter {
 };
 
 /// Writes the clip again, packet by packet, with its head at one place, as players expect of a
-/// finished MP4 or MOV file, and with the chapters of `chapters`, where given. Throws CommandError.
+/// finished MP4 or MOV file, and with the chapters and covers of `passOn`, where given. Throws
+/// CommandError.
 void RewriteClip(const std::filesystem::path& from, const std::filesystem::path& to,
-                 const ClipInput* chapters);
+                 const ClipInput* passOn);
 
 /// MP4 and MOV are written in fragments while the run lasts, and so have to be written again.
 bool NeedsRewriting(const std::filesystem::path& path);
