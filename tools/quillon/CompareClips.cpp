@@ -34,7 +34,7 @@ class ComparedClip {
   std::optional<ClipPicture> Next() {
     auto picture = source_->Next();
     if (!picture) {
-      RequireUndamaged();
+      RequireWhole(file_.path, source_->Damage());
       return std::nullopt;
     }
     const auto tagged = TaggedSource(picture->tags.colors, file_.source);
@@ -52,13 +52,6 @@ class ComparedClip {
   const std::filesystem::path& Path() const { return file_.path; }
 
  private:
-  void RequireUndamaged() {
-    const ClipDamage damage = source_->Damage();
-    if (damage.places == 0) return;
-    throw CommandError(ExitCode::CannotRead,
-                       file_.path.string() + ": it is damaged: " + damage.first);
-  }
-
   const ComparedFile& file_;
   std::string suffix_;
   std::unique_ptr<PictureSource> source_;

@@ -19,5 +19,7 @@ std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const
 }
 
 std::int64_t CountClipFrames(const std::filesystem::path& path) {
-  return FrameIndex::Scan(path).Count();
+  const FrameIndex index = FrameIndex::Scan(path);
+  RequireWhole(path, index.Damage());
+  return index.Count();
 }

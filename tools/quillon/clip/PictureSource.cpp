@@ -43,6 +43,11 @@ std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
   return OpenClip(path, index, first, policy, maxPixels);
 }
 
+void RequireWhole(const std::filesystem::path& path, const ClipDamage& damage) {
+  if (damage.places == 0) return;
+  throw CommandError(ExitCode::CannotRead, path.string() + ": it is damaged: " + damage.first);
+}
+
 std::int64_t CountPictures(const std::filesystem::path& path) {
   if (const auto name = InputSequence(path)) {
     return static_cast<std::int64_t>(name->ExistingNumbers().size());

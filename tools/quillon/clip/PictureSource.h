@@ -63,5 +63,8 @@ std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
                                             DamagePolicy policy = DamagePolicy::Stop,
                                             std::int64_t maxPixels = kDefaultMaxPixels);
 
-/// How many pictures there are, counted one by one.
+/// Throws CommandError where something is damaged.
+void RequireWhole(const std::filesystem::path& path, const ClipDamage& damage);
+
+/// How many pictures there are, counted one by one. Throws CommandError, of damage too.
 std::int64_t CountPictures(const std::filesystem::path& path);

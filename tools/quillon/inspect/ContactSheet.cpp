@@ -96,6 +96,7 @@ std::vector<SheetPicture> CollectPictures(const MapOptions& options, double peak
     pictures.push_back({picture.number, Small(PictureForEye(picture.frame, peakNits, options.white,
                                                             options.input.string()))});
   }
+  RequireWhole(options.input, source->Damage());
   return pictures;
 }
 

@@ -41,7 +41,9 @@ std::string PacketWatch::Look(const AVPacket& packet) {
 std::string PacketWatch::LookAtEnd(int result) const {
   if (result != AVERROR_EOF) return "the file cannot be read on (" + AvErrorText(result) + ")";
   const AVFormatContext& container = *input_.container;
-  const double start = container.start_time == AV_NOPTS_VALUE
+  // Matroska tells when the clip ends, others how long it lasts.
+  const bool isEnd = std::string(container.iformat->name).starts_with("matroska");
+  const double start = isEnd || container.start_time == AV_NOPTS_VALUE
                            ? 0.0
                            : static_cast<double>(container.start_time) / AV_TIME_BASE;
   const double duration = static_cast<double>(container.duration) / AV_TIME_BASE;
