@@ -86,5 +86,6 @@ void Progress::ShowJson(const ProgressStep& step, double seconds, double rate, b
   if (step.peakNits) line["peak_nits"] = *step.peakNits;
   if (step.sampledPeakNits) line["sampled_peak_nits"] = *step.sampledPeakNits;
   if (!step.doing.empty()) line["doing"] = step.doing;
-  std::fprintf(stderr, "%s\n", line.dump().c_str());
+  using nlohmann::json;
+  std::fprintf(stderr, "%s\n", line.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
 }

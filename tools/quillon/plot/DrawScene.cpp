@@ -10,6 +10,8 @@
 #include <cairo-svg.h>
 #include <cairo.h>
 
+#include "tools/quillon/plot/DrawnText.h"
+
 namespace {
 
 constexpr const char* kFont = "DejaVu Sans";
@@ -108,6 +110,12 @@ void DrawText(cairo_t* context, const Text& text) {
   cairo_restore(context);
 }
 
+Scene WithDrawnTexts(Scene scene) {
+  scene.title = DrawnText(scene.title);
+  for (Text& text : scene.texts) text.text = DrawnText(text.text);
+  return scene;
+}
+
 /// The one drawing routine of both formats.
 void Draw(cairo_surface_t* surface, const Scene& scene) {
   const Context context(cairo_create(surface));
@@ -167,7 +175,8 @@ void AddDescription(std::string& svg, const Scene& scene) {
 
 }  // namespace
 
-std::string DrawSvg(const Scene& scene) {
+std::string DrawSvg(const Scene& given) {
+  const Scene scene = WithDrawnTexts(given);
   SvgSink sink;
   {
     const Surface surface(
@@ -182,7 +191,8 @@ std::string DrawSvg(const Scene& scene) {
   return std::move(sink.bytes);
 }
 
-Bitmap DrawBitmap(const Scene& scene) {
+Bitmap DrawBitmap(const Scene& given) {
+  const Scene scene = WithDrawnTexts(given);
   const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, scene.width, scene.height));
   Check(cairo_surface_status(surface.get()));
   Draw(surface.get(), scene);

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// A text that can be drawn and stand in XML: what is not UTF-8, as file names may be, and control
+/// characters become U+FFFD.
+std::string DrawnText(std::string_view text);
