@@ -56,12 +56,13 @@ install(DIRECTORY host/ DESTINATION ${QUILLON_HEADER_DIR}/host FILES_MATCHING PA
 if(TARGET quillon)
   file(RELATIVE_PATH from_bin_to_lib
     ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set_target_properties(quillon PROPERTIES INSTALL_RPATH "$ORIGIN/${from_bin_to_lib}")
+  set_target_properties(quillon PROPERTIES INSTALL_RPATH
+    "$ORIGIN/${from_bin_to_lib};$ORIGIN/${from_bin_to_lib}/quillon")
   install(TARGETS quillon RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
   get_property(modules GLOBAL PROPERTY QUILLON_MODULES)
-  set_target_properties(${modules} PROPERTIES INSTALL_RPATH "$ORIGIN/..")
-  install(TARGETS ${modules} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quillon)
+  set_target_properties(${modules} PROPERTIES INSTALL_RPATH "$ORIGIN/..;$ORIGIN")
+  install(TARGETS ${modules} quillon_signals LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/quillon)
 endif()
 
 # CMake package.

@@ -6,9 +6,12 @@
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/ChartScene.h"
 #include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/Frames.h"
 #include "tools/quillon/LightLevels.h"
 #include "tools/quillon/clip/ClipSink.h"
+#include "tools/quillon/clip/Interrupt.h"
+#include "tools/quillon/io/OutputLock.h"
 #include "tools/quillon/io/TargetFile.h"
 
 namespace {
@@ -63,19 +66,36 @@ Encoding EncodingOf(const ChartClip& clip, const ChartClipLight& light) {
   return encoding;
 }
 
-}  // namespace
-
-ChartClipLight WriteChartClip(const ChartClip& clip) {
-  CheckTargetFile(clip.output, clip.overwrite);
-  const ChartClipLight light = MeasureClip(clip);
-  ClipSink sink(clip.output, clip.overwrite, EncodingOf(clip, light), nullptr, "chart\n", {}, 0);
+void WriteFrames(const ChartClip& clip, ClipSink& sink, const InterruptGuard& interrupt) {
   for (int frame = 0; frame < clip.frames; ++frame) {
+    if (interrupt.IsInterrupted()) {
+      throw CommandError(interrupt.Code(),
+                         clip.output.string() + ": stopped; nothing is left of it");
+    }
     MappedPicture picture = sink.NewPicture();
     CopyConverted(RenderFrame(clip, frame), picture.frame, kWhite);
     picture.number = frame;
     picture.pts = frame;
     sink.Write(std::move(picture), {});
   }
-  sink.Finish();
+}
+
+}  // namespace
+
+ChartClipLight WriteChartClip(const ChartClip& clip) {
+  CheckTargetFile(clip.output, clip.overwrite);
+  const PartialClip files(clip.output);
+  const OutputLock lock(clip.output, files.lock);
+  const ChartClipLight light = MeasureClip(clip);
+  const Encoding encoding = EncodingOf(clip, light);
+  const InterruptGuard interrupt;
+  try {
+    ClipSink sink(clip.output, clip.overwrite, encoding, nullptr, "chart\n", {}, 0);
+    WriteFrames(clip, sink, interrupt);
+    sink.Finish();
+  } catch (...) {
+    files.Remove();  // it cannot be resumed
+    throw;
+  }
   return light;
 }

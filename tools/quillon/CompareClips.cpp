@@ -178,7 +178,7 @@ std::optional<WorstPair> CompareAll(const CompareOptions& options, ComparedClip&
     if (!pictureA && pictureB) NoteRest(options, b, totals);
     if (!pictureA || !pictureB) return worst;
     if (interrupt.IsInterrupted()) {
-      throw CommandError(ExitCode::Interrupted, "comparing was stopped");
+      throw CommandError(interrupt.Code(), "comparing was stopped");
     }
     Comparison comparison = ComparePictures(pictureA->frame, pictureB->frame, options.settings);
     Add(options, comparison, totals);

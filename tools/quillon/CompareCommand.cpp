@@ -10,6 +10,7 @@
 #include "tools/quillon/CompareOptions.h"
 #include "tools/quillon/CompareOutputs.h"
 #include "tools/quillon/CompareTable.h"
+#include "tools/quillon/SameFiles.h"
 #include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/io/Still.h"
@@ -87,6 +88,10 @@ void RunCompare(const CompareOptions& options) {
   CheckCompareOptions(options);
   const InputKind a = RequireInput(options.a.path);
   const InputKind b = RequireInput(options.b.path);
+  for (const auto& input : {options.a.path, options.b.path}) {
+    RequireOtherFile(options.output, input);
+    if (options.WritesJson()) RequireOtherFile(options.json, input);
+  }
   CheckCompareTargets(options);
   if (a == InputKind::Still && b == InputKind::Still) {
     CompareStills(options);

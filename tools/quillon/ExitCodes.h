@@ -12,7 +12,8 @@ enum class ExitCode : int {
   NotSupported = 4,
   CannotWrite = 5,
   EngineRefused = 6,
-  Interrupted = 130,
+  Interrupted = 130,  ///< by SIGINT, which Ctrl-C is
+  Terminated = 143,   ///< by SIGTERM
 };
 
 /// Ends a command with an exit code and a sentence for the user.

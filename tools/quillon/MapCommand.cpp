@@ -10,6 +10,7 @@
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/MapOptions.h"
 #include "tools/quillon/MapStill.h"
+#include "tools/quillon/SameFiles.h"
 #include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/clip/AddClipOptions.h"
 #include "tools/quillon/clip/ClipRun.h"
@@ -79,7 +80,7 @@ void RequireFittingOutput(const MapOptions& options, InputKind kind) {
   }
 }
 
-void RunMap(MapOptions options, bool destinationGiven) {
+void RunMap(MapOptions options, bool destinationGiven, bool inPlace) {
   if (!destinationGiven) options.destination = ColorSpaceOfName("srgb");
   CheckMapOptions(options);
   const InputKind kind = RequireInput(options.input);
@@ -87,6 +88,8 @@ void RunMap(MapOptions options, bool destinationGiven) {
     options.destination = ColorSpaceOfName("bt709");
   }
   RequireFittingOutput(options, kind);
+  CheckInPlace(options.output, options.input, inPlace);
+  options.overwrite = options.overwrite || inPlace;
   std::optional<tbb::global_control> limit;
   if (options.threads.has_value()) {
     limit.emplace(tbb::global_control::max_allowed_parallelism, *options.threads);
@@ -104,6 +107,7 @@ void RunMap(MapOptions options, bool destinationGiven) {
 
 Subcommand AddMapCommand(CLI::App& app) {
   const auto options = std::make_shared<MapOptions>();
+  const auto inPlace = std::make_shared<bool>(false);
   CLI::App& map =
       *app.add_subcommand("map", "Map an HDR picture or clip to a lower peak or smaller gamut");
   map.add_option(
@@ -120,6 +124,7 @@ Subcommand AddMapCommand(CLI::App& app) {
   AddAlgorithmOptions(map, *options);
   AddDialOptions(map, *options);
   AddRunOptions(map, *options);
+  map.add_flag("--in-place", *inPlace, "Replace the input, which OUTPUT is, by the whole result");
   AddClipOptions(map, options->clip);
   map.footer(
       "Examples:\n"
@@ -128,8 +133,8 @@ Subcommand AddMapCommand(CLI::App& app) {
       "  quillon map --to bt2100-pq --target-peak 600 master.avif display.avif\n"
       "  quillon map --peak scenes --codec hevc film.mkv film-sdr.mkv\n"
       "  quillon map --frames 240-359 film.mkv frame.%05d.png");
-  return [options, &map] {
-    RunMap(*options, map.count("--to") + map.count("--to-cicp") > 0);
+  return [options, inPlace, &map] {
+    RunMap(*options, map.count("--to") + map.count("--to-cicp") > 0, *inPlace);
     const bool writes = !options->clip.dryRun;
     return writes ? std::vector{options->output} : std::vector<std::filesystem::path>();
   };

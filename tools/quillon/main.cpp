@@ -12,6 +12,7 @@
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/StandardStreams.h"
+#include "tools/quillon/clip/Interrupt.h"
 #include "tools/quillon/io/StillError.h"
 
 namespace {
@@ -45,7 +46,7 @@ std::vector<std::filesystem::path> RunCommandLine(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(
       "Exit codes: 0 done; 1 internal error; 2 usage; 3 input cannot be read; 4 not supported;\n"
-      "5 output cannot be written; 6 the engine refused; 130 stopped by Ctrl-C.\n"
+      "5 output cannot be written; 6 the engine refused; 130 stopped by Ctrl-C; 143 by SIGTERM.\n"
       "'quillon COMMAND --help' tells the options of a command.");
   const std::array<std::pair<const char*, Subcommand>, 7> commands = {{
       {"map", AddMapCommand(app)},
@@ -82,6 +83,7 @@ int Fail(ExitCode code, const char* message) {
 /// Every failure ends as one line and an exit code.
 int main(int argc, char** argv) {
   PrepareStandardStreams();
+  EndOnSignals();
   try {
     RequireAllPrinted(RunCommandLine(argc, argv));
     return static_cast<int>(ExitCode::Success);

@@ -1,12 +1,17 @@
+#include <cerrno>
 #include <csignal>
+#include <functional>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "tests/tools/io/StillTestSupport.h"
 #include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/io/UnfinishedFile.h"
 #include "tools/quillon/io/WriteStill.h"
 
 namespace fs = std::filesystem;
@@ -15,6 +20,21 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 namespace {
+
+/// What the system's calls do first in this program: 0 to go on, else they fail with this error.
+std::function<int()> onRename;
+std::function<int()> onLink;
+
+class Hooks {
+ public:
+  Hooks(std::function<int()> rename, std::function<int()> link) {
+    onRename = std::move(rename);
+    onLink = std::move(link);
+  }
+  ~Hooks() { onRename = onLink = nullptr; }
+  Hooks(const Hooks&) = delete;
+  Hooks& operator=(const Hooks&) = delete;
+};
 
 StillOutput SmallOutput() {
   StillOutput output;
@@ -57,6 +77,21 @@ class Umask {
 };
 
 }  // namespace
+
+/// These stand in for the C library's.
+extern "C" {
+int renameat2(int fromFolder, const char* from, int toFolder, const char* to,
+              unsigned flags) noexcept {
+  if (onRename) errno = onRename();
+  if (onRename && errno != 0) return -1;
+  return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+int link(const char* from, const char* to) noexcept {
+  if (onLink) errno = onLink();
+  if (onLink && errno != 0) return -1;
+  return static_cast<int>(syscall(SYS_link, from, to));
+}
+}
 
 TEST(WriteTargetFile, WritesTheBytesAndLeavesNothingElse) {
   const ScratchFolder folder;
@@ -163,4 +198,87 @@ TEST(CheckStillTarget, FailsAsWritingWould) {
             StillErrorKind::NotSupported);
   EXPECT_FALSE(FailureOf([&] { CheckStillTarget(folder / "a.png", true); }));
   EXPECT_EQ(ReadBytes(folder / "a.png"), Bytes{1});
+}
+
+TEST(WriteTargetFile, ReplacesNothingThatCameWhileItWrote) {
+  const auto none = [] { return 0; };
+  const auto missing = [] { return EINVAL; };
+  for (const int error : {0, EINVAL}) {
+    const ScratchFolder folder;
+    const Hooks hooks(
+        [&] {
+          WriteBytes(folder / "a.png", {9});
+          return error;
+        },
+        none);
+    const auto failure = FailureOf([&] { WriteTargetFile(folder / "a.png", Bytes{1}, false); });
+    ASSERT_TRUE(failure);
+    EXPECT_THAT(failure->message, HasSubstr("it exists already"));
+    EXPECT_EQ(ReadBytes(folder / "a.png"), Bytes{9});
+    EXPECT_THAT(folder.Names(), ElementsAre("a.png"));
+  }
+  const ScratchFolder folder;
+  const Hooks hooks(missing, [&] {
+    WriteBytes(folder / "a.png", {9});
+    return EPERM;
+  });
+  EXPECT_TRUE(FailureOf([&] { WriteTargetFile(folder / "a.png", Bytes{1}, false); }));
+  EXPECT_EQ(ReadBytes(folder / "a.png"), Bytes{9});
+}
+
+TEST(WriteTargetFile, WritesWhereTheFileSystemOffersLess) {
+  for (const int link : {0, EPERM}) {
+    const ScratchFolder folder;
+    const Hooks hooks([] { return EINVAL; }, [link] { return link; });
+    WriteTargetFile(folder / "a.png", Bytes{1}, false);
+    EXPECT_EQ(ReadBytes(folder / "a.png"), Bytes{1});
+    EXPECT_THAT(folder.Names(), ElementsAre("a.png"));
+  }
+}
+
+TEST(WriteTargetFile, LeavesNothingWhenASignalEndsTheProgram) {
+  const ScratchFolder folder;
+  EXPECT_EXIT(
+      {
+        const Hooks hooks(
+            [] {
+              RemoveUnfinishedFiles();
+              _exit(7);
+              return 0;
+            },
+            nullptr);
+        WriteTargetFile(folder / "a.png", Bytes{1}, false);
+      },
+      testing::ExitedWithCode(7), "");
+  EXPECT_THAT(folder.Names(), IsEmpty());
+}
+
+TEST(WriteTargetFile, WritesUnderTheLongestNames) {
+  const ScratchFolder folder;
+  for (const std::size_t length : {220U, 240U, 255U}) {
+    const std::string name = std::string(length - 4, 'a') + ".png";
+    WriteTargetFile(folder / name, Bytes{1}, false);
+    EXPECT_EQ(ReadBytes(folder / name), Bytes{1});
+  }
+  const auto failure = FailureOf([&] { CheckTargetFile(folder / std::string(256, 'a'), false); });
+  ASSERT_TRUE(failure);
+  EXPECT_THAT(failure->message, HasSubstr("File name too long"));
+}
+
+TEST(WriteTargetFile, ReplacesALinkItselfAndOnlyWhereItMay) {
+  const ScratchFolder folder;
+  WriteBytes(folder / "old.png", {9});
+  fs::create_symlink(folder / "old.png", folder / "file.png");
+  fs::create_symlink(folder / "nowhere", folder / "dangling.png");
+  for (const char* link : {"file.png", "dangling.png"}) {
+    const auto failure = FailureOf([&] { WriteTargetFile(folder / link, Bytes{1}, false); });
+    ASSERT_TRUE(failure) << link;
+    EXPECT_THAT(failure->message, HasSubstr("it exists already"));
+    EXPECT_TRUE(fs::is_symlink(folder / link));
+    WriteTargetFile(folder / link, Bytes{1}, true);
+    EXPECT_FALSE(fs::is_symlink(folder / link));
+    EXPECT_EQ(ReadBytes(folder / link), Bytes{1});
+  }
+  EXPECT_EQ(ReadBytes(folder / "old.png"), Bytes{9});
+  EXPECT_FALSE(fs::exists(folder / "nowhere"));
 }

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "tools/quillon/ColorSpaceNames.h"
@@ -17,6 +18,7 @@
 #include "tools/quillon/clip/MeasureClip.h"
 #include "tools/quillon/clip/ResultTags.h"
 #include "tools/quillon/clip/SequenceSink.h"
+#include "tools/quillon/io/NameBeside.h"
 #include "tools/quillon/io/TargetFile.h"
 
 namespace {
@@ -140,10 +142,25 @@ void RequireSameSettings(const MapOptions& options, const ClipRun& run) {
 /// A file of that name that no run of this program left is not to be lost.
 void CheckPartialNames(const MapOptions& options) {
   const PartialClip files(options.output);
-  if (options.overwrite || files.ReadNote() || !std::filesystem::exists(files.clip)) return;
-  throw CommandError(ExitCode::CannotWrite, files.clip.string() +
-                                                ": this name is needed while the clip is written; "
-                                                "move the file away or give --overwrite");
+  if (options.overwrite || files.ReadNote()) return;
+  for (const auto& path : {files.clip, files.earlier}) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(path, ignored)) continue;
+    throw CommandError(ExitCode::CannotWrite,
+                       path.string() +
+                           ": this name is needed while the clip is written; "
+                           "move the file away or give --overwrite");
+  }
+}
+
+/// Runs that write other pictures of one sequence do not get in each other's way.
+std::unique_ptr<OutputLock> LockOutput(const MapOptions& options, const ClipRun& run) {
+  if (!IsSequence(options.output)) {
+    return std::make_unique<OutputLock>(options.output, PartialClip(options.output).lock);
+  }
+  return std::make_unique<OutputLock>(
+      options.output, NameBeside(options.output, options.output.filename().string(), ".lock"),
+      run.selection.First(), run.selection.Last().value_or(-1));
 }
 
 std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const ClipTags& tags,
@@ -214,12 +231,15 @@ ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
   CheckOptions(options);
   if (!options.clip.dryRun) CheckTarget(options);
   const bool clipOut = !SequenceName::Parse(options.output).has_value();
-  if (clipOut && !options.clip.dryRun) CheckPartialNames(options);
 
   ClipRun run;
   const bool bySingleFrames = options.clip.frames || options.clip.chunk || options.clip.resume;
   if (bySingleFrames) run.frames = CountFrames(run, options, notes);
   run.selection = Select(options, run.frames);
+  if (!options.clip.dryRun) {
+    run.lock = LockOutput(options, run);
+    if (clipOut) CheckPartialNames(options);
+  }
   run.left = run.selection;
   if (options.clip.resume && clipOut) {
     run.earlier = FindEarlier(options);

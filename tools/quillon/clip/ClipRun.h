@@ -10,13 +10,15 @@
 #include "tools/quillon/clip/PartialClip.h"
 #include "tools/quillon/clip/PictureSink.h"
 #include "tools/quillon/clip/PictureSource.h"
+#include "tools/quillon/io/OutputLock.h"
 
 /// What a run over a clip is made of, found out before anything is written.
 struct ClipRun {
-  std::optional<FrameIndex> index;  ///< where single frames of a clip have to be found
-  std::int64_t frames = 0;          ///< of the source, as far as is known
-  FrameSelection selection;         ///< what the output shows
-  FrameSelection left;              ///< what is still to be mapped
+  std::unique_ptr<OutputLock> lock;  ///< null where nothing is written
+  std::optional<FrameIndex> index;   ///< where single frames of a clip have to be found
+  std::int64_t frames = 0;           ///< of the source, as far as is known
+  FrameSelection selection;          ///< what the output shows
+  FrameSelection left;               ///< what is still to be mapped
   std::unique_ptr<PictureSource> source;
   std::unique_ptr<ClipMapper> mapper;
   std::optional<Encoding> encoding;  ///< nothing for image sequences

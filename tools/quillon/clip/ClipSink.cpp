@@ -26,6 +26,15 @@ void CopyCaptions(const AVFrame& from, AVFrame& to) {
   }
 }
 
+void Move(const fs::path& from, const fs::path& to) {
+  std::error_code error;
+  fs::rename(from, to, error);
+  if (!error) return;
+  throw CommandError(ExitCode::CannotWrite, from.string() + ": it cannot be renamed to " +
+                                                to.string() + " (" + error.message() +
+                                                "); check the permissions of its folder");
+}
+
 }  // namespace
 
 ClipSink::ClipSink(const fs::path& output, bool overwrite, const Encoding& encoding,
@@ -36,15 +45,38 @@ ClipSink::ClipSink(const fs::path& output, bool overwrite, const Encoding& encod
       encoding_(encoding),
       pool_(encoding.pixelFormat, encoding.width, encoding.height),
       passOn_(passOn),
+      resumes_(earlier.count > 0),
       lastPts_(std::numeric_limits<std::int64_t>::min()) {
-  if (earlier.count > 0) {
+  try {
+    Begin(settings, earlier, firstPts);
+  } catch (...) {
+    RemoveBegun();
+    throw;
+  }
+}
+
+void ClipSink::Begin(const std::string& settings, const EncodedFrames& earlier,
+                     std::int64_t firstPts) {
+  if (resumes_) {
     EncodedFrames kept = earlier;
     kept.clip = files_.earlier;
-    if (earlier.clip != files_.earlier) fs::rename(earlier.clip, files_.earlier);
-    earlier_ = std::make_unique<EarlierFrames>(kept, firstPts, encoding.timeBase);
+    if (earlier.clip != files_.earlier) Move(earlier.clip, files_.earlier);
+    earlier_ = std::make_unique<EarlierFrames>(kept, firstPts, encoding_.timeBase);
+  } else {
+    files_.Remove();
   }
-  writer_ = std::make_unique<ClipWriter>(files_.clip, encoding, passOn);
+  writer_ = std::make_unique<ClipWriter>(files_.clip, encoding_, passOn_);
   files_.WriteNote(settings);
+}
+
+void ClipSink::RemoveBegun() {
+  writer_.reset();
+  std::error_code ignored;
+  if (resumes_) {
+    fs::remove(files_.clip, ignored);
+  } else {
+    files_.Remove();
+  }
 }
 
 void ClipSink::WriteEarlier(double until) {
@@ -97,14 +129,9 @@ void ClipSink::Finish() {
   writer_->Finish();
   writer_.reset();
   earlier_.reset();
-  if (NeedsRewriting(files_.output)) {
-    fs::rename(files_.clip, files_.earlier);
-    RewriteClip(files_.earlier, files_.clip, passOn_);
-  }
-  CheckTargetFile(files_.output, overwrite_);
-  std::error_code error;
-  fs::rename(files_.clip, files_.output, error);
-  if (error) {
+  if (NeedsRewriting(files_.output)) Rewrite();
+  if (overwrite_) CheckTargetFile(files_.output, true);
+  if (const std::error_code error = GiveName(files_.clip, files_.output, overwrite_)) {
     throw CommandError(ExitCode::CannotWrite,
                        files_.output.string() + ": the finished clip cannot be given its name (" +
                            error.message() + "); it is " + files_.clip.string());
@@ -112,19 +139,38 @@ void ClipSink::Finish() {
   files_.Remove();
 }
 
-std::string ClipSink::Abandon(bool atOnce) {
-  if (writer_ == nullptr) return {};
-  WriteEarlier(std::numeric_limits<double>::infinity());
-  if (atOnce) {
-    writer_->Abandon();
-  } else {
-    writer_->Finish();
+void ClipSink::Rewrite() {
+  Move(files_.clip, files_.earlier);
+  try {
+    RewriteClip(files_.earlier, files_.clip, passOn_);
+  } catch (...) {
+    Move(files_.earlier, files_.clip);
+    holdsAll_ = true;
+    throw;
   }
-  const std::int64_t frames = writer_->FramesWritten();
-  writer_.reset();
+}
+
+std::int64_t ClipSink::FramesLeft() const {
+  return writer_->HasFailed() ? FindWholeGroups(files_.clip).count : writer_->FramesWritten();
+}
+
+std::string ClipSink::Abandon(bool atOnce) {
+  if (holdsAll_) return files_.clip.string() + " holds all frames, with which --resume goes on";
+  if (writer_ == nullptr) return {};
+  try {
+    WriteEarlier(std::numeric_limits<double>::infinity());
+    if (atOnce) {
+      writer_->Abandon();
+    } else {
+      writer_->Finish();
+    }
+  } catch (const CommandError&) {  // the file ends where it can be written no more
+  }
+  const std::int64_t frames = FramesLeft();
   if (frames == 0) {
-    files_.Remove();
+    RemoveBegun();
     return {};
   }
+  writer_.reset();
   return files_.clip.string() + " holds " + Counted(frames, "frame");
 }

@@ -10,7 +10,9 @@
 class ClipSink : public PictureSink {
  public:
   /// `settings` is all that shapes the output, as text. The frames of `earlier`, a clip of an
-  /// earlier run, come first, the first of them at `firstPts`.
+  /// earlier run, come first, the first of them at `firstPts`; without any, what an earlier run
+  /// left is removed. The caller holds the output's lock. Throws CommandError or StillError; the
+  /// files are then what they were, or gone.
   ClipSink(const std::filesystem::path& output, bool overwrite, const Encoding& encoding,
            const ClipInput* passOn, const std::string& settings, const EncodedFrames& earlier,
            std::int64_t firstPts);
@@ -25,6 +27,12 @@ class ClipSink : public PictureSink {
   std::string Abandon(bool atOnce) override;
 
  private:
+  void Begin(const std::string& settings, const EncodedFrames& earlier, std::int64_t firstPts);
+  void Rewrite();
+  /// Takes back what was begun.
+  void RemoveBegun();
+  /// Frames in the file, as far as they are whole.
+  std::int64_t FramesLeft() const;
   /// Writes the earlier frames that are decoded before a time, in seconds.
   void WriteEarlier(double until);
 
@@ -34,6 +42,8 @@ class ClipSink : public PictureSink {
   AvFramePool pool_;
   std::unique_ptr<ClipWriter> writer_;
   const ClipInput* passOn_;
+  bool resumes_;
   std::unique_ptr<EarlierFrames> earlier_;
   std::int64_t lastPts_;
+  bool holdsAll_ = false;  ///< but has not its form yet
 };

@@ -3,27 +3,42 @@
 #include <atomic>
 #include <csignal>
 
+#include <unistd.h>
+
+#include "tools/quillon/io/UnfinishedFile.h"
+
 namespace {
 
-std::atomic<bool> interrupted = false;
-static_assert(std::atomic<bool>::is_always_lock_free);
+constexpr int kSignalBase = 128;  // exit codes of signals, as shells have them
+
+std::atomic<bool> guarded = false;
+std::atomic<int> caught = 0;
+static_assert(std::atomic<int>::is_always_lock_free);
+static_assert(static_cast<int>(ExitCode::Interrupted) == kSignalBase + SIGINT);
+static_assert(static_cast<int>(ExitCode::Terminated) == kSignalBase + SIGTERM);
 
 void OnSignal(int signal) {
-  interrupted = true;
-  std::signal(signal, SIG_DFL);
+  if (caught.exchange(signal) == 0 && guarded) return;
+  RemoveUnfinishedFiles();
+  _exit(kSignalBase + signal);
 }
 
 }  // namespace
 
-InterruptGuard::InterruptGuard() {
-  interrupted = false;
+void EndOnSignals() {
   std::signal(SIGINT, OnSignal);
   std::signal(SIGTERM, OnSignal);
 }
 
-InterruptGuard::~InterruptGuard() {
-  std::signal(SIGINT, SIG_DFL);
-  std::signal(SIGTERM, SIG_DFL);
+InterruptGuard::InterruptGuard() {
+  guarded = true;
+  EndOnSignals();
 }
 
-bool InterruptGuard::IsInterrupted() const { return interrupted; }
+InterruptGuard::~InterruptGuard() { guarded = false; }
+
+bool InterruptGuard::IsInterrupted() const { return caught != 0; }
+
+ExitCode InterruptGuard::Code() const {
+  return caught == SIGTERM ? ExitCode::Terminated : ExitCode::Interrupted;
+}

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/quillon/clip/FileIdentity.h"
+#include "tools/quillon/io/NameBeside.h"
 #include "tools/quillon/io/TargetFile.h"
 
 using nlohmann::json;
@@ -49,7 +50,7 @@ double ClipLevels::MaxFall() const {
 }
 
 std::filesystem::path LevelsFileOf(const std::filesystem::path& clip) {
-  return clip.string() + ".levels.json";
+  return NameBeside(clip, clip.filename().string(), ".levels.json");
 }
 
 std::optional<ClipLevels> LoadLevels(const std::filesystem::path& clip,

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <exception>
+#include <optional>
 
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/ExitCodes.h"
@@ -12,7 +13,6 @@
 #include "tools/quillon/clip/Interrupt.h"
 #include "tools/quillon/clip/Pipeline.h"
 #include "tools/quillon/clip/SamplePeak.h"
-#include "tools/quillon/io/StillError.h"
 
 namespace {
 
@@ -71,7 +71,7 @@ bool MapPictures(const MapOptions& options, ClipRun& run, PictureSink& sink,
                    [&interrupt] { return interrupt.IsInterrupted(); }});
   last.done = done;
   progress.Finish(last);
-  return complete;
+  return complete && !interrupt.IsInterrupted();
 }
 
 /// All damage of the source, that of the streams that are passed on included.
@@ -99,19 +99,19 @@ void TellOfDamage(const MapOptions& options, const ClipDamage& damage, PictureSi
                                                "; --keep-damaged maps on");
 }
 
-[[noreturn]] void FailStopped(const MapOptions& options, PictureSink& sink) {
+[[noreturn]] void FailStopped(const MapOptions& options, PictureSink& sink,
+                              const InterruptGuard& interrupt) {
   throw CommandError(
-      ExitCode::Interrupted,
+      interrupt.Code(),
       options.input.string() + ": stopped" + Abandon(sink, true) + "; --resume goes on from there");
 }
 
 /// Maps all pictures, and finds out whether they are all there.
-void MapAll(const MapOptions& options, ClipRun& run, PictureSink& sink, std::int64_t& done,
-            std::ostream& notes) {
-  const InterruptGuard interrupt;
-  if (!MapPictures(options, run, sink, interrupt, done)) FailStopped(options, sink);
+void MapAll(const MapOptions& options, ClipRun& run, PictureSink& sink,
+            const InterruptGuard& interrupt, std::int64_t& done, std::ostream& notes) {
+  if (!MapPictures(options, run, sink, interrupt, done)) FailStopped(options, sink, interrupt);
   const ClipDamage damage = FindDamage(run, sink, interrupt);
-  if (interrupt.IsInterrupted()) FailStopped(options, sink);
+  if (interrupt.IsInterrupted()) FailStopped(options, sink, interrupt);
   TellOfDamage(options, damage, sink, done, notes);
 }
 
@@ -136,15 +136,17 @@ void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) 
   }
   if (options.clip.dryRun) return;
 
+  std::optional<InterruptGuard> interrupt(std::in_place);
   const std::unique_ptr<PictureSink> sink = MakeSink(options, run);
-  NoteWhatMatters(options, run, *sink, notes);
   std::int64_t done = 0;
   try {
-    MapAll(options, run, *sink, done, notes);
+    NoteWhatMatters(options, run, *sink, notes);
+    MapAll(options, run, *sink, *interrupt, done, notes);
+    interrupt.reset();
     sink->Finish();
   } catch (const CommandError& error) {
     throw CommandError(error.Code(), error.what() + Abandon(*sink, true));
-  } catch (const StillError&) {
+  } catch (...) {
     Abandon(*sink, true);
     throw;
   }

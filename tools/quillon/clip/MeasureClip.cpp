@@ -38,7 +38,7 @@ ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
     // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
     const ClipPicture& picture = *next;
     if (interrupt.IsInterrupted()) {
-      throw CommandError(ExitCode::Interrupted, request.clip.string() + ": measuring was stopped");
+      throw CommandError(interrupt.Code(), request.clip.string() + ": measuring was stopped");
     }
     picture.frame->SetColorSpace(ColorSpace(request.colorsOf(picture.tags)));
     levels.frames.push_back(meter.Measure(picture.frame));

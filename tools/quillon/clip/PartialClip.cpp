@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/io/NameBeside.h"
 #include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/video/ClipInput.h"
 
@@ -15,7 +16,7 @@ namespace fs = std::filesystem;
 namespace {
 
 fs::path Beside(const fs::path& output, const std::string& word, const std::string& extension) {
-  return output.parent_path() / (output.stem().string() + "." + word + extension);
+  return NameBeside(output, output.stem().string(), "." + word + extension);
 }
 
 }  // namespace
@@ -24,7 +25,8 @@ PartialClip::PartialClip(fs::path target)
     : output(std::move(target)),
       clip(Beside(output, "part", output.extension().string())),
       earlier(Beside(output, "part-earlier", output.extension().string())),
-      note(Beside(output, "part", output.extension().string() + ".txt")) {}
+      note(Beside(output, "part", output.extension().string() + ".txt")),
+      lock(Beside(output, "part", output.extension().string() + ".lock")) {}
 
 void PartialClip::WriteNote(const std::string& settings) const {
   WriteTargetFile(

@@ -5,8 +5,9 @@
 #include <optional>
 #include <string>
 
-/// The files of a clip that is being written: "clip.part.mp4" beside "clip.mp4" and, beside it, a
-/// note of what it was made from and how, by which a later run knows whether it may go on with it.
+/// The files of a clip that is being written: "clip.part.mp4" beside "clip.mp4" (of long names a
+/// part, see NameBeside) and, beside it, a note of what it was made from and how, by which a later
+/// run knows whether it may go on with it.
 struct PartialClip {
   explicit PartialClip(std::filesystem::path output);
 
@@ -14,11 +15,12 @@ struct PartialClip {
   std::filesystem::path clip;     ///< what is written now
   std::filesystem::path earlier;  ///< what a run that goes on takes the beginning from
   std::filesystem::path note;
+  std::filesystem::path lock;  ///< of the run that writes them
 
   void WriteNote(const std::string& settings) const;
   /// What the note says; nothing where there is none.
   std::optional<std::string> ReadNote() const;
-  /// Removes all of them.
+  /// Removes all of them but the lock, which its owner does.
   void Remove() const;
 };
 

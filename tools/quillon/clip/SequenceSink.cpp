@@ -1,6 +1,7 @@
 #include "tools/quillon/clip/SequenceSink.h"
 
 #include <filesystem>
+#include <system_error>
 
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/Frames.h"
@@ -24,7 +25,8 @@ MappedPicture SequenceSink::NewPicture() {
 }
 
 bool SequenceSink::Has(std::int64_t number) const {
-  return resume_ && std::filesystem::exists(name_.FileOf(number));
+  std::error_code ignored;
+  return resume_ && std::filesystem::exists(name_.FileOf(number), ignored);
 }
 
 void SequenceSink::Write(MappedPicture picture, const ClipPicture& /*source*/) {

@@ -9,6 +9,7 @@
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/Frames.h"
 #include "tools/quillon/MapPlan.h"
+#include "tools/quillon/SameFiles.h"
 #include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/clip/MeasureClip.h"
 #include "tools/quillon/inspect/ContactSheet.h"
@@ -69,6 +70,9 @@ void CheckEffects(const InspectOptions& options) {
 }
 
 void CheckTargets(const InspectOptions& options) {
+  for (const auto& output : {options.plot, options.sheet, options.json}) {
+    if (output != "-") RequireOtherFile(output, options.map.input);
+  }
   CheckDrawing(options.plot, true, options.map.overwrite);
   CheckDrawing(options.sheet, false, options.map.overwrite);
   if (WritesJson(options)) CheckTargetFile(options.json, options.map.overwrite);

@@ -5,11 +5,16 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <random>
-#include <system_error>
 #include <utility>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "tools/quillon/io/NameBeside.h"
 #include "tools/quillon/io/StillError.h"
+#include "tools/quillon/io/UnfinishedFile.h"
 
 namespace fs = std::filesystem;
 
@@ -22,10 +27,6 @@ constexpr int kNameAttempts = 100;
   throw StillError(StillErrorKind::CannotWrite, path, wrong, remedy);
 }
 
-fs::path FolderOf(const fs::path& path) {
-  return path.has_parent_path() ? path.parent_path() : fs::path(".");
-}
-
 /// A new file of a name of its own; removed again unless it is renamed.
 // NOLINTBEGIN(cppcoreguidelines-owning-memory): this class is the owner of its C stream
 class TemporaryFile {
@@ -33,8 +34,9 @@ class TemporaryFile {
   explicit TemporaryFile(const fs::path& target) {
     std::random_device random;
     for (int attempt = 0; attempt < kNameAttempts && file_ == nullptr; ++attempt) {
-      path_ = FolderOf(target) /
-              ("." + target.filename().string() + "." + std::to_string(random()) + ".part");
+      path_ = NameBeside(target, "." + target.filename().string(),
+                         "." + std::to_string(random()) + ".part");
+      unfinished_.emplace(path_);
       errno = 0;
       file_ = std::fopen(path_.string().c_str(), "wbx");
       if (file_ == nullptr && errno != EEXIST) break;
@@ -60,9 +62,10 @@ class TemporaryFile {
     return Close() ? 0 : errno;
   }
 
-  void RenameTo(const fs::path& target) {
-    fs::rename(path_, target);
-    path_.clear();
+  std::error_code Become(const fs::path& target, bool overwrite) {
+    const std::error_code error = GiveName(path_, target, overwrite);
+    if (!error) path_.clear();
+    return error;
   }
 
  private:
@@ -72,11 +75,44 @@ class TemporaryFile {
   }
 
   fs::path path_;
+  std::optional<UnfinishedFile> unfinished_;
   std::FILE* file_ = nullptr;
 };
 // NOLINTEND(cppcoreguidelines-owning-memory)
 
+[[noreturn]] void FailAsExisting(const fs::path& path) {
+  FailWrite(path, "it exists already", "choose another name or give --overwrite");
+}
+
+std::error_code ErrorOf(int result) {
+  return result == 0 ? std::error_code() : std::error_code(errno, std::generic_category());
+}
+
+bool IsMissing(const std::error_code& error) {
+  return error == std::errc::invalid_argument || error == std::errc::function_not_supported ||
+         error == std::errc::operation_not_supported ||
+         error == std::errc::operation_not_permitted || error == std::errc::too_many_links;
+}
+
+/// By what the file system offers: not all can rename without replacing, nor make hard links.
+std::error_code RenameToFreeName(const fs::path& from, const fs::path& to) {
+  std::error_code error =
+      ErrorOf(renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE));
+  if (!IsMissing(error)) return error;
+  error = ErrorOf(link(from.c_str(), to.c_str()));
+  if (!error) return ErrorOf(unlink(from.c_str()));
+  if (!IsMissing(error)) return error;
+  if (fs::symlink_status(to, error).type() != fs::file_type::not_found) {
+    return std::make_error_code(std::errc::file_exists);
+  }
+  return ErrorOf(std::rename(from.c_str(), to.c_str()));
+}
+
 }  // namespace
+
+fs::path FolderOf(const fs::path& path) {
+  return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
 
 std::string LowerCaseExtension(const fs::path& path) {
   std::string extension = path.extension().string();
@@ -94,15 +130,23 @@ void CheckTargetFile(const fs::path& path, bool overwrite) {
   const fs::file_status status = fs::status(path, error);
   switch (status.type()) {
     case fs::file_type::not_found:
-      return;
+      if (overwrite || !fs::is_symlink(fs::symlink_status(path, error))) return;
+      FailAsExisting(path);
     case fs::file_type::regular:
       if (overwrite) return;
-      FailWrite(path, "it exists already", "choose another name or give --overwrite");
+      FailAsExisting(path);
+    case fs::file_type::none:
+      FailWrite(path, error.message(), "choose another name");
     case fs::file_type::directory:
       FailWrite(path, "it is a folder", "name a file in it");
     default:
       FailWrite(path, "it is no regular file", "name a file on a disk");
   }
+}
+
+std::error_code GiveName(const fs::path& finished, const fs::path& name, bool overwrite) {
+  return overwrite ? ErrorOf(std::rename(finished.c_str(), name.c_str()))
+                   : RenameToFreeName(finished, name);
 }
 
 void WriteTargetFile(const fs::path& path, std::span<const std::uint8_t> bytes, bool overwrite) {
@@ -112,10 +156,10 @@ void WriteTargetFile(const fs::path& path, std::span<const std::uint8_t> bytes, 
               "make room on the disk or choose another folder");
   }
   CheckTargetFile(path, overwrite);
-  try {
-    file.RenameTo(path);
-  } catch (const fs::filesystem_error& error) {
-    FailWrite(path, "the finished file cannot be given its name: " + error.code().message(),
+  const std::error_code error = file.Become(path, overwrite);
+  if (error == std::errc::file_exists) FailAsExisting(path);
+  if (error) {
+    FailWrite(path, "the finished file cannot be given its name: " + error.message(),
               "check the permissions of its folder");
   }
 }

@@ -3,6 +3,12 @@
 #include <array>
 #include <new>
 
+void CloseAvOutput::operator()(AVFormatContext* context) const {
+  if (context == nullptr) return;
+  avio_closep(&context->pb);
+  avformat_free_context(context);
+}
+
 AvFramePtr MakeAvFrame() {
   AvFramePtr frame(av_frame_alloc());
   if (frame == nullptr) throw std::bad_alloc();

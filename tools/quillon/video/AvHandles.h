@@ -32,6 +32,11 @@ struct CloseAvInput {
 };
 using AvInputPtr = std::unique_ptr<AVFormatContext, CloseAvInput>;
 
+struct CloseAvOutput {
+  void operator()(AVFormatContext* context) const;
+};
+using AvOutputPtr = std::unique_ptr<AVFormatContext, CloseAvOutput>;
+
 struct FreeAvBufferPool {
   void operator()(AVBufferPool* pool) const { av_buffer_pool_uninit(&pool); }
 };

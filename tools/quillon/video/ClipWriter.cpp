@@ -1,7 +1,6 @@
 #include "tools/quillon/video/ClipWriter.h"
 
 #include <algorithm>
-#include <system_error>
 #include <utility>
 
 #include "tools/quillon/ExitCodes.h"
@@ -9,18 +8,14 @@
 
 namespace fs = std::filesystem;
 
-void CloseAvOutput::operator()(AVFormatContext* context) const {
-  if (context == nullptr) return;
-  avio_closep(&context->pb);
-  avformat_free_context(context);
-}
-
 namespace {
 
 [[noreturn]] void FailFile(const fs::path& path, int result) {
+  const bool memory = result == AVERROR(ENOMEM);
   throw CommandError(ExitCode::CannotWrite,
-                     path.string() + ": writing failed (" + AvErrorText(result) +
-                         "); make room on the disk or choose another folder");
+                     path.string() + ": writing failed (" + AvErrorText(result) + "); " +
+                         (memory ? "end other programs, or write a smaller picture"
+                                 : "make room on the disk or choose another folder"));
 }
 
 AvOutputPtr MakeContainer(const fs::path& path) {
@@ -126,12 +121,15 @@ void KeepTimeBase(AvOptions& options, const AVFormatContext& container, AVRation
 
 ClipWriter::ClipWriter(const fs::path& path, const Encoding& encoding, const ClipInput* passOn)
     : path_(path), encoding_(encoding), container_(MakeContainer(path)), packet_(MakeAvPacket()) {
-  encoder_ = OpenEncoder(encoding, (container_->oformat->flags & AVFMT_GLOBALHEADER) != 0);
+  OpenFile(path_, *container_);
+  encoder_ = std::make_unique<Encoder>(
+      encoding, (container_->oformat->flags & AVFMT_GLOBALHEADER) != 0, path_);
   video_ = &NewStream(*container_);
   video_->time_base = encoding.timeBase;
   video_->avg_frame_rate = encoding.frameRate;
   video_->sample_aspect_ratio = encoding.sampleAspect;
-  if (avcodec_parameters_from_context(video_->codecpar, encoder_.get()) < 0) throw std::bad_alloc();
+  if (avcodec_parameters_from_context(video_->codecpar, &encoder_->Context()) < 0)
+    throw std::bad_alloc();
   // The tag by which more players take HEVC in movie files.
   if (encoding.codec == VideoCodec::Hevc && IsFragmented(*container_)) {
     video_->codecpar->codec_tag = MKTAG('h', 'v', 'c', '1');
@@ -200,11 +198,10 @@ void ClipWriter::WriteHeader() {
   }
   container_->flags |= AVFMT_FLAG_FLUSH_PACKETS;
   container_->error_recognition |= AV_EF_EXPLODE;  // else filters drop packets without a word
-  OpenFile(path_, *container_);
   const int result = avformat_write_header(container_.get(), options.Address());
+  if (container_->pb->error < 0) FailWriting(container_->pb->error);
+  if (result == AVERROR(ENOMEM)) FailWriting(result);
   if (result < 0) {
-    std::error_code ignored;
-    fs::remove(path_, ignored);
     throw CommandError(ExitCode::NotSupported, path_.string() +
                                                    ": the container does not take these streams (" +
                                                    AvErrorText(result) + "); name the output .mkv");
@@ -214,25 +211,23 @@ void ClipWriter::WriteHeader() {
   open_ = true;
 }
 
-void ClipWriter::FailWriting(int result) const { FailFile(path_, result); }
+void ClipWriter::FailWriting(int result) {
+  failed_ = true;
+  FailFile(path_, result);
+}
 
 void ClipWriter::WriteFrame(AVFrame& frame) {
   frame.pict_type = AV_PICTURE_TYPE_NONE;
-  const int result = avcodec_send_frame(encoder_.get(), &frame);
-  if (result < 0) {
-    throw CommandError(ExitCode::EngineRefused, path_.string() + ": the encoder failed (" +
-                                                    AvErrorText(result) +
-                                                    "); try another --codec or --preset");
-  }
+  encoder_->Send(&frame);
   Drain();
 }
 
 void ClipWriter::Drain() {
-  while (avcodec_receive_packet(encoder_.get(), packet_.get()) >= 0) {
+  while (encoder_->Receive(*packet_)) {
     if (packet_->duration == 0 && encoding_.frameRate.num > 0) {
       packet_->duration = av_rescale_q(1, av_inv_q(encoding_.frameRate), encoding_.timeBase);
     }
-    WriteEncoded(*packet_, encoder_->time_base);
+    WriteEncoded(*packet_, encoder_->Context().time_base);
     av_packet_unref(packet_.get());
   }
 }
@@ -283,7 +278,7 @@ void ClipWriter::Refuse(int result) {
 }
 
 void ClipWriter::Flush() {
-  avcodec_send_frame(encoder_.get(), nullptr);
+  encoder_->Send(nullptr);
   Drain();
   Mux(nullptr);
 }

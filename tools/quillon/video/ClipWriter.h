@@ -12,17 +12,13 @@
 #include "tools/quillon/video/PacketWatch.h"
 #include "tools/quillon/video/PassedPackets.h"
 
-struct CloseAvOutput {
-  void operator()(AVFormatContext* context) const;
-};
-using AvOutputPtr = std::unique_ptr<AVFormatContext, CloseAvOutput>;
-
 /// Writes a clip: pictures through an encoder, all other streams as they are. The file can be
 /// played as far as it has come even when the program is killed. Not for several threads at a time.
 class ClipWriter {
  public:
-  /// Makes the file. `passOn` is the clip whose other streams, chapters, rotation and texts are
-  /// taken over as far as the container holds them; null: none. Throws CommandError.
+  /// Makes the file, which stays when this fails. `passOn` is the clip whose other streams,
+  /// chapters, rotation and texts are taken over as far as the container holds them; null: none.
+  /// Throws CommandError.
   ClipWriter(const std::filesystem::path& path, const Encoding& encoding, const ClipInput* passOn);
   ~ClipWriter();
   ClipWriter(const ClipWriter&) = delete;
@@ -38,8 +34,10 @@ class ClipWriter {
   /// An encoded packet of an earlier run with the same encoding.
   void WriteEncoded(const AVPacket& packet, AVRational timeBase);
 
-  /// Frames that have reached the file.
+  /// Frames that were written; less may have reached the file where writing failed.
   std::int64_t FramesWritten() const { return framesWritten_; }
+  /// Whether the file could not be written to.
+  bool HasFailed() const { return failed_; }
 
   /// Packets that were passed on and that the container refuses for what they hold; they are left
   /// out.
@@ -59,12 +57,12 @@ class ClipWriter {
   void Drain();
   void Mux(AVPacket* packet);
   void Refuse(int result);
-  [[noreturn]] void FailWriting(int result) const;
+  [[noreturn]] void FailWriting(int result);
 
   std::filesystem::path path_;
   Encoding encoding_;
   AvOutputPtr container_;
-  AvCodecPtr encoder_;
+  std::unique_ptr<Encoder> encoder_;
   AVStream* video_ = nullptr;
   std::vector<int> streamOf_;  ///< stream here of each stream of the source; -1: none
   std::vector<AVRational> sourceTimeBases_;
@@ -76,6 +74,7 @@ class ClipWriter {
   std::optional<std::int64_t> lastDts_;
   std::vector<std::string> remarks_;
   bool open_ = false;
+  bool failed_ = false;
 };
 
 /// Writes the clip again, packet by packet, with its head at one place, as players expect of a

@@ -4,6 +4,9 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <exception>
+#include <limits>
+#include <new>
 #include <thread>
 
 #include "refhost/orvmediatypes/H273.h"
@@ -29,14 +32,17 @@ struct EncoderTraits {
   double quality;
   const char* preset;
   const char* parameters;  ///< option that takes the encoder's own "name=value:..."
+  int longestSide;         ///< in pixels
 };
 
+constexpr int kAnySide = std::numeric_limits<int>::max();
+
 constexpr std::array<EncoderTraits, 5> kTraits = {{
-    {VideoCodec::H264, AV_CODEC_ID_H264, "libx264", "crf", 18, "medium", "x264-params"},
-    {VideoCodec::Hevc, AV_CODEC_ID_HEVC, "libx265", "crf", 20, "medium", "x265-params"},
-    {VideoCodec::Av1, AV_CODEC_ID_AV1, "libsvtav1", "crf", 28, "8", "svtav1-params"},
-    {VideoCodec::Ffv1, AV_CODEC_ID_FFV1, "ffv1", "", 0, "", ""},
-    {VideoCodec::ProRes, AV_CODEC_ID_PRORES, "prores_ks", "", 0, "", ""},
+    {VideoCodec::H264, AV_CODEC_ID_H264, "libx264", "crf", 18, "medium", "x264-params", 16384},
+    {VideoCodec::Hevc, AV_CODEC_ID_HEVC, "libx265", "crf", 20, "medium", "x265-params", kAnySide},
+    {VideoCodec::Av1, AV_CODEC_ID_AV1, "libsvtav1", "crf", 28, "8", "svtav1-params", kAnySide},
+    {VideoCodec::Ffv1, AV_CODEC_ID_FFV1, "ffv1", "", 0, "", "", kAnySide},
+    {VideoCodec::ProRes, AV_CODEC_ID_PRORES, "prores_ks", "", 0, "", "", kAnySide},
 }};
 
 /// Bits of a component that are converted to; encoders take others too.
@@ -115,6 +121,11 @@ bool Takes(const AVCodec& encoder, AVPixelFormat format) {
   return false;
 }
 
+/// Once an encoder's settings are taken, memory is what its library fails for without saying so.
+bool IsLackOfMemory(int result) {
+  return result == AVERROR(ENOMEM) || result == AVERROR(EAGAIN) || result == AVERROR_EXTERNAL;
+}
+
 /// What an encoder takes, for messages: "420 8, 420 10, 444 8".
 std::string Takings(const AVCodec& encoder) {
   std::string list;
@@ -140,10 +151,30 @@ AVPixelFormat SettleFormat(VideoCodec codec, Sampling sampling, int bits) {
   return format;
 }
 
+/// Whether a container takes a codec, as its muxer finds when it begins: what FFmpeg says of it
+/// otherwise is not so of all pairs.
+bool Holds(const AVOutputFormat& format, AVCodecID codec, const std::filesystem::path& output) {
+  AVFormatContext* made = nullptr;
+  if (avformat_alloc_output_context2(&made, &format, nullptr, output.string().c_str()) < 0) {
+    throw std::bad_alloc();
+  }
+  const AvOutputPtr container(made);
+  AVStream* stream = avformat_new_stream(made, nullptr);
+  if (stream == nullptr) throw std::bad_alloc();
+  if (avio_open(&made->pb, "file:/dev/null", AVIO_FLAG_WRITE) < 0) return true;
+  constexpr int kSide = 64;
+  stream->time_base = {1, 25};
+  stream->codecpar->codec_type = AVMEDIA_TYPE_VIDEO;
+  stream->codecpar->codec_id = codec;
+  stream->codecpar->width = stream->codecpar->height = kSide;
+  return avformat_init_output(made, nullptr) >= 0;
+}
+
 void RequireContainer(VideoCodec codec, const std::filesystem::path& output) {
   const AVOutputFormat* container = av_guess_format(nullptr, output.string().c_str(), nullptr);
-  if (container != nullptr &&
-      avformat_query_codec(container, TraitsOf(codec).id, FF_COMPLIANCE_NORMAL) == 1) {
+  const AVCodecID id = TraitsOf(codec).id;
+  if (container != nullptr && avformat_query_codec(container, id, FF_COMPLIANCE_NORMAL) == 1 &&
+      Holds(*container, id, output)) {
     return;
   }
   Refuse(output.string() + ": " + LowerCaseExtension(output) + " files do not hold " +
@@ -274,35 +305,100 @@ Encoding SettleEncoding(const EncodingWishes& wishes, const SourceSamples& sourc
   return encoding;
 }
 
-AvCodecPtr OpenEncoder(const Encoding& encoding, bool globalHeader) {
-  const AVCodec& codec = FindEncoder(encoding.codec);
+Encoder::Encoder(const Encoding& encoding, bool globalHeader, const std::filesystem::path& output)
+    : output_(output), context_(avcodec_alloc_context3(&FindEncoder(encoding.codec))) {
+  if (context_ == nullptr) throw std::bad_alloc();
+  Open(encoding, globalHeader);
+  // SVT-AV1 1.4 then waits for ever.
+  waitsForFirst_ = encoding.codec == VideoCodec::Av1;
+}
+
+Encoder::~Encoder() {
+  if (!waitsForFirst_) return;
+  try {
+    FeedOne();
+  } catch (const std::exception&) {
+    static_cast<void>(context_.release());  // better lost than waited for
+  }
+}
+
+void Encoder::Open(const Encoding& encoding, bool globalHeader) {
   const EncoderTraits& traits = TraitsOf(encoding.codec);
-  AvCodecPtr encoder(avcodec_alloc_context3(&codec));
-  if (encoder == nullptr) throw std::bad_alloc();
-  encoder->width = encoding.width;
-  encoder->height = encoding.height;
-  encoder->pix_fmt = encoding.pixelFormat;
-  encoder->time_base = encoding.timeBase;
-  encoder->framerate = encoding.frameRate;
-  encoder->sample_aspect_ratio = encoding.sampleAspect;
-  encoder->gop_size = encoding.codec == VideoCodec::Ffv1 ? 1 : KeyFrameInterval(encoding);
-  encoder->thread_count = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-  if (globalHeader) encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-  TagEncoder(encoding.tags.colors, *encoder);
+  context_->width = encoding.width;
+  context_->height = encoding.height;
+  context_->pix_fmt = encoding.pixelFormat;
+  context_->time_base = encoding.timeBase;
+  context_->framerate = encoding.frameRate;
+  context_->sample_aspect_ratio = encoding.sampleAspect;
+  context_->gop_size = encoding.codec == VideoCodec::Ffv1 ? 1 : KeyFrameInterval(encoding);
+  context_->thread_count = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+  if (globalHeader) context_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+  TagEncoder(encoding.tags.colors, *context_);
 
   AvOptions options;
   if (!encoding.preset.empty()) options.Set("preset", encoding.preset);
   if (encoding.quality) options.Set(traits.qualityOption, FormatNumber(*encoding.quality));
   if (*traits.parameters != '\0') options.Set(traits.parameters, ParametersOf(encoding));
   if (encoding.codec == VideoCodec::Ffv1) {
-    encoder->level = 3;
+    context_->level = 3;
     options.Set("slicecrc", "1");
   }
-  const int result = avcodec_open2(encoder.get(), &codec, options.Address());
-  if (result < 0) {
-    Refuse(std::string(codec.name) + " does not take these settings (" + AvErrorText(result) +
-           "); check --preset, --quality and the size (" + std::to_string(encoding.width) + "x" +
-           std::to_string(encoding.height) + ")");
+  const std::string size = std::to_string(encoding.width) + "x" + std::to_string(encoding.height);
+  if (std::max(encoding.width, encoding.height) > traits.longestSide) {
+    Refuse(std::string(traits.encoder) + " does not take pictures of " + size +
+           "; its largest is " + std::to_string(traits.longestSide) +
+           " wide and high; choose another --codec");
   }
-  return encoder;
+  const int result = avcodec_open2(context_.get(), nullptr, options.Address());
+  if (IsLackOfMemory(result)) Fail(result);
+  if (result < 0) {
+    Refuse(std::string(traits.encoder) + " does not take these settings (" + AvErrorText(result) +
+           "); check --preset, --quality and the size (" + size + ")");
+  }
+}
+
+void Encoder::FeedOne() {
+  const AvFramePtr frame = MakeAvFrame();
+  frame->format = context_->pix_fmt;
+  frame->width = context_->width;
+  frame->height = context_->height;
+  frame->pts = 0;
+  if (av_frame_get_buffer(frame.get(), 0) < 0) throw std::bad_alloc();
+  for (const AVBufferRef* plane : frame->buf) {
+    if (plane != nullptr) std::fill_n(plane->data, plane->size, std::uint8_t{0});
+  }
+  Send(frame.get());
+}
+
+void Encoder::Send(const AVFrame* frame) {
+  if (frame == nullptr && (waitsForFirst_ || ended_)) return;
+  const int result = avcodec_send_frame(context_.get(), frame);
+  if (result < 0) Fail(result);
+  ended_ = frame == nullptr;
+  if (ended_) return;
+  waitsForFirst_ = false;
+  ++owed_;
+}
+
+bool Encoder::Receive(AVPacket& packet) {
+  const int result = avcodec_receive_packet(context_.get(), &packet);
+  if (result == AVERROR(EAGAIN) || (result == AVERROR_EOF && owed_ == 0)) return false;
+  if (result < 0) Fail(result);
+  --owed_;
+  return true;
+}
+
+void Encoder::Fail(int result) const {
+  // A context that failed to open has lost its codec.
+  const auto* traits = std::find_if(kTraits.begin(), kTraits.end(), [this](const auto& each) {
+    return each.id == context_->codec_id;
+  });
+  const std::string start = output_.string() + ": the encoder " + traits->encoder;
+  if (IsLackOfMemory(result)) {
+    throw CommandError(ExitCode::CannotWrite,
+                       start + " has not enough memory (" + AvErrorText(result) +
+                           "); end other programs, or write a smaller picture");
+  }
+  throw CommandError(ExitCode::EngineRefused, start + " failed (" + AvErrorText(result) +
+                                                  "); try another --codec or --preset");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -67,5 +68,31 @@ struct SourceSamples {
 Encoding SettleEncoding(const EncodingWishes& wishes, const SourceSamples& source,
                         const ClipTags& tags, const std::filesystem::path& output);
 
-/// Opens the encoder. Throws CommandError, as when this FFmpeg was built without it.
-AvCodecPtr OpenEncoder(const Encoding& encoding, bool globalHeader);
+/// An encoder at work. Not for several threads at a time.
+class Encoder {
+ public:
+  /// Opens it. Throws CommandError, as when this FFmpeg was built without it; `output` is for
+  /// messages.
+  Encoder(const Encoding& encoding, bool globalHeader, const std::filesystem::path& output);
+  ~Encoder();
+  Encoder(const Encoder&) = delete;
+  Encoder& operator=(const Encoder&) = delete;
+
+  const AVCodecContext& Context() const { return *context_; }
+  /// Null: no more come, which may be said again. Throws CommandError.
+  void Send(const AVFrame* frame);
+  /// False where it wants another frame first, or has given all. Throws CommandError, also where
+  /// it ended without having given a packet for each frame.
+  bool Receive(AVPacket& packet);
+
+ private:
+  void Open(const Encoding& encoding, bool globalHeader);
+  void FeedOne();
+  [[noreturn]] void Fail(int result) const;
+
+  std::filesystem::path output_;
+  AvCodecPtr context_;
+  bool waitsForFirst_ = false;  ///< can be neither ended nor closed before its first frame
+  bool ended_ = false;
+  std::int64_t owed_ = 0;       ///< packets
+};
