@@ -317,7 +317,7 @@ TEST_F(ClipOutput, SigtermLeavesWholePicturesOfASequence) {
 TEST_F(ClipOutput, SigtermEndsMeasuringAndLeavesNothing) {
   const std::string clip = LongSource();
   const pid_t process = StartQuillon({"map", "--peak", "measure", clip, folder_ / "a.mkv"});
-  ASSERT_TRUE(WaitUntil([&] { return fs::exists(folder_ / "a.part.mkv.lock"); }));
+  ASSERT_TRUE(WaitForBytes(folder_ / "a.part.mkv.lock", 1));
   kill(process, SIGTERM);
   EXPECT_EQ(WaitFor(process), 143);
   EXPECT_THAT(folder_.Names(), IsEmpty());
@@ -325,7 +325,7 @@ TEST_F(ClipOutput, SigtermEndsMeasuringAndLeavesNothing) {
 
 TEST_F(ClipOutput, SigtermEndsTheChartAndLeavesNothing) {
   const pid_t process = StartQuillon({"chart", "--video", "--frames", "2000", folder_ / "a.mkv"});
-  ASSERT_TRUE(WaitUntil([&] { return fs::exists(folder_ / "a.part.mkv.lock"); }));
+  ASSERT_TRUE(WaitForBytes(folder_ / "a.part.mkv.lock", 1));
   kill(process, SIGTERM);
   EXPECT_EQ(WaitFor(process), 143);
   EXPECT_THAT(folder_.Names(), IsEmpty());

@@ -192,6 +192,7 @@ TEST(MapClip, RefusesWhatHasNoEffectOrNoMeaning) {
   const auto clip = MakeChartClip(folder, "clip.mp4", {"--frames", "2"});
   const RunResult still = RunQuillon({"chart", folder / "still.exr", "--size", "16x16"});
   ASSERT_EQ(still.exitCode, 0);
+  WriteFile(folder / "taken.mp4", "x");
   struct Case {
     std::vector<std::string> options;
     int exitCode;
@@ -207,13 +208,13 @@ TEST(MapClip, RefusesWhatHasNoEffectOrNoMeaning) {
       {{"--depth", "12", clip, folder / "a.mp4"}, 4, "libx264 does not take 420 at 12 bits"},
       {{clip, folder / "a.png"}, 4, "a sequence such as frame.%05d.png"},
       {{"--preset", "warp", clip, folder / "a.mp4"}, 4, "check --preset"},
-      {{clip, clip}, 5, "it exists already"}};
+      {{clip, folder / "taken.mp4"}, 5, "it exists already"}};
   for (const Case& refused : cases) {
     const RunResult run = Map(refused.options);
     EXPECT_EQ(run.exitCode, refused.exitCode) << run.err;
     EXPECT_THAT(run.err, HasSubstr(refused.message));
   }
-  EXPECT_THAT(folder.Names(), testing::ElementsAre("clip.mp4", "still.exr"));
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("clip.mp4", "still.exr", "taken.mp4"));
 }
 
 }  // namespace
