@@ -13,7 +13,6 @@
 #include "tools/quillon/SameFiles.h"
 #include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/clip/AddClipOptions.h"
-#include "tools/quillon/clip/ClipRun.h"
 #include "tools/quillon/clip/MapClip.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/io/WriteStill.h"

@@ -1,7 +1,11 @@
 #include "tools/quillon/clip/ClipOptions.h"
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
+
+#include "tools/quillon/io/TargetFile.h"
 
 std::string ClipOptions::FirstGiven() const {
   const std::array<std::pair<bool, const char*>, 11> given = {{
@@ -21,4 +25,10 @@ std::string ClipOptions::FirstGiven() const {
     if (isGiven) return name;
   }
   return {};
+}
+
+bool NamesClip(const std::filesystem::path& path) {
+  const std::string extension = LowerCaseExtension(path);
+  constexpr std::array<std::string_view, 4> kExtensions = {".mp4", ".mov", ".mkv", ".webm"};
+  return std::find(kExtensions.begin(), kExtensions.end(), extension) != kExtensions.end();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,3 +23,6 @@ struct ClipOptions {
   /// The first of these options that was given; empty: none.
   std::string FirstGiven() const;
 };
+
+/// Whether a name has the extension of a clip that is written.
+bool NamesClip(const std::filesystem::path& path);

@@ -1,10 +1,7 @@
 #include "tools/quillon/clip/ClipRun.h"
 
-#include <algorithm>
-#include <array>
 #include <sstream>
 #include <stdexcept>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -155,7 +152,7 @@ void CheckPartialNames(const MapOptions& options) {
 
 /// Runs that write other pictures of one sequence do not get in each other's way.
 std::unique_ptr<OutputLock> LockOutput(const MapOptions& options, const ClipRun& run) {
-  if (!IsSequence(options.output)) {
+  if (!SequenceName::Parse(options.output)) {
     return std::make_unique<OutputLock>(options.output, PartialClip(options.output).lock);
   }
   return std::make_unique<OutputLock>(
@@ -220,12 +217,6 @@ std::int64_t PtsOfFirst(const ClipRun& run) {
 }
 
 }  // namespace
-
-bool NamesClip(const std::filesystem::path& path) {
-  const std::string extension = LowerCaseExtension(path);
-  constexpr std::array<std::string_view, 4> kExtensions = {".mp4", ".mov", ".mkv", ".webm"};
-  return std::find(kExtensions.begin(), kExtensions.end(), extension) != kExtensions.end();
-}
 
 ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
   CheckOptions(options);

@@ -26,9 +26,6 @@ struct ClipRun {
   EncodedFrames earlier;             ///< what an earlier run has encoded
 };
 
-/// Whether a name has the extension of a clip that is written.
-bool NamesClip(const std::filesystem::path& path);
-
 /// Opens the source and settles everything. Writes nothing but, with a measured peak, the levels
 /// that are kept beside the clip. Throws CommandError or StillError.
 ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes);
