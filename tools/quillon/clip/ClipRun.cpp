@@ -229,6 +229,7 @@ ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
   run.selection = Select(options, run.frames);
   if (!options.clip.dryRun) {
     run.lock = LockOutput(options, run);
+    CheckTarget(options);  // who had the lock before may have finished
     if (clipOut) CheckPartialNames(options);
   }
   run.left = run.selection;

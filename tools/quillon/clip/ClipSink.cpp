@@ -65,8 +65,9 @@ void ClipSink::Begin(const std::string& settings, const EncodedFrames& earlier,
   } else {
     files_.Remove();
   }
-  writer_ = std::make_unique<ClipWriter>(files_.clip, encoding_, passOn_);
+  // First, so that no part is without it when the run is killed.
   files_.WriteNote(settings);
+  writer_ = std::make_unique<ClipWriter>(files_.clip, encoding_, passOn_);
 }
 
 void ClipSink::RemoveBegun() {

@@ -15,7 +15,9 @@ using orvmediatypes::color::ColorSpace;
 
 ClipSource::ClipSource(const std::filesystem::path& path, const FrameIndex* index,
                        std::int64_t first, DamagePolicy policy, std::int64_t maxPixels)
-    : path_(path), reader_(path, index, first, policy, maxPixels), scaler_(nullptr, sws_freeContext) {}
+    : path_(path),
+      reader_(path, index, first, policy, maxPixels),
+      scaler_(nullptr, sws_freeContext) {}
 
 SourceSamples ClipSource::Samples() const {
   const AVPixelFormat coded = av_get_pix_fmt(reader_.Info().pixelFormat.c_str());

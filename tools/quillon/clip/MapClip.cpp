@@ -101,9 +101,8 @@ void TellOfDamage(const MapOptions& options, const ClipDamage& damage, PictureSi
 
 [[noreturn]] void FailStopped(const MapOptions& options, PictureSink& sink,
                               const InterruptGuard& interrupt) {
-  throw CommandError(
-      interrupt.Code(),
-      options.input.string() + ": stopped" + Abandon(sink, true) + "; --resume goes on from there");
+  throw CommandError(interrupt.Code(), options.input.string() + ": stopped" + Abandon(sink, true) +
+                                           "; --resume goes on from there");
 }
 
 /// Maps all pictures, and finds out whether they are all there.

@@ -32,8 +32,11 @@ AvComplaints* ListenerOf(void* context) {
   return nullptr;
 }
 
+/// Packets of a transport stream are missing, which FFmpeg does not call an error.
+bool TellsOfAGap(std::string_view format) { return format.starts_with("Continuity check failed"); }
+
 void OnMessage(void* context, int level, const char* format, va_list arguments) {
-  if (level > AV_LOG_ERROR) return;
+  if (level > AV_LOG_ERROR && !TellsOfAGap(format)) return;
   AvComplaints* listener = ListenerOf(context);
   if (listener == nullptr) return;
   std::array<char, 256> text{};

@@ -70,9 +70,14 @@ bool IsCover(const AVStream& stream) {
   return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
 }
 
+/// FFmpeg decodes covers to learn their size.
+bool IsDamagedCover(const AVStream& stream) {
+  return IsCover(stream) && (stream.attached_pic.size == 0 || stream.codecpar->width <= 0);
+}
+
 /// MP4 holds covers beside its tracks; the other containers hold none.
 bool HoldsCover(const AVFormatContext& container, const AVStream& cover) {
-  return std::string(container.oformat->name) == "mp4" &&
+  return std::string(container.oformat->name) == "mp4" && !IsDamagedCover(cover) &&
          avformat_query_codec(container.oformat, cover.codecpar->codec_id, FF_COMPLIANCE_NORMAL) ==
              1;
 }
@@ -82,7 +87,7 @@ std::vector<AvPacketPtr> CopyCovers(const ClipInput& source, AVFormatContext& co
   std::vector<AvPacketPtr> covers;
   for (unsigned i = 0; i < source.container->nb_streams; ++i) {
     const AVStream& from = *source.container->streams[i];
-    if (!IsCover(from) || from.attached_pic.size == 0 || !HoldsCover(container, from)) continue;
+    if (!IsCover(from) || !HoldsCover(container, from)) continue;
     AvPacketPtr cover(av_packet_clone(&from.attached_pic));
     if (cover == nullptr) throw std::bad_alloc();
     cover->stream_index = CopyStream(from, container).index;
@@ -182,12 +187,13 @@ void ClipWriter::AddStream(const ClipInput& source, const AVStream& from) {
   // How movie files keep their chapters, which are taken over as such.
   if (from.discard == AVDISCARD_ALL) return;
   const char* type = av_get_media_type_string(from.codecpar->codec_type);
-  const char* tag = secondVideo ? "a second picture, which is not mapped"
-                                : "which the output's container does not hold";
+  const char* reason = secondVideo            ? "a second picture, which is not mapped"
+                       : IsDamagedCover(from) ? "its picture is damaged"
+                                              : "which the output's container does not hold";
   remarks_.push_back("stream " + std::to_string(from.index) + " of " +
                      std::to_string(source.container->nb_streams) + " (" +
                      (type != nullptr ? type : "unknown") + ", " + avcodec_get_name(id) +
-                     ") is left out: " + tag);
+                     ") is left out: " + reason);
 }
 
 void ClipWriter::WriteHeader() {
