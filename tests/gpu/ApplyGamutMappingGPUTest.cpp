@@ -15,7 +15,7 @@ using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr int kCode = -77;
+constexpr int kCode = -1;
 constexpr int kNotLoaded = static_cast<int>(0xA00F0001U);
 constexpr int kUnsupported = static_cast<int>(0xA00F000CU);
 constexpr int kDegenerate = static_cast<int>(0xA00F000FU);
@@ -249,6 +249,9 @@ TEST_F(ApplyGamutMappingGPU, TracesAFailedCompressionLaunchAndToneMapsNothing) {
     EXPECT_THAT(Texts(), ElementsAre(std::string("ApplyGamutMappingGPU : Gamut Mapping Kernel "
                                                  "failed. Gamut Compression Method : ") +
                                      name + "\r\n"));
+    EXPECT_THAT(host.CallsTo({"PX::GamutMappingUtils::Get"}),
+                ElementsAre("PX::GamutMappingUtils::GetGamutCompressionMethodName(" +
+                            std::to_string(algorithm) + ", 1)"));
     EXPECT_THAT(host.CallsTo({"CHR::IsToneMappingApplicable", "device.Launch", kFinalCopy}),
                 IsEmpty());
   }

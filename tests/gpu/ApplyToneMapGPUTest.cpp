@@ -12,7 +12,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-constexpr int kCode = -77;
+constexpr int kCode = -1;
 constexpr int kNotLoaded = static_cast<int>(0xA00F0001U);
 constexpr int kUnsupported = static_cast<int>(0xA00F000CU);
 constexpr int kDegenerate = static_cast<int>(0xA00F000FU);
@@ -80,6 +80,34 @@ TEST_F(ApplyToneMapGPU, ReadsTheFrameAndRunsTheKernelOnItsDevice) {
   EXPECT_EQ(host.CallsTo({"PX::ToneMappingUtils::AdjustToneMapSettingsVersion"}).size(), 1U)
       << "the parameter step";
   EXPECT_EQ(scripted::StrongCount(working), 1);
+}
+
+TEST_F(ApplyToneMapGPU, CountsThePitchInWholePixelsRoundedDown) {
+  struct Case {
+    std::uint32_t descriptor;
+    int rowBytes;
+    std::uint32_t pitch;
+  };
+  constexpr std::uint32_t kFloat = 0x0008013AU;
+  constexpr std::uint32_t kHalf = 0x00080136U;
+  constexpr std::uint32_t k24Bits = 0x00080138U;  // 12 bytes a pixel
+  for (const auto& [descriptor, rowBytes, pitch] :
+       {Case{kFloat, 48, 3}, Case{kFloat, 63, 3}, Case{kFloat, 64, 4}, Case{kFloat, 65, 4},
+        Case{kFloat, 79, 4}, Case{kHalf, 31, 3}, Case{kHalf, 39, 4}, Case{k24Bits, 47, 3},
+        Case{k24Bits, 49, 4}}) {
+    SCOPED_TRACE(rowBytes);
+    host.Reset();
+    host.results.toneMappingApplicable = true;
+    scripted::FrameSetup setup = SetupOf("working", scripted::kLinear709);
+    setup.format = {0x61724742U, descriptor};
+    setup.rowBytes2D = rowBytes;
+    working = scripted::MakeFrame(setup);
+    EXPECT_EQ(Apply(), 0);
+    const std::string number = std::to_string(pitch);
+    EXPECT_THAT(host.CallsTo({"arguments.SetFrame"}),
+                ElementsAre(testing::HasSubstr("3x2, pitch " + number + ", ")));
+    EXPECT_EQ(host.CallsTo({"arguments.SetValue"}).at(1), Pushed(pitch));
+  }
 }
 
 TEST_F(ApplyToneMapGPU, RunsTheKernelOfEachAlgorithm) {
@@ -178,6 +206,9 @@ TEST_F(ApplyToneMapGPU, RefusesAlgorithmsThatDoNotExist) {
                     "map " +
                         number + "\r\n"));
     EXPECT_THAT(Launches(), IsEmpty());
+    EXPECT_THAT(host.CallsTo({"PX::ToneMappingUtils::GetLocalized"}),
+                testing::Contains("PX::ToneMappingUtils::GetLocalizedToneMappingMethodName(" +
+                                  number + ", 1)"));
   }
 }
 

@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/gpu/driver/EntryPointNames.h"
 #include "tests/gpu/driver/ProbeRun.h"
 
 namespace {
@@ -19,10 +20,14 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 using Names = std::vector<std::string>;
+
+/// A driver beside the one that is found by itself.
+constexpr const char* kOtherDriverFile = "another-driver.so";
 
 Names Required() {
   return {
@@ -40,6 +45,12 @@ Names Optional() {
   };
 }
 
+/// In an order of their own.
+Names Sorted(Names names) {
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 /// The running test's name, fit for a file.
 std::string TestName() {
   std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
@@ -51,6 +62,8 @@ std::string TestName() {
 struct Initialisation {
   unsigned result = 0;
   Names nulls;
+  /// Those that point elsewhere than after the first call.
+  Names moved;
 };
 
 class CudaDriver : public ::testing::Test {
@@ -79,8 +92,9 @@ class CudaDriver : public ::testing::Test {
     std::vector<Initialisation> runs;
     std::istringstream words(output);
     for (std::string word, value; words >> word >> value;) {
-      if (word == "result") runs.push_back({static_cast<unsigned>(std::stoul(value)), {}});
+      if (word == "result") runs.push_back({static_cast<unsigned>(std::stoul(value)), {}, {}});
       if (word == "null" && !runs.empty()) runs.back().nulls.push_back(value);
+      if (word == "moved" && !runs.empty()) runs.back().moved.push_back(value);
     }
     return runs;
   }
@@ -100,6 +114,14 @@ TEST_F(CudaDriver, Has147RequiredAnd303OptionalEntryPoints) {
   EXPECT_EQ(std::count_if(all.begin(), all.end(),
                           [](const std::string& name) { return !name.starts_with("cu"); }),
             1);
+}
+
+/// Against a library that was not made from the table: its names are those of the second list.
+TEST_F(CudaDriver, HasTheNamesThatTheDriverGivesThem) {
+  EXPECT_THAT(RequiredEntryPoints(), SizeIs(147));
+  EXPECT_THAT(OptionalEntryPoints(), SizeIs(303));
+  EXPECT_EQ(Sorted(Required()), Sorted(RequiredEntryPoints()));
+  EXPECT_EQ(Sorted(Optional()), Sorted(OptionalEntryPoints()));
 }
 
 TEST_F(CudaDriver, LooksUpLastOfTheRequiredWhatOnlyWindowsHas) {
@@ -152,10 +174,56 @@ INSTANTIATE_TEST_SUITE_P(EachRequiredEntryPoint, CudaDriverWithout, testing::Val
 
 TEST_F(CudaDriver, GivesBackWhatInitialisingGaveAndLooksUpNothingElse) {
   MakeDriver();
-  const auto runs = Run(100);
-  ASSERT_THAT(runs, SizeIs(1));
-  EXPECT_EQ(runs[0].result, 100U);
-  EXPECT_THAT(runs[0].nulls, SizeIs(450));
+  for (const int answer : {1, 3, 100, 803, 999, 12345, -1}) {
+    const auto runs = Run(answer);
+    ASSERT_THAT(runs, SizeIs(1));
+    EXPECT_EQ(runs[0].result, static_cast<unsigned>(answer));
+    EXPECT_THAT(runs[0].nulls, SizeIs(450));
+  }
+}
+
+TEST_F(CudaDriver, IsTheLibraryThatTheNameNames) {
+  MakeDriver(folder_ / kOtherDriverFile, {});
+  std::ofstream(Driver()) << "no library";
+  const auto runs = Run(0, {folder_ / kOtherDriverFile});
+  ASSERT_THAT(runs, SizeIs(2));
+  EXPECT_EQ(runs[0].result, 999U) << "by its own name";
+  EXPECT_EQ(runs[1].result, 0U) << "by another";
+  EXPECT_THAT(runs[1].nulls, IsEmpty());
+}
+
+/// The second driver lacks one entry point in the middle of the required.
+TEST_F(CudaDriver, IsLookedUpAnewByEveryCallAndNothingIsClearedBefore) {
+  const Names required = Required();
+  const std::string missing = required[70];
+  MakeDriver();
+  MakeDriver(folder_ / kOtherDriverFile, {missing});
+  const auto runs = Run(0, {folder_ / kOtherDriverFile});
+  ASSERT_THAT(runs, SizeIs(2));
+  EXPECT_EQ(runs[0].result, 0U);
+  EXPECT_THAT(runs[0].nulls, IsEmpty());
+  EXPECT_EQ(runs[1].result, 999U);
+  EXPECT_THAT(runs[1].nulls, ElementsAre(missing)) << "those after it are as they were";
+  EXPECT_THAT(Names(runs[1].moved.begin(), runs[1].moved.end()),
+              ElementsAreArray(required.begin(), required.begin() + 70))
+      << "those before it are the second driver's";
+}
+
+TEST_F(CudaDriver, KeepsWhatItHasWhereTheNextDriverIsNone) {
+  MakeDriver();
+  std::ofstream(folder_ / kOtherDriverFile) << "no library";
+  auto runs = Run(0, {folder_ / kOtherDriverFile});
+  ASSERT_THAT(runs, SizeIs(2));
+  EXPECT_EQ(runs[1].result, 999U);
+  EXPECT_THAT(runs[1].nulls, IsEmpty());
+  EXPECT_THAT(runs[1].moved, IsEmpty());
+
+  MakeDriver(folder_ / kOtherDriverFile, {"cuInit"});
+  runs = Run(0, {folder_ / kOtherDriverFile});
+  ASSERT_THAT(runs, SizeIs(2));
+  EXPECT_EQ(runs[1].result, 999U);
+  EXPECT_THAT(runs[1].nulls, ElementsAre("cuInit"));
+  EXPECT_THAT(runs[1].moved, IsEmpty());
 }
 
 TEST_F(CudaDriver, IsNoneWithoutCuInit) {

@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-constexpr int kCode = -77;
+constexpr int kCode = -1;
 constexpr int kLeast = std::numeric_limits<int>::min();
 
 class LaunchKernel : public scripted::HostTest {
@@ -74,6 +74,17 @@ TEST_F(LaunchKernel, StopsAtAFailedAuxiliaryValueToo) {
   EXPECT_EQ(Launch(1), kCode);
   EXPECT_EQ(host.CallsTo({"arguments.Set"}).size(), 2U);
   EXPECT_THAT(host.CallsTo({"arguments.Finalize", "device.Launch"}), IsEmpty());
+}
+
+TEST_F(LaunchKernel, GoesOnAfterEveryLeastPositiveCode) {
+  for (const char* operation :
+       {"device.CreateArguments", "arguments.SetFrameArgument", "arguments.SetMemoryArgument",
+        "arguments.SetValueArgument", "arguments.Finalize"}) {
+    host.Reset();
+    host.FailWithCode(operation, 1);
+    EXPECT_EQ(Launch(), 0) << operation;
+    EXPECT_THAT(host.Calls(), ElementsAreArray(gpu::Joined({kAll, kRelease}))) << operation;
+  }
 }
 
 TEST_F(LaunchKernel, TakesPositiveCodesForSuccess) {

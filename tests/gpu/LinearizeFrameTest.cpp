@@ -10,7 +10,7 @@ using scripted::StrongCount;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr int kCode = -77;
+constexpr int kCode = -1;
 
 class LinearizeFrame : public gpu::GPUTest {
  protected:
