@@ -1,9 +1,9 @@
 cmake_minimum_required(VERSION 3.25)
 
-# cmake -DNAME=… -DSOURCE=… -DROOT=… -DPTX=… -DOUTPUT=… -P Embed.cmake
+# cmake -DNAME=… -DSOURCE=… -DROOT=… -DPTX=FILE,… -DOUTPUT=… -P Embed.cmake
 #
 # Writes a C++ source with the module's texts: OpenCL C, every header it includes in place of its
-# line, and PTX where there is some.
+# line, and PTX where there is some, the newest version first.
 
 set_property(GLOBAL PROPERTY included "")
 
@@ -37,16 +37,33 @@ function(flatten path result)
 endfunction()
 
 flatten("${SOURCE}" openCl)
+string(REPLACE "," ";" PTX "${PTX}")
+set(versions)
+foreach(file IN LISTS PTX)
+  file(READ "${file}" text)
+  string(REGEX MATCH "\n\\.version ([0-9.]+)" found "${text}")
+  list(APPEND versions ${CMAKE_MATCH_1})
+  set(ptx_${CMAKE_MATCH_1} "${text}")
+endforeach()
+list(REMOVE_DUPLICATES versions)
+list(SORT versions COMPARE NATURAL ORDER DESCENDING)
+list(LENGTH versions count)
 set(ptx "")
-if(PTX)
-  file(READ "${PTX}" ptx)
-endif()
+foreach(version IN LISTS versions)
+  string(APPEND ptx "R\"QUILLON(${ptx_${version}})QUILLON\",\n")
+endforeach()
 file(WRITE "${OUTPUT}" "#include \"kernels/KernelModules.h\"
 
+#include <array>
+
 namespace kernels {
+namespace {
+constexpr std::array<std::string_view, ${count}> kPtx = {
+${ptx}};
+}  // namespace
 extern const KernelModule k${NAME};
 const KernelModule k${NAME} = {\"${NAME}\",
 R\"QUILLON(${openCl})QUILLON\",
-R\"QUILLON(${ptx})QUILLON\"};
+kPtx};
 }  // namespace kernels
 ")

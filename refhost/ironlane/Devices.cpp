@@ -1,5 +1,6 @@
 #include "refhost/ironlane/Devices.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -27,11 +28,31 @@ std::shared_ptr<GpuDevice> OpenDevice(std::int32_t platformKind, std::int32_t or
   const std::lock_guard lock(mutex);
   std::weak_ptr<GpuDevice>& known = open[{platformKind, ordinal}];
   std::shared_ptr<GpuDevice> device = known.lock();
-  if (device != nullptr) return device;
+  if (device != nullptr && !device->IsLost()) return device;
+  device = nullptr;
   if (platformKind == kPlatformCuda) device = OpenCudaDevice(ordinal);
   if (platformKind == kPlatformOpenCl) device = OpenOpenClDevice(ordinal);
   known = device;
   return device;
+}
+
+std::vector<DeviceInfo> InOrderOfChoice(std::vector<DeviceInfo> devices) {
+  std::stable_partition(devices.begin(), devices.end(),
+                        [](const DeviceInfo& info) { return !info.isProcessor; });
+  return devices;
+}
+
+std::shared_ptr<GpuDevice> OpenFirstDevice() {
+  for (const DeviceInfo& info : InOrderOfChoice(ListDevices())) {
+    auto device = OpenDevice(info.platformKind, info.ordinal);
+    if (device != nullptr && BuildsKernels(*device)) return device;
+  }
+  return nullptr;
+}
+
+bool BuildsKernels(GpuDevice& device) {
+  return device.LoadKernel("ToneMapMain", "ToneMapKernelITU2446A") != nullptr &&
+         device.LoadKernel("PixelConversion", "ConvertPixels") != nullptr;
 }
 
 bool IsBuiltForCuda() { return !kernels::FindKernelModule("ToneMapMain")->ptx.empty(); }

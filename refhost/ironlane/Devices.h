@@ -18,6 +18,16 @@ std::vector<DeviceInfo> ListDevices();
 /// this kind and ordinal, or it cannot be used; the trace then says why.
 std::shared_ptr<GpuDevice> OpenDevice(std::int32_t platformKind, std::int32_t ordinal);
 
+/// In the order in which one is chosen: GPUs before processors, else as they are.
+std::vector<DeviceInfo> InOrderOfChoice(std::vector<DeviceInfo> devices);
+
+/// The first device in that order that runs the kernels; null when none does, and the trace then
+/// says why of each.
+std::shared_ptr<GpuDevice> OpenFirstDevice();
+
+/// Whether the kernels build on a device; the trace says why not.
+bool BuildsKernels(GpuDevice& device);
+
 /// Whether kernels for CUDA are within this library; without them CUDA devices cannot be used.
 bool IsBuiltForCuda();
 

@@ -9,4 +9,8 @@ inline constexpr int kOutOfDeviceMemory = static_cast<int>(0xA00F0011U);
 /// A kernel or arguments that do not belong together or to the device, or sizes that are no sizes.
 inline constexpr int kInvalidLaunch = static_cast<int>(0xA00F0012U);
 
+/// The device failed in a way that it does not survive, now or before. Only a device opened anew
+/// may work; all memory of this one is lost.
+inline constexpr int kDeviceLost = static_cast<int>(0xA00F0013U);
+
 }  // namespace IL

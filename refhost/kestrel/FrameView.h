@@ -17,10 +17,13 @@ struct FrameView {
   int width = 0;
   int height = 0;
   std::array<Plane, kMaxPlanes> planes{};
+  /// Where not all rows are held at once, how many are: a row lies where it does modulo these.
+  int heldRows = 0;
 
   std::byte* Row(int plane, int row) const {
     const Plane& at = planes[static_cast<std::size_t>(plane)];
-    return static_cast<std::byte*>(at.data) + std::ptrdiff_t{at.rowBytes} * row;
+    const int place = heldRows == 0 ? row : row % heldRows;
+    return static_cast<std::byte*>(at.data) + std::ptrdiff_t{at.rowBytes} * place;
   }
 
   /// Bytes of a plane's row that hold samples.

@@ -4,6 +4,7 @@
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/GpuConversion.h"
 #include "refhost/kestrel/GpuFrame.h"
+#include "refhost/kestrel/MakeBandCopy.h"
 #include "refhost/kestrel/MakeConverter.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/ResultCodes.h"
@@ -14,43 +15,71 @@ namespace KS::GPUFrameManipulators {
 
 namespace {
 
-/// A frame in system memory with rows as a frame on a GPU has them, to move whole.
-int MakeStaging(const PX::VideoFrameRef& like, const GpuFrameView& view,
-                PX::VideoFrameRef& staging) {
-  return CreateSystemFrame(staging, {.format = like->GetPixelFormat(),
-                                     .width = static_cast<int>(view.width),
-                                     .height = static_cast<int>(view.height),
-                                     .aspect = like->GetPixelAspectRatio(),
-                                     .colorSpace = like->GetColorSpace(),
-                                     .rowBytes = {static_cast<std::int32_t>(view.rowBytes)}});
+bool AreOfOneSize(const GpuFrameView& onGpu, const FrameView& inMemory) {
+  return static_cast<int>(onGpu.width) == inMemory.width &&
+         static_cast<int>(onGpu.height) == inMemory.height;
+}
+
+/// A GPU frame's rows as they pass through a ring.
+FrameView ViewRing(const PX::VideoFrameRef& frame, const GpuFrameView& view,
+                   const IL::RowRing& ring) {
+  FrameView rows;
+  rows.format = frame->GetPixelFormat();
+  rows.info = *DescribeFormat(rows.format);
+  rows.width = static_cast<int>(view.width);
+  rows.height = static_cast<int>(view.height);
+  rows.planes[0] = {ring.memory, static_cast<std::int32_t>(ring.rowBytes), rows.width, rows.height};
+  rows.heldRows = static_cast<int>(ring.rows);
+  return rows;
 }
 
 int Upload(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
-           orvmediatypes::RenderQuality quality, const ColorManagementSettings& settings) {
+           const ColorManagementSettings& settings) {
+  FrameView source;
   GpuFrameView destination;
+  if (const int result = ViewFrame(from, source); result < 0) return result;
   if (const int result = ViewGpuFrame(to, destination); result < 0) return result;
-  PX::VideoFrameRef staging;
-  if (const int result = MakeStaging(to, destination, staging); result < 0) return result;
-  int result = VideoFrameManipulators::CopyFrame(from, staging, quality, settings);
-  if (result < 0) return result;
-  FrameView pixels;
-  result = ViewFrame(staging, pixels);
-  if (result < 0) return result;
-  return destination.device->Upload(pixels.planes[0].data, destination.pixels, destination.Bytes());
+  if (!AreOfOneSize(destination, source)) return kInvalidFrame;
+
+  std::unique_ptr<const BandCopy> copy;
+  const auto fill = [&](const IL::RowRing& ring, std::size_t first, std::size_t last) {
+    if (copy == nullptr) {
+      const int result =
+          MakeBandCopy(source, from->GetColorSpace(), ViewRing(to, destination, ring),
+                       to->GetColorSpace(), settings, copy);
+      if (result < 0) return result;
+    }
+    RunBands(*copy, static_cast<int>(first), static_cast<int>(last));
+    return 0;
+  };
+  return destination.device->UploadRows(destination.pixels, destination.rowBytes,
+                                        destination.height, fill);
 }
 
 int Download(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
-             orvmediatypes::RenderQuality quality, const ColorManagementSettings& settings) {
+             const ColorManagementSettings& settings) {
   GpuFrameView source;
+  FrameView destination;
   if (const int result = ViewGpuFrame(from, source); result < 0) return result;
-  PX::VideoFrameRef staging;
-  if (const int result = MakeStaging(from, source, staging); result < 0) return result;
-  FrameView pixels;
-  int result = ViewFrame(staging, pixels);
-  if (result < 0) return result;
-  result = source.device->Download(source.pixels, pixels.planes[0].data, source.Bytes());
-  if (result < 0) return result;
-  return VideoFrameManipulators::CopyFrame(staging, to, quality, settings);
+  if (const int result = ViewFrame(to, destination); result < 0) return result;
+  if (!AreOfOneSize(source, destination)) return kInvalidFrame;
+
+  std::unique_ptr<const BandCopy> copy;
+  int done = 0;
+  const auto take = [&](const IL::RowRing& ring, std::size_t /*first*/, std::size_t last) {
+    if (copy == nullptr) {
+      const int result = MakeBandCopy(ViewRing(from, source, ring), from->GetColorSpace(),
+                                      destination, to->GetColorSpace(), settings, copy);
+      if (result < 0) return result;
+    }
+    // Halved chroma takes rows beyond a band: one band waits for those after it.
+    const int there = static_cast<int>(last);
+    const int ready = there == destination.height ? there : there - kBandRows;
+    RunBands(*copy, done, ready);
+    done = ready;
+    return 0;
+  };
+  return source.device->DownloadRows(source.pixels, source.rowBytes, source.height, take);
 }
 
 int CopyOnGpu(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
@@ -85,8 +114,8 @@ int CopyFrame(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
   const bool fromGpu = IsOnGpu(from);
   const bool toGpu = IsOnGpu(to);
   if (fromGpu && toGpu) return CopyOnGpu(from, to, settings);
-  if (toGpu) return Upload(from, to, quality, settings);
-  if (fromGpu) return Download(from, to, quality, settings);
+  if (toGpu) return Upload(from, to, settings);
+  if (fromGpu) return Download(from, to, settings);
   return VideoFrameManipulators::CopyFrame(from, to, quality, settings);
 }
 

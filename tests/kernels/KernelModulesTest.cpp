@@ -1,4 +1,8 @@
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +15,10 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::SizeIs;
 using testing::UnorderedElementsAre;
+
+constexpr const char* kNoPtx = "needs nvcc or clang++, which CMake did not find";
 
 std::string OpenClOf(const char* module) {
   return std::string(kernels::FindKernelModule(module)->openCl);
@@ -40,19 +47,57 @@ TEST(KernelModules, HoldEachHeaderOnce) {
   EXPECT_EQ(text.find(once, first + 1), std::string::npos);
 }
 
+/// The PTX of a module, newest first.
+std::vector<std::string> PtxOf(const char* module) {
+  const auto texts = kernels::FindKernelModule(module)->ptx;
+  return {texts.begin(), texts.end()};
+}
+
 TEST(KernelModules, HaveTheSameKernelsInPtxWithNothingFusedOrFlushed) {
-  const std::string toneMap(kernels::FindKernelModule("ToneMapMain")->ptx);
-  const std::string conversion(kernels::FindKernelModule("PixelConversion")->ptx);
-  if (toneMap.empty()) GTEST_SKIP() << "needs nvcc or clang++, which CMake did not find";
-  EXPECT_THAT(
-      KernelsOf(toneMap),
-      UnorderedElementsAre("GamutCompressionKernelReinhard", "GamutCompressionKernelDesaturation",
-                           "ToneMapKernelHuePreservationDesaturationMain", "ToneMapKernelITU2446A",
-                           "ToneMapKernelCARToneCurve", "ToneMapKernelITU2390RGBByChannel",
-                           "ToneMapKernelITU2390MaxRGBMain"));
-  EXPECT_THAT(KernelsOf(conversion), UnorderedElementsAre("ConvertPixels"));
-  EXPECT_THAT(InexactLines(toneMap), IsEmpty());
-  EXPECT_THAT(InexactLines(conversion), IsEmpty());
+  if (PtxOf("ToneMapMain").empty()) GTEST_SKIP() << kNoPtx;
+  for (const std::string& ptx : PtxOf("ToneMapMain")) {
+    EXPECT_THAT(
+        KernelsOf(ptx),
+        UnorderedElementsAre("GamutCompressionKernelReinhard", "GamutCompressionKernelDesaturation",
+                             "ToneMapKernelHuePreservationDesaturationMain",
+                             "ToneMapKernelITU2446A", "ToneMapKernelCARToneCurve",
+                             "ToneMapKernelITU2390RGBByChannel", "ToneMapKernelITU2390MaxRGBMain"));
+    EXPECT_THAT(InexactLines(ptx), IsEmpty());
+  }
+  for (const std::string& ptx : PtxOf("PixelConversion")) {
+    EXPECT_THAT(KernelsOf(ptx), UnorderedElementsAre("ConvertPixels"));
+    EXPECT_THAT(InexactLines(ptx), IsEmpty());
+  }
+}
+
+TEST(KernelModules, HavePtxForOldDriversAndDevicesBehindThatForNewOnes) {
+  if (std::string(QUILLON_CLANG_CUDA).empty()) GTEST_SKIP() << "needs clang++";
+  for (const char* module : {"ToneMapMain", "PixelConversion"}) {
+    const auto texts = PtxOf(module);
+    ASSERT_THAT(texts, SizeIs(std::string(QUILLON_NVCC).empty() ? 1 : 2));
+    EXPECT_THAT(texts.back(), HasSubstr("\n.version 7.0\n.target sm_60\n"));
+    if (texts.size() == 1) continue;
+    EXPECT_THAT(texts.front(), Not(HasSubstr("\n.version 7")));
+  }
+}
+
+TEST(KernelModules, AssembleForDevicesOfSeveralGenerations) {
+  const std::filesystem::path assembler =
+      std::filesystem::path(QUILLON_NVCC).parent_path() / "ptxas";
+  if (!std::filesystem::exists(assembler)) GTEST_SKIP() << "needs ptxas, which comes with nvcc";
+  const std::string file = testing::TempDir() + "quillon-kernels.ptx";
+  for (const char* module : {"ToneMapMain", "PixelConversion"}) {
+    for (const std::string& ptx : PtxOf(module)) {
+      std::ofstream(file) << ptx;
+      for (const char* device : {"sm_75", "sm_90", "sm_120"}) {
+        const std::string command = "'" + assembler.string() + "' -arch=" + device + " -o '" +
+                                    file + ".bin' '" + file + "'";
+        EXPECT_EQ(std::system(command.c_str()), 0) << module << ' ' << ptx.substr(0, 200);
+      }
+    }
+  }
+  std::filesystem::remove(file);
+  std::filesystem::remove(file + ".bin");
 }
 
 }  // namespace

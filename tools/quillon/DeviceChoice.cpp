@@ -23,11 +23,11 @@ IL::DeviceInfo InfoOf(const DeviceChoice& choice) {
   return info;
 }
 
-/// The first device that can run kernels.
-IL::DeviceInfo FirstDevice() {
-  for (const IL::DeviceInfo& info : IL::ListDevices()) {
-    if (info.obstacle.empty()) return info;
-  }
+/// The first device that runs the kernels.
+std::shared_ptr<IL::GpuDevice> OpenFirstDevice() {
+  const EngineMessages messages;
+  auto device = IL::OpenFirstDevice();
+  if (device != nullptr) return device;
   throw CommandError(ExitCode::NotSupported,
                      "--device gpu: there is no GPU that can run the kernels; 'quillon devices' "
                      "tells why, and --device cpu works everywhere");
@@ -55,8 +55,8 @@ std::string DeviceName(const IL::DeviceInfo& info) {
 
 std::shared_ptr<IL::GpuDevice> OpenChosenDevice(const DeviceChoice& choice) {
   if (choice.kind == DeviceChoice::Kind::Cpu) return nullptr;
-  const IL::DeviceInfo info =
-      choice.kind == DeviceChoice::Kind::AnyGpu ? FirstDevice() : InfoOf(choice);
+  if (choice.kind == DeviceChoice::Kind::AnyGpu) return OpenFirstDevice();
+  const IL::DeviceInfo info = InfoOf(choice);
   const EngineMessages messages;
   auto device = IL::OpenDevice(info.platformKind, info.ordinal);
   if (device == nullptr) {

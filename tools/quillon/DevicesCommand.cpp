@@ -25,10 +25,7 @@ std::string Kernels(const IL::DeviceInfo& info) {
   if (!info.obstacle.empty()) return "no: " + info.obstacle;
   const EngineMessages messages;
   const auto device = IL::OpenDevice(info.platformKind, info.ordinal);
-  const bool builds = device != nullptr &&
-                      IL::LoadKernel(device, "ToneMapMain", "ToneMapKernelITU2446A") != nullptr &&
-                      IL::LoadKernel(device, "PixelConversion", "ConvertPixels") != nullptr;
-  if (!builds) return "do not build: " + messages.Joined();
+  if (device == nullptr || !IL::BuildsKernels(*device)) return "do not build: " + messages.Joined();
   return info.isExact ? "build, exact" : "build; the last bits may differ from the processor's";
 }
 

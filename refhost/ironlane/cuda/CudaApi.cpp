@@ -1,7 +1,7 @@
 #include "refhost/ironlane/cuda/CudaApi.h"
 
+#include <mutex>
 #include <optional>
-#include <string>
 
 #include "host/os/DynamicLibrary.h"
 #include "refhost/ironlane/ResultCodes.h"
@@ -30,6 +30,7 @@ std::optional<CudaApi> OpenApi() {
     TraceMessage("CUDA : the driver lacks " symbol);    \
     return std::nullopt;                                \
   }
+#define QUILLON_CUDA_OPTIONAL_FUNCTION(name, symbol, parameters) Find(driver, symbol, api.name);
 #include "refhost/ironlane/cuda/CudaFunctions.inc"
   if (api.Check(api.Init(0), "cuInit") < 0) return std::nullopt;
   return api;
@@ -37,18 +38,31 @@ std::optional<CudaApi> OpenApi() {
 
 }  // namespace
 
-int CudaApi::Check(CudaResult result, std::string_view call) const {
-  constexpr CudaResult kOutOfMemory = 2;
+std::string CudaApi::NameOf(CudaResult result) const {
+  const char* name = nullptr;
+  if (GetErrorName(result, &name) == 0 && name != nullptr) return name;
+  return "error " + std::to_string(result);
+}
+
+int CudaApi::Check(CudaResult result, const std::string& call) const {
   if (result == 0) return 0;
-  const char* error = nullptr;
-  if (GetErrorName(result, &error) != 0 || error == nullptr) error = "unknown error";
-  TraceMessage("CUDA : " + std::string(call) + " : " + error);
-  return result == kOutOfMemory ? kOutOfDeviceMemory : kDeviceFailed;
+  TraceMessage("CUDA : " + call + " : " + NameOf(result));
+  switch (result) {
+    case kCudaInvalidValue:
+      return kInvalidLaunch;
+    case kCudaOutOfMemory:
+      return kOutOfDeviceMemory;
+    default:
+      return kDeviceFailed;
+  }
 }
 
 const CudaApi* GetCudaApi() {
-  static const std::optional<CudaApi> kApi = OpenApi();
-  return kApi.has_value() ? &*kApi : nullptr;
+  static std::mutex mutex;
+  static std::optional<CudaApi> api;
+  const std::lock_guard lock(mutex);
+  if (!api.has_value()) api = OpenApi();
+  return api.has_value() ? &*api : nullptr;
 }
 
 }  // namespace IL

@@ -11,7 +11,8 @@ namespace IL {
 std::vector<DeviceInfo> ListCudaDevices();
 
 /// Null, and a message to the trace, when there is no such device or it cannot be used. Works in
-/// the device's primary context, which is current during calls alone.
+/// the device's primary context, which is current during calls alone, and is reset first where an
+/// earlier failure ended it.
 std::shared_ptr<GpuDevice> OpenCudaDevice(std::int32_t ordinal);
 
 }  // namespace IL

@@ -1,39 +1,68 @@
 #pragma once
 
 #include <map>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "host/IL/Device.h"
 #include "refhost/ironlane/BinaryCache.h"
-#include "refhost/ironlane/cuda/CudaApi.h"
+#include "refhost/ironlane/cuda/CudaContext.h"
+#include "refhost/ironlane/cuda/PtxText.h"
 
 namespace IL {
 
-/// The modules and kernels of one context, which is current in every call. One thread at a time.
+/// What binaries depend on beside their source.
+struct CudaTarget {
+  std::string device;
+  MajorMinor capability;
+  int driverVersion = 0;  ///< as the driver gives it, 12040 for 12.4; 0 where it does not
+
+  MajorMinor Driver() const { return {driverVersion / 1000, driverVersion % 1000 / 10}; }
+  /// Whether this is too old for a text of PTX; what is not may still fail to load.
+  bool IsTooOldFor(std::string_view ptx) const;
+};
+
+struct CudaKernel {
+  std::string name;
+  CudaFunction function = nullptr;
+  /// Sizes of its parameters; empty where the driver does not tell.
+  std::vector<std::size_t> parameterBytes;
+};
+
+/// The modules and kernels of one context, which is current in every call. Any thread may call; who
+/// looks for a kernel that is there waits for nobody who builds.
 class CudaModules {
  public:
-  /// `target` says what binaries depend on beside their source: device, capability, driver.
-  CudaModules(const CudaApi& api, std::string target) : api_(api), target_(std::move(target)) {}
+  CudaModules(CudaContext& context, CudaTarget target);
 
   /// Null, and a message to the trace, when there is no such kernel or its module does not build.
-  CudaFunction Find(std::string_view module, std::string_view kernel);
-  /// Whether a handle is one that `Find` gave.
-  bool Has(KernelHandle kernel) const;
-  void UnloadAll();
+  const CudaKernel* Find(std::string_view module, std::string_view kernel);
+  /// The kernel behind a handle that `Find` gave, or null.
+  const CudaKernel* At(KernelHandle handle) const;
+  CudaResult UnloadAll();
 
  private:
-  CudaModule ModuleOf(std::string_view module);
-  CudaModule Load(std::string_view ptx);
-  /// PTX to a binary of the device, empty when it does not build.
-  BinaryCache::Binary Link(std::string_view ptx) const;
+  using Name = std::pair<std::string, std::string>;
 
+  const CudaKernel* Known(const Name& name) const;
+  CudaModule ModuleOf(const std::string& module);
+  CudaModule LoadNewest(const std::string& module);
+  CudaResult Load(std::string_view ptx, CudaModule& module, std::string& log);
+  /// PTX to a binary of the device.
+  CudaResult Link(std::string_view ptx, BinaryCache::Binary& binary, std::string& log) const;
+  std::vector<std::size_t> ParametersOf(CudaFunction function) const;
+
+  CudaContext& context_;
   const CudaApi& api_;
-  std::string target_;
+  CudaTarget target_;
   BinaryCache cache_;
-  std::map<std::string, CudaModule, std::less<>> modules_;
-  std::map<std::pair<std::string, std::string>, CudaFunction> functions_;
+  std::mutex buildMutex_;  ///< taken before the other
+  mutable std::mutex mutex_;
+  std::map<std::string, CudaModule, std::less<>> modules_;  ///< by the first mutex
+  std::map<Name, CudaKernel> kernels_;                      ///< by the second
 };
 
 }  // namespace IL

@@ -1,19 +1,20 @@
 #include "refhost/ironlane/opencl/OpenClDevice.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "refhost/ironlane/ArgumentSet.h"
-#include "refhost/ironlane/BinaryCache.h"
 #include "refhost/ironlane/ContextIdentity.h"
 #include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/Trace.h"
 #include "refhost/ironlane/opencl/OpenClDevices.h"
-#include "refhost/ironlane/opencl/OpenClProgram.h"
+#include "refhost/ironlane/opencl/OpenClKernels.h"
 #include "refhost/ironlane/opencl/OpenClStatus.h"
 #include "refhost/orvcore/SharedObject.h"
 
@@ -59,13 +60,18 @@ cl_int PassArguments(const std::vector<Argument>& arguments, cl::Kernel& kernel)
   return passer.Status();
 }
 
+std::size_t RoundUp(std::size_t size, std::size_t group) {
+  return (size + group - 1) / group * group;
+}
+
 class OpenClDevice final : public GpuDevice {
  public:
   OpenClDevice(cl::Device device, cl::Context context, cl::CommandQueue queue, DeviceInfo info)
       : device_(std::move(device)),
         context_(std::move(context)),
         queue_(std::move(queue)),
-        info_(std::move(info)) {}
+        info_(std::move(info)),
+        kernels_(context_, device_, info_) {}
   OpenClDevice(const OpenClDevice&) = delete;
   OpenClDevice& operator=(const OpenClDevice&) = delete;
   ~OpenClDevice() override { queue_.finish(); }
@@ -94,16 +100,22 @@ class OpenClDevice final : public GpuDevice {
     memory_.erase(pointer);
   }
 
-  int Upload(const void* from, std::uint64_t to, std::size_t bytes) override {
-    const auto buffer = MemoryAt(to);
-    if (!buffer.has_value()) return kInvalidLaunch;
-    return ResultOf(queue_.enqueueWriteBuffer(*buffer, CL_TRUE, 0, bytes, from), "an upload");
+  int UploadRows(std::uint64_t to, std::size_t rowBytes, std::size_t rowCount,
+                 const RowsFunction& fill) override {
+    const auto copy = [&](const cl::Buffer& buffer, std::byte* host, std::size_t offset,
+                          std::size_t bytes, cl::Event& event) {
+      return queue_.enqueueWriteBuffer(buffer, CL_FALSE, offset, bytes, host, nullptr, &event);
+    };
+    return Transfer("an upload", to, {rowBytes, rowCount}, copy, UploadPieces, fill);
   }
 
-  int Download(std::uint64_t from, void* to, std::size_t bytes) override {
-    const auto buffer = MemoryAt(from);
-    if (!buffer.has_value()) return kInvalidLaunch;
-    return ResultOf(queue_.enqueueReadBuffer(*buffer, CL_TRUE, 0, bytes, to), "a download");
+  int DownloadRows(std::uint64_t from, std::size_t rowBytes, std::size_t rowCount,
+                   const RowsFunction& take) override {
+    const auto copy = [&](const cl::Buffer& buffer, std::byte* host, std::size_t offset,
+                          std::size_t bytes, cl::Event& event) {
+      return queue_.enqueueReadBuffer(buffer, CL_FALSE, offset, bytes, host, nullptr, &event);
+    };
+    return Transfer("a download", from, {rowBytes, rowCount}, copy, DownloadPieces, take);
   }
 
   int Copy(std::uint64_t from, std::uint64_t to, std::size_t bytes) override {
@@ -116,20 +128,12 @@ class OpenClDevice final : public GpuDevice {
   int Finish() override { return ResultOf(queue_.finish(), "waiting for the device"); }
 
   KernelHandle LoadKernel(std::string_view module, std::string_view kernel) override {
-    const std::lock_guard lock(mutex_);
-    const auto known = kernels_.find({std::string(module), std::string(kernel)});
-    if (known != kernels_.end()) return &known->second;
-    const cl::Program* program = ProgramOf(module);
-    if (program == nullptr) return nullptr;
-    cl_int status = CL_SUCCESS;
-    cl::Kernel made(*program, std::string(kernel).c_str(), &status);
-    if (ResultOf(status, "finding kernel " + std::string(kernel)) < 0) return nullptr;
-    return &kernels_.emplace(std::pair(module, kernel), std::move(made)).first->second;
+    return kernels_.Find(module, kernel);
   }
 
   int CreateArguments(KernelHandle kernel, std::uint32_t byValueBytes,
                       orvcore::classref::InterfaceRef<IArgumentSet>& arguments) override {
-    if (KernelAt(kernel) == nullptr) return kInvalidLaunch;
+    if (kernels_.At(kernel) == nullptr) return kInvalidLaunch;
     arguments = orvcore::classref::MakeShared<IArgumentSet, ArgumentSet>(kernel, byValueBytes);
     return 0;
   }
@@ -142,35 +146,68 @@ class OpenClDevice final : public GpuDevice {
     for (const std::uint32_t size : {gridX, gridY, blockX, blockY}) {
       if (size == 0) return kInvalidLaunch;
     }
-    cl::Kernel* known = KernelAt(kernel);
+    OpenClKernel* known = kernels_.At(kernel);
     if (known == nullptr) return kInvalidLaunch;
 
-    const cl::NDRange items(std::size_t{gridX} * blockX, std::size_t{gridY} * blockY);
-    // Blocks of one leave the size of work-groups to the device.
-    const cl::NDRange group =
-        blockX == 1 && blockY == 1 ? cl::NDRange() : cl::NDRange(blockX, blockY);
+    // Blocks of one leave the size of work-groups to the device. All of them are whole: kernels
+    // look for themselves where a frame ends.
+    const bool isLeftToDevice = blockX == 1 && blockY == 1;
+    const std::size_t groupX = isLeftToDevice ? known->groupX : blockX;
+    const std::size_t groupY = isLeftToDevice ? known->groupY : blockY;
+    const cl::NDRange items(RoundUp(std::size_t{gridX} * blockX, groupX),
+                            RoundUp(std::size_t{gridY} * blockY, groupY));
     const std::lock_guard lock(launchMutex_);
-    cl_int status = PassArguments(set->Arguments(), *known);
+    cl_int status = PassArguments(set->Arguments(), known->kernel);
     if (status == CL_SUCCESS) {
-      status = queue_.enqueueNDRangeKernel(*known, cl::NullRange, items, group);
+      status = queue_.enqueueNDRangeKernel(known->kernel, cl::NullRange, items,
+                                           cl::NDRange(groupX, groupY));
     }
     if (status == CL_SUCCESS) status = queue_.flush();
     return ResultOf(status, "a launch");
   }
 
  private:
-  /// Null when the module is not known or does not build.
-  const cl::Program* ProgramOf(std::string_view module) {
-    const auto built = programs_.find(module);
-    if (built != programs_.end()) return &built->second;
-    const kernels::KernelModule* source = kernels::FindKernelModule(module);
-    if (source == nullptr) {
-      TraceMessage("OpenCL : there is no module " + std::string(module));
-      return nullptr;
+  /// One piece of a transfer: `copy` gives it to the queue. What is on its way when it goes out of
+  /// scope is waited for.
+  template <class Copy>
+  class Copier final : public PieceCopier {
+   public:
+    Copier(const char* what, const cl::Buffer& buffer, std::byte* ring, const Copy& copy)
+        : what_(what), buffer_(buffer), ring_(ring), copy_(copy) {}
+    Copier(const Copier&) = delete;
+    Copier& operator=(const Copier&) = delete;
+    ~Copier() {
+      for (std::size_t slot = 0; slot < events_.size(); ++slot) Wait(slot);
     }
-    auto program = BuildOpenClProgram(context_, device_, info_, *source, cache_);
-    if (!program.has_value()) return nullptr;
-    return &programs_.emplace(module, *std::move(program)).first->second;
+
+    int Begin(std::size_t slot, std::size_t ringOffset, std::size_t deviceOffset,
+              std::size_t bytes) override {
+      return ResultOf(copy_(buffer_, ring_ + ringOffset, deviceOffset, bytes, events_[slot]),
+                      what_);
+    }
+    int Wait(std::size_t slot) override {
+      const cl::Event event = std::exchange(events_[slot], {});
+      return event() == nullptr ? 0 : ResultOf(event.wait(), what_);
+    }
+
+   private:
+    const char* what_;
+    const cl::Buffer& buffer_;
+    std::byte* ring_;
+    const Copy& copy_;
+    std::array<cl::Event, RowPieces::kMostSlots> events_;
+  };
+
+  template <class Copy, class Run>
+  int Transfer(const char* what, std::uint64_t memory, const RowPieces& pieces, const Copy& copy,
+               const Run& run, const RowsFunction& rows) {
+    const auto buffer = MemoryAt(memory);
+    if (!buffer.has_value() || buffer->getInfo<CL_MEM_SIZE>() < pieces.rowBytes * pieces.rowCount) {
+      return kInvalidLaunch;
+    }
+    const auto ring = std::make_unique_for_overwrite<std::byte[]>(pieces.RingBytes());
+    Copier copier(what, *buffer, ring.get(), copy);
+    return run(pieces, pieces.RingAt(ring.get()), copier, rows);
   }
 
   /// Whether all memory that a kernel is to see is the device's; null is none.
@@ -187,26 +224,16 @@ class OpenClDevice final : public GpuDevice {
     return found == memory_.end() ? std::nullopt : std::optional(found->second);
   }
 
-  cl::Kernel* KernelAt(KernelHandle handle) {
-    const std::lock_guard lock(mutex_);
-    for (auto& [name, kernel] : kernels_) {
-      if (&kernel == handle) return &kernel;
-    }
-    return nullptr;
-  }
-
   cl::Device device_;
   cl::Context context_;
   cl::CommandQueue queue_;
   DeviceInfo info_;
   std::uint64_t identity_ = NewContextIdentity();
-  BinaryCache cache_;
+  OpenClKernels kernels_;
 
   std::mutex launchMutex_;
   std::mutex mutex_;
   std::map<std::uint64_t, cl::Buffer> memory_;
-  std::map<std::string, cl::Program, std::less<>> programs_;
-  std::map<std::pair<std::string, std::string>, cl::Kernel> kernels_;
 };
 
 }  // namespace

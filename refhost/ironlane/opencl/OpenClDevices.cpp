@@ -1,5 +1,7 @@
 #include "refhost/ironlane/opencl/OpenClDevices.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 namespace IL {
@@ -10,6 +12,10 @@ namespace {
 std::string Trimmed(std::string text) {
   text.erase(text.find_last_not_of(std::string_view(" \0", 2)) + 1);
   return text;
+}
+
+bool HasName(const cl::Device& device) {
+  return !Trimmed(device.getInfo<CL_DEVICE_NAME>()).empty();
 }
 
 std::string ObstacleOf(const cl::Device& device) {
@@ -30,7 +36,7 @@ std::vector<cl::Device> FindOpenClDevices() {
   for (const cl::Platform& platform : platforms) {
     std::vector<cl::Device> ofPlatform;
     if (platform.getDevices(CL_DEVICE_TYPE_ALL, &ofPlatform) != CL_SUCCESS) continue;
-    devices.insert(devices.end(), ofPlatform.begin(), ofPlatform.end());
+    std::copy_if(ofPlatform.begin(), ofPlatform.end(), std::back_inserter(devices), HasName);
   }
   return devices;
 }
@@ -46,6 +52,7 @@ DeviceInfo DescribeOpenClDevice(const cl::Device& device, std::int32_t ordinal) 
           .driver = Trimmed(device.getInfo<CL_DRIVER_VERSION>()),
           .memoryBytes = device.getInfo<CL_DEVICE_GLOBAL_MEM_SIZE>(),
           .isExact = (device.getInfo<CL_DEVICE_SINGLE_FP_CONFIG>() & kExact) == kExact,
+          .isProcessor = (device.getInfo<CL_DEVICE_TYPE>() & CL_DEVICE_TYPE_CPU) != 0,
           .obstacle = ObstacleOf(device)};
 }
 

@@ -7,7 +7,7 @@
 
 namespace IL {
 
-/// All devices in the order of their ordinals.
+/// All devices that have a name, in the order of their ordinals.
 std::vector<cl::Device> FindOpenClDevices();
 
 DeviceInfo DescribeOpenClDevice(const cl::Device& device, std::int32_t ordinal);

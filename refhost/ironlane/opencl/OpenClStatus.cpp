@@ -9,7 +9,11 @@ namespace IL {
 
 int ResultOf(cl_int status, std::string_view what) {
   if (status == CL_SUCCESS) return 0;
-  TraceMessage("OpenCL : " + std::string(what) + " failed : " + std::to_string(status));
+  // What some drivers say too of a kernel that failed before.
+  const std::string reason = status == CL_OUT_OF_RESOURCES
+                                 ? "the device is out of resources, or a kernel failed on it"
+                                 : std::to_string(status);
+  TraceMessage("OpenCL : " + std::string(what) + " failed : " + reason);
   switch (status) {
     case CL_MEM_OBJECT_ALLOCATION_FAILURE:
     case CL_INVALID_BUFFER_SIZE:

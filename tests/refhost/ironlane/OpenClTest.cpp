@@ -1,6 +1,7 @@
 // What only the OpenCL back end does.
 
 #include <filesystem>
+#include <future>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -9,6 +10,7 @@
 #include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/opencl/OpenClDevices.h"
 #include "refhost/ironlane/opencl/OpenClProgram.h"
+#include "refhost/ironlane/opencl/OpenClStatus.h"
 #include "refhost/orvcore/TraceSettings.h"
 #include "tests/devices/EveryDevice.h"
 #include "tests/refhost/ironlane/CacheHome.h"
@@ -68,7 +70,7 @@ TEST_P(OpenClDevices, TraceWhatTheCompilerSaysOfAModuleThatDoesNotBuild) {
   orvcore::debug::SetTraceSink(
       [&](int, std::string_view, std::string_view text) { messages += text; });
   const cl::Device device = IL::FindOpenClDevices()[static_cast<std::size_t>(GetParam().ordinal)];
-  const kernels::KernelModule broken = {"Broken", "__kernel void Run() { ThereIsNoSuch(); }", ""};
+  const kernels::KernelModule broken = {"Broken", "__kernel void Run() { ThereIsNoSuch(); }", {}};
   EXPECT_FALSE(IL::BuildOpenClProgram(cl::Context(device), device, device_->Info(), broken,
                                       IL::BinaryCache(fs::path()))
                    .has_value());
@@ -76,6 +78,42 @@ TEST_P(OpenClDevices, TraceWhatTheCompilerSaysOfAModuleThatDoesNotBuild) {
   orvcore::debug::SetTraceLevel(0);
   EXPECT_THAT(messages, testing::AllOf(testing::HasSubstr("module Broken does not build"),
                                        testing::HasSubstr("ThereIsNoSuch")));
+}
+
+/// The trace is written while nobody else may build.
+TEST_P(OpenClDevices, AllocateAndFindKernelsWhileAnotherThreadBuilds) {
+  const auto known = IL::LoadKernel(device_, "PixelConversion", "ConvertPixels");
+  ASSERT_NE(known, nullptr);
+  int traced = 0;
+  orvcore::debug::SetTraceLevel(7);
+  orvcore::debug::SetTraceSink([&](int, std::string_view, std::string_view) {
+    ++traced;
+    std::async(std::launch::async, [&] {
+      std::uint64_t pointer = 0;
+      EXPECT_EQ(device_->Allocate(16, pointer), 0);
+      device_->Free(pointer);
+      EXPECT_EQ(IL::LoadKernel(device_, "PixelConversion", "ConvertPixels"), known);
+    }).get();
+  });
+  EXPECT_EQ(IL::LoadKernel(device_, "NoSuchModule", "ConvertPixels"), nullptr);
+  orvcore::debug::SetTraceSink({});
+  orvcore::debug::SetTraceLevel(0);
+  EXPECT_EQ(traced, 1);
+}
+
+TEST(OpenClStatus, TellsResourcesFromMemory) {
+  std::string messages;
+  orvcore::debug::SetTraceLevel(7);
+  orvcore::debug::SetTraceSink(
+      [&](int, std::string_view, std::string_view text) { messages += text; });
+  EXPECT_EQ(IL::ResultOf(CL_OUT_OF_RESOURCES, "a launch"), IL::kOutOfDeviceMemory);
+  EXPECT_EQ(IL::ResultOf(CL_MEM_OBJECT_ALLOCATION_FAILURE, "a launch"), IL::kOutOfDeviceMemory);
+  EXPECT_EQ(IL::ResultOf(CL_SUCCESS, "a launch"), 0);
+  orvcore::debug::SetTraceSink({});
+  orvcore::debug::SetTraceLevel(0);
+  EXPECT_EQ(messages,
+            "OpenCL : a launch failed : the device is out of resources, or a kernel failed on it\r\n"
+            "OpenCL : a launch failed : -4\r\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryDevice, OpenClDevices, testing::ValuesIn(EveryDevice()),

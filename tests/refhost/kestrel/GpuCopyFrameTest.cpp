@@ -1,3 +1,4 @@
+#include <random>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,7 @@
 #include "host/KS/FrameInterfaces.h"
 #include "host/KS/FrameManipulators.h"
 #include "refhost/ironlane/ResultCodes.h"
+#include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/ResultCodes.h"
 #include "refhost/kestrel/SystemFrame.h"
@@ -27,6 +29,39 @@ namespace {
 std::vector<ColorSpace> EveryColorSpace() {
   return {Space(1, 1), Space(9, 8),  Space(1, 13), Space(9, 16),  Space(9, 18), Space(9, 18, 4000),
           Space(5, 4), Space(11, 5), Space(7, 7),  Space(10, 17), Space(12, 16)};
+}
+
+/// A signal from 0 to 1 in every pixel, none like its neighbours.
+Pixels RandomSignals(int width, int height) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<float> signal(0.0F, 1.0F);
+  Pixels pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  for (Pixel& pixel : pixels) {
+    for (float& channel : pixel) channel = signal(random);
+  }
+  return pixels;
+}
+
+ColorSpace Bt709() {
+  orvmediatypes::color::ColorDescription description;
+  description.primaries = 1;
+  description.transfer = 1;
+  description.matrix = 1;
+  return ColorSpace(description);
+}
+
+/// All samples of a frame in system memory, without what lies between rows.
+std::vector<std::byte> SamplesOf(const PX::VideoFrameRef& frame) {
+  KS::FrameView view;
+  EXPECT_EQ(KS::ViewFrame(frame, view), 0);
+  std::vector<std::byte> samples;
+  for (int plane = 0; plane < view.info.planeCount; ++plane) {
+    for (int row = 0; row < view.planes[static_cast<std::size_t>(plane)].height; ++row) {
+      const std::byte* at = view.Row(plane, row);
+      samples.insert(samples.end(), at, at + view.RowSize(plane));
+    }
+  }
+  return samples;
 }
 
 class GpuFrames : public OnDevice {
@@ -100,6 +135,60 @@ TEST_P(GpuFrames, TakeAndGiveOtherFormatsOfSystemMemory) {
   ASSERT_EQ(Copy(onGpu, linear), 0);
   ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(expected, expectedLinear, 4, {}), 0);
   ExpectSameBits(PixelsOf(linear), PixelsOf(expectedLinear));
+}
+
+/// Heights of a piece and a few rows, of whole pieces, and of more pieces than pass at once.
+TEST_P(GpuFrames, PassInPiecesWithTheBitsOfTheProcessor) {
+  for (const int height : {1, 63, 64, 65, 127, 128, 192, 193, 263, 511}) {
+    SCOPED_TRACE(height);
+    const auto picture =
+        MakeSystemFrame(kBgraFloat, 21, height, Space(9, 16), NotablePixels(21, height, 6));
+    const auto expectedUp =
+        MakeSystemFrame(kBgraFloat, 21, height, Space(9, 8), NotablePixels(21, height, 1));
+    ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(picture, expectedUp, 4, White(203)), 0);
+    const auto onGpu = MakeGpuFrame(device_, kBgraFloat, 21, height, Space(9, 8));
+    ASSERT_EQ(Copy(picture, onGpu), 0);
+    ExpectSameBits(PixelsOf(onGpu), PixelsOf(expectedUp));
+
+    const auto down =
+        MakeSystemFrame(kBgraFloat, 21, height, Space(1, 13), NotablePixels(21, height, 2));
+    const auto expectedDown =
+        MakeSystemFrame(kBgraFloat, 21, height, Space(1, 13), NotablePixels(21, height, 3));
+    ASSERT_EQ(Copy(onGpu, down), 0);
+    ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(expectedUp, expectedDown, 4, White(203)), 0);
+    ExpectSameBits(PixelsOf(down), PixelsOf(expectedDown));
+  }
+}
+
+/// Chroma of a row is made from rows of the piece before and of the next.
+TEST_P(GpuFrames, PassInPiecesToAndFromHalvedChroma) {
+  const auto format = KS::PlanarYCbCr(KS::ChromaFormat::C420, 10);
+  const auto make = [&](int height) {
+    PX::VideoFrameRef frame;
+    EXPECT_EQ(KS::CreateSystemFrame(
+                  frame, {.format = format, .width = 34, .height = height, .colorSpace = Bt709()}),
+              0);
+    return frame;
+  };
+  for (const int height : {2, 63, 64, 65, 66, 128, 193, 263, 511}) {
+    SCOPED_TRACE(height);
+    const auto pixels =
+        MakeSystemFrame(kBgraFloat, 34, height, Space(1, 13), RandomSignals(34, height));
+    const auto planar = make(height);
+    ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(pixels, planar, 4, White(203)), 0);
+    const auto onGpu = MakeGpuFrame(device_, kBgraFloat, 34, height, Space(1, 8));
+    ASSERT_EQ(Copy(planar, onGpu), 0);
+    const auto expected =
+        MakeSystemFrame(kBgraFloat, 34, height, Space(1, 8), NotablePixels(34, height, 1));
+    ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(planar, expected, 4, White(203)), 0);
+    ExpectSameBits(PixelsOf(onGpu), PixelsOf(expected));
+
+    const auto back = make(height);
+    const auto expectedBack = make(height);
+    ASSERT_EQ(Copy(onGpu, back), 0);
+    ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(expected, expectedBack, 4, White(203)), 0);
+    EXPECT_EQ(SamplesOf(back), SamplesOf(expectedBack));
+  }
 }
 
 TEST_P(GpuFrames, AreLeftAloneWhenCopiedOntoThemselves) {

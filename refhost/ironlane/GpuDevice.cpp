@@ -1,0 +1,24 @@
+#include "refhost/ironlane/GpuDevice.h"
+
+#include <cstring>
+
+namespace IL {
+
+int GpuDevice::Upload(const void* from, std::uint64_t to, std::size_t bytes) {
+  const auto* source = static_cast<const std::byte*>(from);
+  return UploadRows(to, 1, bytes, [&](const RowRing& ring, std::size_t first, std::size_t last) {
+    std::memcpy(ring.memory + first % ring.rows, source + first, last - first);
+    return 0;
+  });
+}
+
+int GpuDevice::Download(std::uint64_t from, void* to, std::size_t bytes) {
+  auto* destination = static_cast<std::byte*>(to);
+  return DownloadRows(
+      from, 1, bytes, [&](const RowRing& ring, std::size_t first, std::size_t last) {
+        std::memcpy(destination + first, ring.memory + first % ring.rows, last - first);
+        return 0;
+      });
+}
+
+}  // namespace IL
