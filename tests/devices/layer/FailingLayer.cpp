@@ -1,7 +1,8 @@
 // A layer between OpenCL's loader and its drivers that makes a device fail in mid-run: from the
 // n-th call of one function on, every call that gives work to the device fails, as when it is lost.
 // The loader takes it from OPENCL_LAYERS; QUILLON_FAIL says where it begins:
-// "clEnqueueNDRangeKernel 2".
+// "clEnqueueNDRangeKernel 2". Work-groups that are not whole fail too, as they do before
+// OpenCL 2.0.
 
 #include <atomic>
 #include <cstdlib>
@@ -43,6 +44,9 @@ cl_int CL_API_CALL EnqueueKernel(cl_command_queue queue, cl_kernel kernel, cl_ui
                                  const size_t* offset, const size_t* global, const size_t* local,
                                  cl_uint eventCount, const cl_event* events, cl_event* event) {
   if (IsLost("clEnqueueNDRangeKernel")) return CL_DEVICE_NOT_AVAILABLE;
+  for (cl_uint i = 0; local != nullptr && i < dimensions; ++i) {
+    if (global[i] % local[i] != 0) return CL_INVALID_WORK_GROUP_SIZE;
+  }
   return target.clEnqueueNDRangeKernel(queue, kernel, dimensions, offset, global, local, eventCount,
                                        events, event);
 }

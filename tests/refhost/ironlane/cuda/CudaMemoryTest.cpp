@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -13,7 +14,6 @@
 
 namespace {
 
-using ::testing::Each;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -68,7 +68,11 @@ TEST_P(CudaMemory, IsTakenFromTheDeviceOnceForCallsOfOneSize) {
   ASSERT_EQ(UseDevice(*device_), 0);
   const int reservations = driver_->reservations;
   const int pinned = driver_->calls["cuMemHostRegister"];
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(UseDevice(*device_), 0);
+  for (int i = 0; i < 3; ++i) {
+    // Pools give back when they are waited for.
+    EXPECT_EQ(device_->Finish(), 0);
+    EXPECT_EQ(UseDevice(*device_), 0);
+  }
   EXPECT_EQ(driver_->reservations, reservations);
   EXPECT_EQ(driver_->calls["cuMemHostRegister"], pinned);
 }
@@ -287,16 +291,24 @@ TEST_F(CudaTransfers, LeaveNothingOnItsWayWhereTheFunctionThrows) {
   EXPECT_EQ(Downloaded(), bytes_);
 }
 
-TEST_F(CudaTransfers, EndWithTheFailureOfACopyThatWasGivenBefore) {
-  for (const bool isUpload : {true, false}) {
-    driver_->failingLater = isUpload ? "cuMemcpyHtoDAsync" : "cuMemcpyDtoHAsync";
-    driver_->error = 801;
-    std::vector<std::uint8_t> back(bytes_.size());
-    EXPECT_EQ(isUpload ? Upload() : device_->Download(memory_, back.data(), back.size()),
-              IL::kDeviceFailed);
-    EXPECT_THAT(Trace(), HasSubstr(isUpload ? "CUDA : an upload : CUDA_ERROR_NOT_SUPPORTED"
-                                            : "CUDA : a download : CUDA_ERROR_NOT_SUPPORTED"));
-    ASSERT_EQ(Upload(), 0) << "of that call alone";
+TEST_F(CudaTransfers, EndWithTheFailureOfAnyCopyThatWasGivenBefore) {
+  std::vector<std::uint8_t> back(bytes_.size());
+  driver_->error = 801;
+  for (const std::string function : {"cuMemcpyHtoDAsync", "cuMemcpyDtoHAsync"}) {
+    const bool isUpload = function == "cuMemcpyHtoDAsync";
+    for (int nth = 1; nth <= 5; ++nth) {
+      SCOPED_TRACE(function + ' ' + std::to_string(nth));
+      int calls = 0;
+      driver_->onCall = [&](const std::string& called) {
+        if (called == function && ++calls == nth) driver_->failingLater = function;
+      };
+      EXPECT_EQ(isUpload ? Upload() : device_->Download(memory_, back.data(), back.size()),
+                IL::kDeviceFailed);
+      EXPECT_THAT(Trace(), HasSubstr(isUpload ? "CUDA : an upload : CUDA_ERROR_NOT_SUPPORTED"
+                                              : "CUDA : a download : CUDA_ERROR_NOT_SUPPORTED"));
+      driver_->onCall = {};
+      ASSERT_EQ(Upload(), 0) << "of that call alone";
+    }
   }
 }
 

@@ -130,7 +130,7 @@ TEST_F(CudaModules, AreOfTheNewestPtxThatDriverAndDeviceTake) {
     driver_->devices = {{.major = major, .minor = minor}};
     fs::remove_all(cache_);
     EXPECT_TRUE(Load()) << Trace();
-    EXPECT_EQ(Trace(), "") << "nothing was tried in vain";
+    EXPECT_EQ(driver_->calls["cuLinkCreate"], 1) << "nothing is tried in vain";
     return driver_->loaded;
   };
   EXPECT_THAT(loaded(13000, 12, 0), ElementsAre("9.0"));
