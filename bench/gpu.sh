@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # Checks and measures the kernels on the GPUs of a machine that has nothing but drivers.
 #
-#   bench/gpu.sh pack FOLDER   builds, and gathers programs and the libraries they need
-#   FOLDER/gpu.sh run [OUT]    on the machine with the GPU: the parity tests on every device, the
-#                              kernel tests under compute-sanitizer where it is there, and every
-#                              kernel against a copy within the device's memory; logs go to OUT
+#   bench/gpu.sh pack FOLDER   builds, and gathers programs and the libraries they need, up to 40 MB
+#   FOLDER/gpu.sh run [OUT]    on the machine with the GPU: the tests on every device, those of
+#                              kernels under compute-sanitizer where it is there, and times of
+#                              kernels and whole calls on every GPU. OUT gets up to five files:
+#                              00-summary.txt says what passed and what was measured
 set -euo pipefail
 
-programs=(kernels_test kestrel_gpu_test ironlane_test map_on_devices_test quillon quillon-gpu-bench)
+tests=(kernels_test kestrel_gpu_test ironlane_test map_on_devices_test)
+programs=("${tests[@]}" quillon-gpu-bench)
 
 pack() {
-  local folder=$1 program library
+  local folder=$1 program library size
   cmake --preset release
   ninja -C build/release "${programs[@]}"
   mkdir -p "$folder/lib"
@@ -23,56 +25,59 @@ pack() {
       while read -r library; do cp -nL "$library" "$folder/lib/"; done
   done
   strip --strip-debug "$folder"/lib/* "${programs[@]/#/$folder/}"
-  du -sh "$folder"
+  size=$(du -sm "$folder" | cut -f1)
+  echo "$folder: $size MB"
+  if ((size > 40)); then
+    echo "that is more than 40 MB" >&2
+    return 1
+  fi
 }
 
-# Runs a step and goes on; what failed is told at the end.
-failed=()
+# Runs a step, its output at the end of a file of OUT, and goes on; the summary has what became of
+# it.
 step() {
-  local name=$1
-  shift
-  echo "== $name: $*"
-  "$@" >"$out/$name.log" 2>&1 || failed+=("$name")
-  tail -n 12 "$out/$name.log"
+  local file=$1 name=$2 result=passed
+  shift 2
+  echo "== $name" | tee -a "$out/$file"
+  "$@" >>"$out/$file" 2>&1 || result="FAILED, see $file"
+  printf '%-24s %s\n' "$name" "$result" | tee -a "$summary"
 }
 
 run() {
   mkdir -p "${1:-.}"
   out=$(cd "${1:-.}" && pwd)
+  summary=$out/00-summary.txt
   cd "$(dirname "${BASH_SOURCE[0]}")"
+  rm -f "$out"/{00-summary.txt,tests.log,sanitizer.log,bench.txt,bench.json}
   export LD_LIBRARY_PATH=$PWD/lib${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}
   export XDG_CACHE_HOME=$PWD/cache
   # The loader of the machine knows its drivers; the one taken along is for machines without.
   if ldconfig -p | grep -q 'libOpenCL\.so\.1'; then rm -f lib/libOpenCL.so.1; fi
 
-  step devices ./quillon devices
+  { uname -mrs; date -u; nvidia-smi -L 2>/dev/null || true; } >"$summary"
   local program tool
-  for program in kernels_test kestrel_gpu_test ironlane_test map_on_devices_test; do
-    step "$program" "./$program"
+  for program in "${tests[@]}"; do
+    step tests.log "$program" "./$program"
   done
   if command -v compute-sanitizer >/dev/null; then
     for tool in memcheck racecheck initcheck synccheck; do
-      step "sanitizer-$tool" compute-sanitizer --tool "$tool" --error-exitcode 9 \
+      step sanitizer.log "sanitizer $tool" compute-sanitizer --tool "$tool" --error-exitcode 9 \
         ./kernels_test --gtest_filter='*cuda*-*WholeFrame*'
     done
   else
-    echo "compute-sanitizer is not there: the kernels were not run under it"
+    echo "compute-sanitizer is not there: nothing was run under it" | tee -a "$summary"
   fi
-  local device
-  for device in $(./quillon devices | awk '$1 ~ /^(cuda|opencl):/ { print $1 }'); do
-    step "bench-${device/:/-}" ./quillon-gpu-bench "$device" "$out/${device/:/-}.json"
-  done
-  if ((${#failed[@]})); then
-    echo "failed: ${failed[*]}"
-    return 1
-  fi
+  step bench.txt "times" ./quillon-gpu-bench gpus "$out/bench.json"
+  cat "$out/bench.txt" >>"$summary"
+  grep -E '^\[  (PASSED|SKIPPED|FAILED)' "$out/tests.log" | sort | uniq -c >>"$summary" || true
+  ! grep -q 'FAILED' "$summary"
 }
 
 case ${1:-} in
   pack) pack "${2:?the folder to gather into}" ;;
   run) run "${2:-}" ;;
   *)
-    sed -n '2,8p' "${BASH_SOURCE[0]}" >&2
+    sed -n '2,9p' "${BASH_SOURCE[0]}" >&2
     exit 2
     ;;
 esac
