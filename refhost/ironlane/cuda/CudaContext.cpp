@@ -37,7 +37,7 @@ void CudaContext::Leave() {
 
 int CudaContext::TellLoss() const {
   const std::lock_guard lock(mutex_);
-  TraceMessage("CUDA : " + device_ + " is lost since " + *loss_ + " : open it again");
+  TraceMessage("CUDA : " + device_ + " is lost since " + loss_.value_or("") + " : open it again");
   return kDeviceLost;
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <iterator>
+#include <utility>
 
 #include "host/os/DynamicLibrary.h"
 #include "refhost/ironlane/ResultCodes.h"

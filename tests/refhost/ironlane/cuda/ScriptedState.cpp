@@ -1,6 +1,7 @@
 #include "tests/refhost/ironlane/cuda/ScriptedState.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
 #include <utility>
 
