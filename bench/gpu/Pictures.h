@@ -11,8 +11,8 @@ using DeviceRef = std::shared_ptr<IL::GpuDevice>;
 
 /// A size and a format of frames.
 struct Shape {
-  int width;
-  int height;
+  int width = 0;
+  int height = 0;
   orvmediatypes::PixelFormat format;
 
   /// "3840x2160 half"

@@ -25,7 +25,7 @@ FrameView ViewRing(const PX::VideoFrameRef& frame, const GpuFrameView& view,
                    const IL::RowRing& ring) {
   FrameView rows;
   rows.format = frame->GetPixelFormat();
-  rows.info = *DescribeFormat(rows.format);
+  rows.info = DescribeFormat(rows.format).value_or(FormatInfo{});
   rows.width = static_cast<int>(view.width);
   rows.height = static_cast<int>(view.height);
   rows.planes[0] = {ring.memory, static_cast<std::int32_t>(ring.rowBytes), rows.width, rows.height};

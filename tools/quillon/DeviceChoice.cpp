@@ -25,7 +25,6 @@ IL::DeviceInfo InfoOf(const DeviceChoice& choice) {
 
 /// The first device that runs the kernels.
 std::shared_ptr<IL::GpuDevice> OpenFirstDevice() {
-  const EngineMessages messages;
   auto device = IL::OpenFirstDevice();
   if (device != nullptr) return device;
   throw CommandError(ExitCode::NotSupported,
