@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <locale>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -44,6 +45,9 @@ void TraceFailure(std::string_view category, Compose compose) {
   static constinit TraceSite site;
   if (!site.IsEnabled(category)) return;
   TraceStream message;
+  // What the recycler throws passes, where a stream would keep it and go on with a cut-off text.
+  message.exceptions(std::ios_base::badbit);
+  message.imbue(std::locale::classic());
   compose(message);
   message << "\r\n" << std::flush;
   orvcore::debug::Trace(kTraceLevel, category, message.view());

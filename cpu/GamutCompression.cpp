@@ -1,5 +1,6 @@
 #include "cpu/GamutCompression.h"
 
+#include "base/DefaultFloatingPoint.h"
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
 #include "curves/GamutDesaturation.h"
@@ -26,6 +27,7 @@ int GetGamutCompressionSupportParams(const PX::GamutMappingUtils::GamutMappingSe
                                      SupportVector& params) {
   // Deliberate: the record's own colour-management settings, whatever its version.
   const PX::ToneMappingUtils::ToneMapSettings& record = settings.toneMapSettings;
+  const DefaultFloatingPoint mode;
   params.clear();
   switch (settings.GamutCompressionSettings::algorithmType) {
     case GamutCompressionAlgorithmType::Reinhard:

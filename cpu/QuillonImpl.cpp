@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <utility>
 
+#include "base/DefaultFloatingPoint.h"
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
 #include "cpu/rows/RowForms.h"
@@ -89,9 +91,9 @@ int QuillonImpl::GenerateGamutMappedFrame(float* /*source*/, float* destination,
     float* first =
         destination + std::ptrdiff_t{band} * rowsPerBand * std::ptrdiff_t{destinationStride};
     executor->Queue(
-        [this, steps, first, rows, destinationStride, floatWidth, working] {
-          GenerateGamutMappedRows(steps.toneMap, steps.compressGamut, first, rows,
-                                  destinationStride, floatWidth, steps.toneMapParams,
+        [this, steps, first, rows, destinationStride, floatWidth, working]() mutable {
+          GenerateGamutMappedRows(std::move(steps.toneMap), std::move(steps.compressGamut), first,
+                                  rows, destinationStride, floatWidth, steps.toneMapParams,
                                   steps.gamutParams, working);
         },
         0);
@@ -109,6 +111,7 @@ void QuillonImpl::GenerateGamutMappedRows(ToneMapPixelFunction toneMap,
                                           const SupportVector& gamutParams,
                                           const GamutMappingSettings& settings) {
   // NOLINTEND(performance-unnecessary-value-param)
+  const DefaultFloatingPoint mode;
   // Deliberate: rows are walked packed. The stride only places the first pixel of a band.
   if (MapRows(BestInstructionSet(), {toneMap, compressGamut, toneMapParams, gamutParams, settings},
               pixel, rowCount, width)) {

@@ -35,8 +35,9 @@ QUILLON_CURVE Real Eetf(Real x, Bt2390Params p) {
   const float toPeak = p.maxLum - 1.0f;
   const Real rolled = under * under * under / (toPeak * toPeak) * 0.1481f + p.maxLum;
   const Real e = signal > p.kneeStart ? rolled : signal;
-  const QUILLON_WIDE rest = Widen(1.0f - e);
-  const QUILLON_WIDE lifted = rest * rest * (rest * rest) * (double)p.minLum + Widen(e);
+  const QUILLON_WIDE wide = Widen(e);
+  const QUILLON_WIDE rest = 1.0 - wide;
+  const QUILLON_WIDE lifted = rest * rest * (rest * rest) * (double)p.minLum + wide;
   return Narrow(lifted, x) * p.sourceRange + p.sourceBlack;
 }
 

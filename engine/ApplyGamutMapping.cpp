@@ -1,3 +1,4 @@
+#include "base/DefaultFloatingPoint.h"
 #include "base/ResultCodes.h"
 #include "engine/ApplyGamutMappingSW.h"
 #include "engine/Quillon.h"
@@ -18,6 +19,7 @@ int ApplyGamutMapping(const PX::VideoFrameRef& source,
                       const PX::GamutMappingUtils::GamutMappingSettings& settings,
                       PX::VideoFrameRef& destination) {
   if (!source.IsUsable() || !destination.IsUsable()) return kInvalidFrame;
+  const DefaultFloatingPoint mode;
 
   if (IsOnGPU(source) && IsOnGPU(destination)) {
     return ApplyGamutMappingGPU(source, settings, destination);

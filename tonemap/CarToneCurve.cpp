@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/DefaultFloatingPoint.h"
 #include "curves/Car.h"
 #include "curves/HighlightDesaturation.h"
 #include "host/CHR/Conversion.h"
@@ -22,6 +23,7 @@ constexpr float kKneeOffset = 0.005F;
 constexpr float kKneeScale = 0.995F;
 
 CarTables BuildCarTables() {
+  const DefaultFloatingPoint mode;
   constexpr float kStep = 0.0077734375F;  // 0.995 / 128
   const float p = Power(100.0F, 1.25F);
   CarTables tables{};

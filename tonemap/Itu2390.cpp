@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "base/DefaultFloatingPoint.h"
 #include "base/WorkingColorManagement.h"
 #include "curves/Bt2390.h"
 #include "curves/HighlightDesaturation.h"
@@ -141,12 +142,22 @@ void ApplyItu2390(Itu2390Form form, const float* params, float* pixel) {
 
 std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
                                                        const SupportVector& params) {
+  const DefaultFloatingPoint mode;
   const Bt2390Params curve = Itu2390CurveParams(params.data());
   if (curve.kneeStart >= 1.0F) return nullptr;
   const float white = params[4];
-  auto tables = std::make_shared<Itu2390Tables>();
+  const auto tables =
+      std::allocate_shared<Itu2390Tables>(orvcore::allocator::STLAllocator<Itu2390Tables>());
   tables->params = params;
+  tables->hostEncodesAsSt2084 = HostEncodesAsSt2084();
+  tables->decoded.reserve(PQDecodeTable().size());
   for (const float nits : PQDecodeTable()) tables->decoded.push_back(nits / white);
+  if (form == Itu2390Form::ByChannel) {
+    tables->mapped.reserve(PQEncodeTable().size());
+  } else {
+    tables->encoded.reserve(PQEncodeTable().size());
+    tables->ratio.reserve(PQEncodeTable().size());
+  }
   for (const float pq : PQEncodeTable()) {
     if (form == Itu2390Form::ByChannel) {
       const float mapped = EetfOfChannel(pq, curve);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "base/SupportVector.h"
 #include "curves/Bt2390.h"
@@ -31,19 +30,20 @@ enum class Itu2390Form { MaxRGB, ByChannel };
 
 /// Everything that the two PQ tables can lead a curve to: for each whole number of nits, 0 to 9999,
 /// what becomes of it, and for each entry of the decoding table its light. Light is 1.0 at
-/// reference white. Built for one vector of parameters, read by many threads.
+/// reference white. Built for one vector of parameters, read by many threads. All of its memory is
+/// the host's recycler's.
 struct Itu2390Tables {
-  SupportVector params;       ///< what the tables were built for
-  std::vector<float> mapped;  ///< by channel, by nits: the result
-
-  std::vector<float> encoded;  ///< MaxRGB, by nits: PQ code value, lifted from source black
-  std::vector<float>
-      ratio;  ///< MaxRGB, by nits: what a pixel with this largest channel is scaled by
-  std::vector<float> decoded;  ///< MaxRGB, by code value in steps of 1/8191: the light
+  SupportVector params;   ///< what the tables were built for
+  SupportVector mapped;   ///< by channel, by nits: the result
+  SupportVector encoded;  ///< MaxRGB, by nits: PQ code value, lifted from source black
+  SupportVector ratio;    ///< MaxRGB, by nits: what a pixel with this largest channel is scaled by
+  SupportVector decoded;  ///< by code value in steps of 1/8191: the light
+  bool hostEncodesAsSt2084 = false;  ///< light beyond the tables need not go through the host
 };
 
 /// Null when the curve does not run (a knee at or above the source's peak), or when these
-/// parameters lead it to code values outside [0, 1], which the decoding table does not have.
+/// parameters lead it to code values outside [0, 1], which the decoding table does not have: then
+/// the curve has no row form. Once a call, before there are threads.
 std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
                                                        const SupportVector& params);
 

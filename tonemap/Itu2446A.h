@@ -8,7 +8,7 @@ namespace Quillon {
 /// Support parameters of BT.2446 method A (Report ITU-R BT.2446-1, clause 4):
 ///   0  rho of the HDR peak
 ///   1  rho of the SDR peak
-///   2  output scale
+///   2  input scale
 ///   3  SDR peak over reference white
 /// The settings' peak is the HDR peak in nits.
 void GetITU2446ASupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,

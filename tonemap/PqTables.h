@@ -22,11 +22,12 @@ std::span<const float> PQDecodeTable();
 std::size_t PQDecodeIndex(float signal);
 
 /// Whether the host's encoding function gives the bits of EncodeSt2084 in all entries of the table
-/// and at a thousand places beyond it, negative, small and huge. Asked once per process.
+/// and at a thousand places beyond it, negative, small and huge. Asked once per process; what the
+/// host throws there means that it does not.
 bool HostEncodesAsSt2084();
 
-/// Builds both tables, where they are not there yet, and asks the above, on this thread. False when
-/// the host has no PQ functions.
+/// Builds both tables, where they are not there yet, on this thread. False when the host has no PQ
+/// functions.
 bool WarmPQTables();
 
 }  // namespace Quillon

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "base/DefaultFloatingPoint.h"
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
 #include "host/CHR/Conversion.h"
@@ -16,6 +17,7 @@ using orvmediatypes::color::ToneMapAlgorithmType;
 
 void GetToneMappingSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
                                  SupportVector& params) {
+  const DefaultFloatingPoint mode;
   settings.controls.version = PX::ToneMappingUtils::AdjustToneMapSettingsVersionForNCMVersionHandle(
       settings.controls.version);
   settings.controls.peak = AdjustedPeakBasedOnInputColorSpace(settings);

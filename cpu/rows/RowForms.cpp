@@ -4,14 +4,12 @@
 #include <bit>
 #include <cmath>
 #include <cstddef>
-#include <memory>
 
 #include "cpu/rows/RowCurves.h"
 #include "tonemap/CarToneCurve.h"
 #include "tonemap/HuePreservation.h"
 #include "tonemap/Itu2390.h"
 #include "tonemap/Itu2446A.h"
-#include "tonemap/PqTables.h"
 
 namespace Quillon {
 
@@ -33,21 +31,15 @@ MapRunFunction RunOf(InstructionSet set) {
   return MapRunBaseline;
 }
 
-/// The row form's curves, and what they borrow.
-struct BoundCurves {
-  RowCurves curves;
-  std::shared_ptr<const Itu2390Tables> tables;
-};
-
-bool BindGamut(const RowSteps& steps, BoundCurves& bound) {
+bool BindGamut(const RowSteps& steps, RowCurves& curves) {
   const GamutCompressionPixelFunction& function = steps.compressGamut;
-  bound.curves.gamutParams = steps.gamutParams.data();
+  curves.gamutParams = steps.gamutParams.data();
   if (!function) {
-    bound.curves.gamut = RowGamut::None;
+    curves.gamut = RowGamut::None;
   } else if (function.target<GamutCompressionReinhard>() != nullptr) {
-    bound.curves.gamut = RowGamut::Reinhard;
+    curves.gamut = RowGamut::Reinhard;
   } else if (function.target<GamutCompressionDesaturation>() != nullptr) {
-    bound.curves.gamut = RowGamut::Desaturation;
+    curves.gamut = RowGamut::Desaturation;
   } else {
     return false;
   }
@@ -66,47 +58,46 @@ void MapBeyondTables(const RowCurves& curves, float* pixel) {
 }
 
 template <class Curve>
-bool BindItu2390(const Curve& curve, const SupportVector& params, RowTone tone,
-                 BoundCurves& bound) {
+bool BindItu2390(const Curve& curve, const SupportVector& params, RowTone tone, RowCurves& curves) {
   if (params[8] >= 1.0F) {
-    bound.curves.tone = RowTone::HighlightOnly;
+    curves.tone = RowTone::HighlightOnly;
     return true;
   }
-  const bool isBound = curve.tables != nullptr && HasSameBits(curve.tables->params, params);
-  bound.tables = isBound ? curve.tables : MakeItu2390Tables(Curve::kForm, params);
-  if (bound.tables == nullptr) return false;
-  bound.curves.tone = tone;
-  bound.curves.tables = {.mapped = bound.tables->mapped.data(),
-                         .encoded = bound.tables->encoded.data(),
-                         .ratio = bound.tables->ratio.data(),
-                         .decoded = bound.tables->decoded.data()};
-  bound.curves.eetf = Itu2390CurveParams(params.data());
-  bound.curves.encodesAsSt2084 = HostEncodesAsSt2084();
-  bound.curves.mapBeyondTables = MapBeyondTables<Curve::kForm>;
+  // None are built here: a band neither allocates nor builds what all bands share.
+  const Itu2390Tables* tables = curve.tables.get();
+  if (tables == nullptr || !HasSameBits(tables->params, params)) return false;
+  curves.tone = tone;
+  curves.tables = {.mapped = tables->mapped.data(),
+                   .encoded = tables->encoded.data(),
+                   .ratio = tables->ratio.data(),
+                   .decoded = tables->decoded.data()};
+  curves.eetf = Itu2390CurveParams(params.data());
+  curves.encodesAsSt2084 = tables->hostEncodesAsSt2084;
+  curves.mapBeyondTables = MapBeyondTables<Curve::kForm>;
   return true;
 }
 
-bool BindTone(const RowSteps& steps, BoundCurves& bound) {
+bool BindTone(const RowSteps& steps, RowCurves& curves) {
   const ToneMapPixelFunction& function = steps.toneMap;
   const auto& controls = steps.settings.toneMapSettings.controls;
-  bound.curves.toneParams = steps.toneMapParams.data();
-  bound.curves.gain = controls.peakGain;
-  bound.curves.peak = controls.peak;
-  bound.curves.colorPreservation = controls.colorPreservation;
+  curves.toneParams = steps.toneMapParams.data();
+  curves.gain = controls.peakGain;
+  curves.peak = controls.peak;
+  curves.colorPreservation = controls.colorPreservation;
   if (const auto* curve = function.target<ITU2390MaxRGBToneMap>()) {
-    return BindItu2390(*curve, steps.toneMapParams, RowTone::Bt2390MaxRGB, bound);
+    return BindItu2390(*curve, steps.toneMapParams, RowTone::Bt2390MaxRGB, curves);
   }
   if (const auto* curve = function.target<ITU2390RGBByChannelToneMap>()) {
-    return BindItu2390(*curve, steps.toneMapParams, RowTone::Bt2390ByChannel, bound);
+    return BindItu2390(*curve, steps.toneMapParams, RowTone::Bt2390ByChannel, curves);
   }
   if (!function) {
-    bound.curves.tone = RowTone::None;
+    curves.tone = RowTone::None;
   } else if (function.target<HuePreservationToneMap>() != nullptr) {
-    bound.curves.tone = RowTone::HuePreserving;
+    curves.tone = RowTone::HuePreserving;
   } else if (function.target<CARToneMap>() != nullptr) {
-    bound.curves.tone = RowTone::Car;
+    curves.tone = RowTone::Car;
   } else if (function.target<ITU2446AToneMap>() != nullptr) {
-    bound.curves.tone = RowTone::Bt2446A;
+    curves.tone = RowTone::Bt2446A;
   } else {
     return false;
   }
@@ -140,12 +131,12 @@ InstructionSet BestInstructionSet() {
 bool MapRows(InstructionSet set, const RowSteps& steps, float* pixels, int rowCount, float width) {
   // From 2^24 on, columns counted in floats do not end where the width says.
   if (!(width < 0x1p24F)) return false;
-  BoundCurves bound;
-  if (!BindGamut(steps, bound) || !BindTone(steps, bound)) return false;
-  const bool isIdle = bound.curves.gamut == RowGamut::None && bound.curves.tone == RowTone::None;
+  RowCurves curves;
+  if (!BindGamut(steps, curves) || !BindTone(steps, curves)) return false;
+  const bool isIdle = curves.gamut == RowGamut::None && curves.tone == RowTone::None;
   if (rowCount <= 0 || width <= 0.0F || isIdle) return true;
   const auto columns = static_cast<std::size_t>(std::ceil(width));
-  RunOf(set)(bound.curves, pixels, static_cast<std::size_t>(rowCount) * columns);
+  RunOf(set)(curves, pixels, static_cast<std::size_t>(rowCount) * columns);
   return true;
 }
 

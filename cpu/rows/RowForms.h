@@ -26,9 +26,9 @@ struct RowSteps {
 };
 
 /// Maps a band of packed rows by the row forms of the engine's own functions, with the same bits as
-/// pixel by pixel. False, with no pixel touched, when a function is not one of these or its
-/// parameters lead it off the row form: then the functions are to be called. `set` must be one that
-/// can run.
+/// pixel by pixel. False, with no pixel touched, when a function is not one of these, or is BT.2390
+/// without tables for these parameters: then the functions are to be called. `set` must be one that
+/// can run. Allocates nothing.
 bool MapRows(InstructionSet set, const RowSteps& steps, float* pixels, int rowCount, float width);
 
 }  // namespace Quillon

@@ -16,8 +16,9 @@ namespace orvcore::classref {
 /// The part of every shared object that the framework itself calls. The query is the object's
 /// first virtual operation.
 struct IObject {
-  /// The object's view under the qualified interface name, or null.
-  virtual void* QueryInterface(std::string_view qualifiedName) noexcept = 0;
+  /// The object's view under the qualified interface name, or null. May throw, as every operation
+  /// of a host that is not marked noexcept.
+  virtual void* QueryInterface(std::string_view qualifiedName) = 0;
 
  protected:
   ~IObject() = default;
@@ -80,7 +81,7 @@ class InterfaceRef {
 
  private:
   template <class U, class V>
-  friend InterfaceRef<U> InterfaceCast(InterfaceRef<V> ref) noexcept;
+  friend InterfaceRef<U> InterfaceCast(InterfaceRef<V> ref);
 
   void Release() noexcept {
     if (control_ == nullptr) return;
@@ -97,9 +98,10 @@ class InterfaceRef {
 static_assert(sizeof(InterfaceRef<int>) == 3 * sizeof(void*));
 
 /// The same object under another interface. Consumes the handle: its reference passes to the
-/// result, or is released when the object has no such interface (the result is then empty).
+/// result, or is released when the object has no such interface (the result is then empty) or its
+/// query throws.
 template <class U, class V>
-InterfaceRef<U> InterfaceCast(InterfaceRef<V> ref) noexcept {
+InterfaceRef<U> InterfaceCast(InterfaceRef<V> ref) {
   if (ref.object_ == nullptr) return {};
   auto* view = static_cast<U*>(ref.object_->QueryInterface(utility::QualifiedName<U>()));
   if (view == nullptr) return {};

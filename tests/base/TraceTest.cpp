@@ -1,5 +1,8 @@
 #include <limits>
+#include <locale>
+#include <memory>
 #include <thread>
+#include <utility>
 
 #include "base/Trace.h"
 #include "tests/host/HostTest.h"
@@ -110,6 +113,76 @@ TEST_F(Trace, GivesEachSiteItsOwnCache) {
   EXPECT_EQ(TimesAsked(), 3);
   Fail<31>();
   EXPECT_EQ(TimesAsked(), 4);
+}
+
+TEST_F(Trace, AsksOnlyOnceTheCountIsExchanged) {
+  // A host that fails in its own answer comes back to the same site, which does not ask again.
+  bool nested = false;
+  host.results.onCall = [&](const std::string& operation) {
+    if (operation != "orvcore::debug::TraceEnabled" || std::exchange(nested, true)) return;
+    Fail<23>();
+  };
+  Fail<23>();
+  EXPECT_TRUE(nested);
+  EXPECT_EQ(TimesAsked(), 1);
+}
+
+TEST_F(Trace, TakesItsMemoryFromTheRecyclerAndGivesItBack) {
+  scripted::Recycler::Instance().FailAllocation(0);
+  Fail<24>();
+  EXPECT_GT(scripted::Recycler::Instance().Allocations(), 0);
+  const int once = scripted::Recycler::Instance().Allocations();
+  Quillon::TraceFailure([](auto& message) { message << std::string(5000, 'x'); });
+  EXPECT_GT(scripted::Recycler::Instance().Allocations(), once);
+  EXPECT_EQ(host.Messages().back().text, std::string(5000, 'x') + "\r\n");
+}
+
+TEST_F(Trace, LetsTheRecyclersExceptionPassAndDeliversNoCutOffMessage) {
+  // Pieces of which each makes the text outgrow what it has.
+  const auto fail = [] {
+    Quillon::TraceFailure([](auto& message) {
+      for (std::size_t length = 100; length < 10000; length *= 4) {
+        message << std::string(length, 'x') << 12345;
+      }
+    });
+  };
+  scripted::Recycler::Instance().FailAllocation(0);
+  fail();
+  const int allocations = scripted::Recycler::Instance().Allocations();
+  EXPECT_GT(allocations, 3);
+  const std::vector<Message> whole = host.Messages();
+  for (int nth = 1; nth <= allocations; ++nth) {
+    scripted::Recycler::Instance().FailAllocation(nth);
+    EXPECT_THROW(fail(), std::bad_alloc) << nth;
+    EXPECT_EQ(host.Messages(), whole) << nth;
+  }
+}
+
+/// Numbers as 1.234.567.
+struct Grouped : std::numpunct<char> {
+  char do_thousands_sep() const override { return '.'; }
+  std::string do_grouping() const override { return "\3"; }
+};
+
+TEST_F(Trace, WritesNumbersTheSameWhateverTheGlobalLocale) {
+  const std::locale before = std::locale::global(
+      std::locale(std::locale::classic(), std::make_unique<Grouped>().release()));
+  Quillon::TraceFailure([](auto& message) { message << 1234567 << ' ' << 0.5; });
+  std::locale::global(before);
+  EXPECT_EQ(host.Messages().back().text, "1234567 0.5\r\n");
+}
+
+TEST_F(Trace, LosesNoMessageOnceItsSiteHasAsked) {
+  Fail<41>();
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([] {
+      for (int turn = 0; turn < 50; ++turn) Fail<41>();
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(host.Messages(),
+            std::vector<Message>(201, Message{7, "Quillon", "Operation : site 41\r\n"}));
 }
 
 TEST_F(Trace, MayBeCalledFromManyThreads) {

@@ -1,46 +1,141 @@
-// One process, one test: the PQ tables are built once in it.
+// What is done once a process: every test runs in a child process of its own, where it is not done
+// yet.
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <thread>
 
 #include "cpu/QuillonImpl.h"
+#include "tests/Meeting.h"
 #include "tests/host/HostTest.h"
+#include "tonemap/CarToneCurve.h"
+#include "tonemap/Itu2390.h"
+#include "tonemap/PqTables.h"
 
 namespace {
 
+/// Runs in a child process, which says on standard error what did not hold.
+template <class Body>
+void ExpectToHoldInAChild(Body body) {
+  EXPECT_EXIT(
+      {
+        body();
+        std::exit(testing::Test::HasFailure() ? 1 : 0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
 class WarmUp : public scripted::HostTest {
  protected:
-  int Run() {
+  /// Maps a frame from full-scale PQ to a destination of this peak, a PQ code value.
+  int Run(
+      int toneMap, float destinationPeak, float light = 0.5F,
+      const std::function<void(const std::string&)>& onCall = [](const std::string&) {}) {
     host.Reset();
+    host.results.onCall = onCall;
     host.results.toneMappingApplicable = true;
-    host.results.convertFrame = [peak = 1.0F](const scripted::Conversion& conversion) mutable {
-      if (conversion.width == 2) conversion.destination[4] = peak -= 0.25F;
+    host.results.convertFrame = [=, calls = 0](const scripted::Conversion& conversion) mutable {
+      if (conversion.width == 2) conversion.destination[4] = ++calls == 1 ? 0.75F : destinationPeak;
     };
-    const auto record = scripted::MakeRecord(2);
-    std::vector<float> frame(80, 0.5F);
+    const auto record = scripted::MakeRecord(toneMap);
+    std::vector<float> frame(80, light);
     return Quillon::QuillonImpl().GenerateGamutMappedFrame(frame.data(), frame.data(), 20, 1, 4, 4,
                                                            record);
   }
 
   std::size_t CountOf(const std::string& operation) { return host.CallsTo({operation}).size(); }
+
+  /// The calls of an operation once there is an executor.
+  long CountFromThreadsOn(const std::string& operation) {
+    const std::vector<std::string>& operations = host.Operations();
+    const auto firstThread =
+        std::find(operations.begin(), operations.end(), "orvcore::threads::CreateCPUBoundExecutor");
+    EXPECT_NE(firstThread, operations.end());
+    return std::count(firstThread, operations.end(), operation);
+  }
+
+  void ExpectTablesBuiltOnceAndBeforeAnyThread(int toneMap, float destinationPeak,
+                                               std::size_t placesBeyond) {
+    EXPECT_EQ(Run(toneMap, destinationPeak), 0);
+    EXPECT_EQ(CountOf("CHR::GetSignalToLinearTransferFn"), 1U);
+    EXPECT_EQ(CountOf("CHR::GetLinearToSignalTransferFn"), 0U);
+    // Every entry of both tables, and the knee start.
+    EXPECT_EQ(CountOf("SignalToLinear"), 8191U + 1U);
+    // Every entry, and the places beyond at which the host is compared with ST 2084.
+    EXPECT_EQ(CountOf("LinearToSignal"), 10000U + placesBeyond);
+    EXPECT_EQ(CountFromThreadsOn("SignalToLinear"), 0);
+    EXPECT_EQ(CountFromThreadsOn("LinearToSignal"), 0);
+
+    EXPECT_EQ(Run(toneMap, destinationPeak), 0);
+    EXPECT_EQ(CountOf("CHR::GetSignalToLinearTransferFn"), 0U);
+    EXPECT_EQ(CountOf("SignalToLinear"), 1U);
+    EXPECT_EQ(CountOf("LinearToSignal"), 0U);
+  }
 };
 
-TEST_F(WarmUp, BuildsThePqTablesOnceAndBeforeAnyThread) {
-  ASSERT_EQ(Run(), 0);
-  EXPECT_EQ(CountOf("CHR::GetSignalToLinearTransferFn"), 1U);
-  EXPECT_EQ(CountOf("CHR::GetLinearToSignalTransferFn"), 0U);
-  // Every entry of both tables, and the knee start.
-  EXPECT_EQ(CountOf("SignalToLinear"), 8191U + 1U);
-  // Every entry, and the places beyond at which the host is compared with ST 2084.
-  EXPECT_EQ(CountOf("LinearToSignal"), 10000U + 989U);
-  const std::vector<std::string> operations = host.Operations();
-  const auto firstThread =
-      std::find(operations.begin(), operations.end(), "orvcore::threads::CreateCPUBoundExecutor");
-  ASSERT_NE(firstThread, operations.end());
-  EXPECT_EQ(std::count(firstThread, operations.end(), "SignalToLinear"), 0);
-  EXPECT_EQ(std::count(firstThread, operations.end(), "LinearToSignal"), 0);
+constexpr std::size_t kPlacesBeyond = 989;
 
-  ASSERT_EQ(Run(), 0);
-  EXPECT_EQ(CountOf("CHR::GetSignalToLinearTransferFn"), 0U);
-  EXPECT_EQ(CountOf("SignalToLinear"), 1U);
-  EXPECT_EQ(CountOf("LinearToSignal"), 0U);
+TEST_F(WarmUp, BuildsThePqTablesOnceAndBeforeAnyThreadForBothFormsOfBt2390) {
+  for (const int toneMap : {2, 3}) {
+    ExpectToHoldInAChild(
+        [&] { ExpectTablesBuiltOnceAndBeforeAnyThread(toneMap, 0.5F, kPlacesBeyond); });
+  }
+}
+
+TEST_F(WarmUp, BuildsThePqTablesForAKneeAbove1AndAsksForNoLightBeyondThem) {
+  for (const int toneMap : {2, 3}) {
+    ExpectToHoldInAChild([&] { ExpectTablesBuiltOnceAndBeforeAnyThread(toneMap, 1.0F, 0); });
+  }
+}
+
+TEST_F(WarmUp, FailsNoCallWhereTheHostRefusesLightBeyondTheTables) {
+  for (const int toneMap : {2, 3}) {
+    ExpectToHoldInAChild([&] {
+      Quillon::WarmPQTables();
+      int refused = 0;
+      const auto refuse = [&](const std::string& operation) {
+        if (operation != "LinearToSignal") return;
+        ++refused;
+        throw std::string("no such light");
+      };
+      // Every call from now on that encodes throws; the frame's light is within the tables.
+      EXPECT_EQ(Run(toneMap, 0.5F, 0.5F, refuse), 0);
+      EXPECT_EQ(refused, 1);
+      EXPECT_FALSE(Quillon::HostEncodesAsSt2084());
+      // Light beyond the tables goes through the host, whose exception is the call's.
+      EXPECT_THROW(Run(toneMap, 0.5F, -1.0F, refuse), std::string);
+    });
+  }
+}
+
+TEST_F(WarmUp, BuildsEveryTableOnceUnderEightThreadsThatMeetThere) {
+  ExpectToHoldInAChild([&] {
+    host.Reset();
+    Meeting meeting(8);
+    std::vector<std::thread> threads;
+    std::array<std::uint32_t, 8> codes{};
+    for (std::size_t thread = 0; thread < 8; ++thread) {
+      threads.emplace_back([&, thread] {
+        meeting.ArriveAndWait();
+        Quillon::WarmPQTables();
+        Quillon::HostEncodesAsSt2084();
+        codes[thread] = std::bit_cast<std::uint32_t>(Quillon::PQEncodeTable()[100]) ^
+                        std::bit_cast<std::uint32_t>(Quillon::PQDecodeTable()[100]) ^
+                        std::bit_cast<std::uint32_t>(Quillon::GetCarTables().a[100]);
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(CountOf("CHR::GetSignalToLinearTransferFn"), 1U);
+    EXPECT_EQ(CountOf("SignalToLinear"), 8191U);
+    EXPECT_GE(CountOf("LinearToSignal"), 10000U);
+    EXPECT_LE(CountOf("LinearToSignal"), 10000U + kPlacesBeyond);
+    for (const std::uint32_t code : codes) EXPECT_EQ(code, codes[0]);
+  });
 }
 
 }  // namespace

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <new>
+
 #include "engine/Quillon.h"
 #include "tests/engine/Pipeline.h"
 #include "tests/host/Places.h"
@@ -15,7 +18,9 @@ using scripted::Place;
 using scripted::Recycler;
 using scripted::TakeInventory;
 
-/// One way through the engine.
+constexpr int kCode = -4;
+
+/// One way through the engine. Where an operation is named, it fails with `kCode`.
 struct Road {
   const char* name;
   Frames (*makeFrames)();
@@ -25,6 +30,8 @@ struct Road {
   bool applicable;
   bool hasSubExecutor;
   int result;
+  const char* failing = nullptr;
+  int failingCall = 1;
 };
 
 const Road kRoads[] = {
@@ -39,11 +46,21 @@ const Road kRoads[] = {
     {"direct, BT.2390", pipeline::MakeDirectFrames, 3, 2, 0, true, true, 0},
     {"direct, BT.2446 A", pipeline::MakeDirectFrames, 3, 4, 0, true, true, 0},
     {"direct, CAR", pipeline::MakeDirectFrames, 3, 6, 0, true, true, 0},
+    {"copy that fails", pipeline::MakeDirectFrames, 3, 5, 1, false, true, kCode,
+     "KS::VideoFrameManipulators::CopyFrame"},
+    {"copied, no working frame", pipeline::MakeCopiedFrames, 3, 5, 1, true, true, kCode,
+     "KS::CreateVideoFrame"},
+    {"copied, delivery that fails", pipeline::MakeCopiedFrames, 3, 5, 0, true, true, kCode,
+     "KS::VideoFrameManipulators::CopyFrame", 2},
 };
 
 class HostFailures : public scripted::HostTest {
  protected:
-  HostFailures() { Quillon::WarmPQTables(); }  // whose calls are made once a process
+  // Whose calls are made once a process.
+  HostFailures() {
+    Quillon::WarmPQTables();
+    Quillon::HostEncodesAsSt2084();
+  }
 
   /// Runs a road from the start. `arrange` plans the failures.
   template <class Arrange>
@@ -69,6 +86,7 @@ class HostFailures : public scripted::HostTest {
     host.results.traceChangeCount = ++changeCount_;
     Frames frames = road.makeFrames();
     const scripted::RecordWatch watch(record);
+    if (road.failing != nullptr) host.FailWithCode(road.failing, kCode, road.failingCall);
     arrange();
     return Quillon::ApplyGamutMapping(frames.source, record, frames.destination);
   }
@@ -82,21 +100,43 @@ class HostFailures : public scripted::HostTest {
   std::int32_t changeCount_ = 1;
 };
 
-TEST_F(HostFailures, AnExceptionFromAnyCallPassesWithNothingLeaked) {
+/// Exceptions that a host may throw: one of its own, one of memory, and one that is no
+/// std::exception.
+struct NoStandardException {};
+
+template <class Exception>
+class HostExceptions : public HostFailures {};
+
+using Exceptions = testing::Types<scripted::HostException, std::bad_alloc, NoStandardException>;
+TYPED_TEST_SUITE(HostExceptions, Exceptions);
+
+template <class Exception>
+Exception MakeException() {
+  return {};
+}
+template <>
+scripted::HostException MakeException() {
+  return scripted::HostException("host");
+}
+
+TYPED_TEST(HostExceptions, PassFromAnyCallWithNothingLeaked) {
   int tried = 0;
   for (const Road& road : kRoads) {
-    for (const Place& place : PlacesOf(road)) {
+    for (const Place& place : this->PlacesOf(road)) {
       if (!CanThrow(place.operation)) continue;
       SCOPED_TRACE(std::string(road.name) + ", " + place.operation + " " +
                    std::to_string(place.nth));
       const Inventory before = TakeInventory();
-      const auto plan = [&] { host.FailWithException(place.operation, place.nth); };
-      EXPECT_THROW(Run(road, plan), scripted::HostException);
+      const auto plan = [&] {
+        this->host.FailWithException(place.operation, place.nth,
+                                     std::make_exception_ptr(MakeException<TypeParam>()));
+      };
+      EXPECT_THROW(this->Run(road, plan), TypeParam);
       EXPECT_EQ(TakeInventory(), before);
       ++tried;
     }
   }
-  EXPECT_GT(tried, 200);
+  EXPECT_GT(tried, 300);
 }
 
 TEST_F(HostFailures, NothingFromAnyCallNeitherCrashesNorLeaks) {
@@ -120,19 +160,26 @@ TEST_F(HostFailures, NothingFromAnyCallNeitherCrashesNorLeaks) {
 }
 
 TEST_F(HostFailures, AFailedAllocationPassesWithNothingLeaked) {
+  int withMessages = 0;
   for (const Road& road : kRoads) {
-    if (road.result != 0 || !road.applicable) continue;
     Run(road, [] { Recycler::Instance().FailAllocation(0); });
     const int allocations = Recycler::Instance().Allocations();
-    EXPECT_GT(allocations, 0) << road.name;
+    const std::vector<scripted::Message> messages = host.Messages();
+    const bool copies = !road.applicable && road.result == 0;
+    EXPECT_EQ(allocations > 0, !copies) << road.name;
+    withMessages += messages.empty() ? 0 : 1;
     for (int nth = 1; nth <= allocations; ++nth) {
       SCOPED_TRACE(std::string(road.name) + ", allocation " + std::to_string(nth));
       const Inventory before = TakeInventory();
       EXPECT_THROW(Run(road, [&] { Recycler::Instance().FailAllocation(nth); }), std::bad_alloc);
       Recycler::Instance().FailAllocation(0);
       EXPECT_EQ(TakeInventory(), before);
+      // Those before it, whole; not the one that it ended.
+      ASSERT_LE(host.Messages().size(), messages.size());
+      EXPECT_TRUE(std::equal(host.Messages().begin(), host.Messages().end(), messages.begin()));
     }
   }
+  EXPECT_EQ(withMessages, 5);
 }
 
 TEST_F(HostFailures, AFailedOnePixelConversionIsNotAFailureOfTheCall) {

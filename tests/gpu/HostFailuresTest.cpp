@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "engine/Quillon.h"
 #include "tests/gpu/GPUTest.h"
 #include "tests/host/Places.h"
@@ -110,16 +112,18 @@ TEST_F(GPUHostFailures, NothingFromAnyCallNeitherCrashesNorLeaks) {
 
 TEST_F(GPUHostFailures, AFailedAllocationPassesWithNothingLeaked) {
   for (const Road& road : kRoads) {
-    if (road.result != 0 || !road.applicable) continue;
     Run(road, [] { scripted::Recycler::Instance().FailAllocation(0); });
     const int allocations = scripted::Recycler::Instance().Allocations();
-    EXPECT_GT(allocations, 0) << road.name;
+    const std::vector<scripted::Message> messages = host.Messages();
+    EXPECT_EQ(allocations > 0, road.applicable) << road.name;
     for (int nth = 1; nth <= allocations; ++nth) {
       const Inventory before = TakeInventory();
       const auto plan = [&] { scripted::Recycler::Instance().FailAllocation(nth); };
       EXPECT_THROW(Run(road, plan), std::bad_alloc) << road.name << ", allocation " << nth;
       scripted::Recycler::Instance().FailAllocation(0);
       EXPECT_EQ(TakeInventory(), before);
+      ASSERT_LE(host.Messages().size(), messages.size());
+      EXPECT_TRUE(std::equal(host.Messages().begin(), host.Messages().end(), messages.begin()));
     }
   }
 }
@@ -159,8 +163,12 @@ Lines MessagesOf(const Road& road, const Place& place, bool compressing) {
           "ApplyGamutMappingGPU : ApplyToneMapGPU failed\r\n"};
 }
 
-TEST_F(GPUHostFailures, ACodeFromAnyDeviceCallComesBackUnchangedWithItsMessagesAndEndsTheRun) {
-  constexpr int kCode = -1234567;
+class GPUFailureCodes : public GPUHostFailures, public testing::WithParamInterface<int> {};
+
+INSTANTIATE_TEST_SUITE_P(Codes, GPUFailureCodes, testing::Values(-1234567, -1));
+
+TEST_P(GPUFailureCodes, FromAnyDeviceCallComeBackUnchangedWithTheirMessagesAndEndTheRun) {
+  const int kCode = GetParam();
   int tried = 0;
   for (const Road& road : kRoads) {
     if (road.result != 0) continue;
@@ -181,6 +189,24 @@ TEST_F(GPUHostFailures, ACodeFromAnyDeviceCallComesBackUnchangedWithItsMessagesA
         if (ReturnsACode(operation)) last = operation;
       }
       EXPECT_EQ(last, place.operation);
+      ++tried;
+    }
+  }
+  EXPECT_GT(tried, 70);
+}
+
+TEST_F(GPUHostFailures, APositiveCodeFromAnyDeviceCallIsSuccess) {
+  int tried = 0;
+  for (const Road& road : kRoads) {
+    if (road.result != 0) continue;
+    const std::vector<Place> places = PlacesOf(road);
+    const Lines operations = host.Operations();
+    for (const Place& place : places) {
+      if (!ReturnsACode(place.operation)) continue;
+      SCOPED_TRACE(TextOf(road, place));
+      EXPECT_GE(Run(road, [&] { host.FailWithCode(place.operation, 1, place.nth); }), 0);
+      EXPECT_EQ(host.Operations(), operations);
+      EXPECT_THAT(Texts(), IsEmpty());
       ++tried;
     }
   }

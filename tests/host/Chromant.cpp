@@ -90,6 +90,7 @@ bool IsGamutCompressionApplicable(const PX::GamutMappingUtils::GamutMappingSetti
 bool IsToneMappingApplicable(const PX::ToneMappingUtils::ToneMapSettings& settings) {
   const bool normal =
       Host::Instance().Enter("CHR::IsToneMappingApplicable", Describe(settings)).IsNormal();
+  Host::Instance().results.seeToneMapSettings(settings);
   return normal && Host::Instance().results.toneMappingApplicable;
 }
 

@@ -76,7 +76,7 @@ Outcome Frame::Enter(const std::string& operation, const std::string& arguments)
   return Host::Instance().Enter(setup_.name + "." + operation, arguments);
 }
 
-void* Frame::QueryInterface(std::string_view qualifiedName) noexcept {
+void* Frame::QueryInterface(std::string_view qualifiedName) {
   if (!Enter("QueryInterface(" + std::string(qualifiedName) + ")").IsNormal()) return nullptr;
   if (qualifiedName == "KS::IVideoFrameMemoryAccess" && setup_.hasMemory) {
     return static_cast<KS::IVideoFrameMemoryAccess*>(&memory_);

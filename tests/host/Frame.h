@@ -47,7 +47,7 @@ class Frame : public orvcore::classref::IObject, public PX::IVideoFrame {
   /// Whole memory: height times the row bytes, in floats.
   std::vector<float>& Pixels() { return pixels_; }
 
-  void* QueryInterface(std::string_view qualifiedName) noexcept override;
+  void* QueryInterface(std::string_view qualifiedName) override;
 
   orvcore::geom::Bounds GetBounds() const override;
   orvmediatypes::PixelAspectRatio GetPixelAspectRatio() const override;

@@ -36,8 +36,9 @@ void Host::FailWithNothing(std::string operation, int nth) {
   Plan(std::move(operation), {Failure::Kind::Nothing, 0, nth});
 }
 
-void Host::FailWithException(std::string operation, int nth) {
-  Plan(std::move(operation), {Failure::Kind::Exception, 0, nth});
+void Host::FailWithException(std::string operation, int nth, std::exception_ptr exception) {
+  if (exception == nullptr) exception = std::make_exception_ptr(HostException(operation));
+  Plan(std::move(operation), {Failure::Kind::Exception, 0, nth, std::move(exception)});
 }
 
 std::vector<std::string> Host::CallsTo(std::initializer_list<std::string_view> prefixes) const {
@@ -50,6 +51,7 @@ std::vector<std::string> Host::CallsTo(std::initializer_list<std::string_view> p
 }
 
 Outcome Host::Enter(const std::string& operation, const std::string& arguments) {
+  results.onCall(operation);
   const std::scoped_lock lock(mutex_);
   operations_.push_back(operation);
   calls_.push_back(operation.ends_with(')') ? operation : operation + "(" + arguments + ")");
@@ -68,7 +70,7 @@ Outcome Host::Enter(const std::string& operation, const std::string& arguments) 
     case Failure::Kind::Exception:
       break;
   }
-  throw HostException(operation);
+  std::rethrow_exception(due->exception);
 }
 
 void Host::Deliver(Message message) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <initializer_list>
 #include <map>
@@ -64,9 +65,15 @@ IL::KernelHandle HandleOfKernel(std::string_view kernel);
 /// the colour spaces: their kind from the H.273 transfer (16 and 18 are HDR, 8 is neither, others
 /// are SDR), their metadata peak from `peakLuminance`, equivalence from the code points.
 struct Results {
+  /// Called at every operation, before it is recorded.
+  std::function<void(const std::string& operation)> onCall = [](const std::string&) {};
+
   bool gamutMappingApplicable = true;
   bool gamutCompressionApplicable = false;
   bool toneMappingApplicable = false;
+  /// Called with the settings that the question of tone mapping is asked about.
+  std::function<void(const PX::ToneMappingUtils::ToneMapSettings&)> seeToneMapSettings =
+      [](const auto&) {};
 
   /// Writes what a conversion or a copy yields. By default nothing is written.
   std::function<void(const Conversion&)> convertFrame = [](const Conversion&) {};
@@ -92,9 +99,12 @@ struct Results {
 
   bool hasSubExecutor = true;
   TaskOrder taskOrder = TaskOrder::AsQueued;
+  /// Where there is one, takes every task over in place of the sub-executor.
+  std::function<void(std::function<void()>)> takeTask{};
   /// Called when a sub-executor is asked for, before it is made.
   std::function<void()> beforeSubExecutor = [] {};
-  /// Called with the place in the queue of a task that has just run.
+  /// Called with the place in the queue of a task that is about to run, or has just run.
+  std::function<void(int)> beforeTask = [](int) {};
   std::function<void(int)> afterTask = [](int) {};
 
   bool traceEnabled = true;
@@ -120,8 +130,8 @@ class Host {
   void FailWithCode(std::string operation, int code, int nth = 1);
   /// The n-th call from now on returns null, empty, false, 0, or leaves its result alone.
   void FailWithNothing(std::string operation, int nth = 1);
-  /// The n-th call from now on throws a `HostException`.
-  void FailWithException(std::string operation, int nth = 1);
+  /// The n-th call from now on throws a `HostException`, or what is named.
+  void FailWithException(std::string operation, int nth = 1, std::exception_ptr exception = {});
 
   const std::vector<std::string>& Calls() const { return calls_; }
   /// The calls whose lines begin with one of these.
@@ -141,6 +151,7 @@ class Host {
     enum class Kind { Code, Nothing, Exception } kind;
     int code;
     int callsLeft;
+    std::exception_ptr exception{};
   };
   void Plan(std::string operation, Failure failure);
 

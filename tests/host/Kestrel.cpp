@@ -25,13 +25,13 @@ int CreateVideoFrame(PX::VideoFrameRef& frame, orvmediatypes::PixelFormat format
   const Outcome outcome = Host::Instance().Enter(
       "KS::CreateVideoFrame",
       scripted::Arguments(frame, format, width, height, Ratio(aspect), colorSpace, clear, shared));
-  if (!outcome.IsNormal()) return outcome.code;
+  if (outcome.kind == Outcome::Kind::Nothing || outcome.code < 0) return outcome.code;
   frame = scripted::MakeFrame({.name = "created",
                                .bounds = {0, 0, width, height},
                                .format = format,
                                .colors = colorSpace.Description(),
                                .aspect = aspect});
-  return 0;
+  return outcome.code;
 }
 
 int CreateGPUVideoFrame(PX::VideoFrameRef& frame, const std::shared_ptr<IL::Device>& device,

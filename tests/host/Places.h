@@ -27,9 +27,7 @@ inline bool IsRelease(const std::string& operation) {
          operation.ends_with("DestroyBlock");
 }
 
-/// Releases and queries never throw.
-inline bool CanThrow(const std::string& operation) {
-  return operation.find("QueryInterface") == std::string::npos && !IsRelease(operation);
-}
+/// Releases never throw.
+inline bool CanThrow(const std::string& operation) { return !IsRelease(operation); }
 
 }  // namespace scripted

@@ -17,6 +17,8 @@ int SubExecutor::Concurrency() const {
 void SubExecutor::Queue(std::function<void()> task, int priority) {
   const auto text = task ? std::string("task") : std::string("no task");
   if (!Host::Instance().Enter("SubExecutor.Queue", Arguments(text, priority)).IsNormal()) return;
+  const auto& takeTask = Host::Instance().results.takeTask;
+  if (takeTask) return takeTask(std::move(task));
   tasks_.push_back(std::move(task));
 }
 
@@ -34,6 +36,7 @@ void SubExecutor::WaitForAll() {
   for (int turn = 0; turn < count; ++turn) {
     const bool reversed = Host::Instance().results.taskOrder == TaskOrder::Reversed;
     const int index = reversed ? count - 1 - turn : turn;
+    Host::Instance().results.beforeTask(index);
     tasks[static_cast<std::size_t>(index)]();
     Host::Instance().results.afterTask(index);
   }

@@ -91,7 +91,11 @@ Functions FunctionsOf(const Row& row) {
   const Quillon::ToneMapAlgorithm* algorithm = Quillon::FindToneMapAlgorithm(type);
   if (algorithm == nullptr) throw std::runtime_error("no curve of this type");
   RequireParams(row, algorithm->paramsRead);
-  return {algorithm->curve, {}};
+  // As the engine has it, except for parameters that it refuses.
+  Functions functions;
+  if (algorithm->bind != nullptr) functions.toneMap = algorithm->bind(row.params);
+  if (!functions.toneMap) functions.toneMap = algorithm->curve;
+  return functions;
 }
 
 void RunRow(Row& row, bool asRows) {

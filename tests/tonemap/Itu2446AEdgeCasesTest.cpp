@@ -102,7 +102,7 @@ TEST(Itu2446AEdgeCases, KeepsTheRatiosWhenColorIsFullyPreserved) {
   EXPECT_EQ(pixel[2], 0.0F);
 }
 
-TEST(Itu2446AEdgeCases, MultipliesTheOutputScaleWithTheGainFirst) {
+TEST(Itu2446AEdgeCases, MultipliesTheInputScaleWithTheGainFirst) {
   // 1e30 x (1e20 x 1e-30) = 1e20. 1e30 x 1e20 alone is beyond single precision.
   const Quillon::SupportVector params = {33.0F, 8.0F, 1e20F, 1.0F};
   ExpectWithinUlps(
@@ -110,7 +110,7 @@ TEST(Itu2446AEdgeCases, MultipliesTheOutputScaleWithTheGainFirst) {
       {1.0F, 0.5F, 0.0F, 1.0F});
 }
 
-TEST(Itu2446AEdgeCases, LosesNothingToASmallOutputScaleThatTheGainMakesUpFor) {
+TEST(Itu2446AEdgeCases, LosesNothingToASmallInputScaleThatTheGainMakesUpFor) {
   // 3.014e-13 x (1e-30 x 1e38), the light of Ep = 0.1. 3.014e-13 x 1e-30 alone is a subnormal
   // number of eight bits, wrong by one part in 2500.
   const Quillon::SupportVector params = {33.0F, 8.0F, 1e-30F, 1.0F};

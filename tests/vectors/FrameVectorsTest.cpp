@@ -70,13 +70,14 @@ Steps StepsOf(const Case& c) {
   Steps steps;
   const auto* algorithm = Quillon::FindToneMapAlgorithm(
       static_cast<orvmediatypes::color::ToneMapAlgorithmType>(c.Integer("tone")));
-  steps.toneMap = algorithm->curve;
   if (c.Integer("gamut") == 1) steps.compressGamut = Quillon::GamutCompressionReinhard{};
   if (c.Integer("gamut") == 2) steps.compressGamut = Quillon::GamutCompressionDesaturation{};
   const auto& toneMapParams = c.lines.at("tvec");
   const auto& gamutParams = c.lines.at("gvec");
   steps.toneMapParams.assign(toneMapParams.begin(), toneMapParams.end());
   steps.gamutParams.assign(gamutParams.begin(), gamutParams.end());
+  steps.toneMap =
+      algorithm->bind != nullptr ? algorithm->bind(steps.toneMapParams) : algorithm->curve;
   steps.settings.toneMapSettings.controls = {.version = 3,
                                              .peak = c.Number("peak"),
                                              .peakGain = c.Number("gain"),

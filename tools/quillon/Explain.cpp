@@ -29,7 +29,7 @@ constexpr std::array<std::string_view, 13> kItu2390Names = {"source black (PQ)",
                                                             "green luminance weight",
                                                             "blue luminance weight"};
 constexpr std::array<std::string_view, 4> kItu2446ANames = {
-    "rho of the HDR peak", "rho of the SDR peak", "output scale", "SDR peak over reference white"};
+    "rho of the HDR peak", "rho of the SDR peak", "input scale", "SDR peak over reference white"};
 constexpr std::array<std::string_view, 3> kHueNames = {"scaled source peak", "knee",
                                                        "destination peak"};
 constexpr std::array<std::string_view, 7> kCarNames = {
