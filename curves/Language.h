@@ -15,6 +15,23 @@
 // Literals for the bits of a double end in U alone, which is as wide as the number needs in all
 // three languages; ULL is none of OpenCL C 1.2's.
 
+// A compiler that would round otherwise is refused. What contracts shows in no macro: the build
+// says with QUILLON_CONTRACTION_OFF that it has turned it off, where the processor could do it.
+// (What CUDA's compilers do is read from their PTX.)
+#if defined(__FAST_MATH__) || defined(__FAST_RELAXED_MATH__) || defined(__ASSOCIATIVE_MATH__) || \
+    defined(__RECIPROCAL_MATH__) || defined(__NO_SIGNED_ZEROS__)
+#error "Curves are exact: build them without fast-math."
+#elif defined(__FINITE_MATH_ONLY__) && __FINITE_MATH_ONLY__
+#error "Curves know NaN and infinity: build them without -ffinite-math-only."
+#elif defined(__FLT_EVAL_METHOD__) && __FLT_EVAL_METHOD__ != 0
+#error "Curves round every float: build them for a processor that evaluates floats as floats."
+#endif
+#if (defined(__FP_FAST_FMA) || defined(__FMA__) || defined(__ARM_FEATURE_FMA)) && \
+    !defined(__CUDACC__) && !defined(__CUDA__) && !defined(__OPENCL_VERSION__) && \
+    !defined(QUILLON_CONTRACTION_OFF)
+#error "Curves round every product: build them with -ffp-contract=off -DQUILLON_CONTRACTION_OFF."
+#endif
+
 #if defined(__OPENCL_VERSION__)
 
 #pragma OPENCL FP_CONTRACT OFF

@@ -7,6 +7,8 @@ quillon_leave_out("a file that is being replaced may be nothing for an instant"
   TESTS BinaryCache.LetsSeveralStoreAtOnce)
 quillon_leave_out("no OpenCL for this system" PROGRAMS opencl_curves_test)
 quillon_leave_out("compiles with the CUDA compiler of this machine" PROGRAMS cuda_curves_test)
+quillon_leave_out("compiles with the compiler of this machine" PROGRAMS curve_refusal_test)
+quillon_leave_out("no MPFR for this system" PROGRAMS mpfr_test)
 quillon_leave_out("no zimg and OpenColorIO for this system" PROGRAMS chromant_witness_test)
 quillon_leave_out("no zimg for this system"
   TESTS

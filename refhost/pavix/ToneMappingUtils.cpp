@@ -1,8 +1,8 @@
 #include "host/PX/ToneMappingUtils.h"
 
-#include <cmath>
 #include <cstdint>
 
+#include "curves/math64.h"
 #include "host/CHR/Conversion.h"
 
 using orvmediatypes::color::ColorManagementSettings;
@@ -29,9 +29,9 @@ void GetAdjustedToneMapAlgoAndKnee(float peak, ToneMapAlgorithmType& algorithmTy
   if (!(peak > 0.0F)) return;
   // 1 / (1 + a peak^b): half the destination's peak at twice that peak, a quarter at a hundred
   // times.
-  const double b = std::log(3.0) / std::log(50.0);
-  const double a = std::pow(2.0, -b);
-  knee = static_cast<float>(1.0 / (1.0 + a * std::pow(static_cast<double>(peak), b)));
+  const double b = Logarithm64(3.0) / Logarithm64(50.0);
+  const double a = Power64(2.0, -b);
+  knee = static_cast<float>(1.0 / (1.0 + a * Power64(static_cast<double>(peak), b)));
 }
 
 std::string GetLocalizedToneMappingMethodName(ToneMapAlgorithmType algorithmType, int /*form*/) {

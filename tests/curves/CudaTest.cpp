@@ -46,14 +46,19 @@ TEST(Ptx, IsInexactWhereItFusesApproximatesOrFlushes) {
        {"\tfma.rn.f32 \t%f1, %f2, %f3, %f4;", "@%p1 fma.rn.f64 %fd1, %fd2, %fd3, %fd4;",
         "\tmad.f32 %f1, %f2, %f3, %f4;", "\tmad.rn.f64 %fd1, %fd2, %fd3, %fd4;",
         "\tdiv.full.f32 %f1, %f2, %f3;", "\tdiv.approx.f32 %f1, %f2, %f3;",
-        "\tadd.rn.ftz.f32 %f1, %f2, %f3;", "\tsqrt.approx.f32 %f1, %f2;"}) {
+        "\tadd.rn.ftz.f32 %f1, %f2, %f3;", "\tsqrt.approx.f32 %f1, %f2;",
+        "\tmul.f32 %f1, %f2, %f3;", "\tadd.f32 %f1, %f2, %f3;", "\tsub.f32 %f1, %f2, %f3;",
+        "@!%p1 mul.f64 %fd1, %fd2, %fd3;", "\tadd.rz.f32 %f1, %f2, %f3;"}) {
     EXPECT_EQ(InexactLines(line).size(), 1U) << line;
   }
 }
 
 TEST(Ptx, IsExactInSingleOperationsAndInIntegers) {
   EXPECT_THAT(InexactLines("\tmul.rn.f32 %f1, %f2, %f3;\n"
+                           "\tsub.rn.f64 %fd1, %fd2, %fd3;\n"
                            "\tdiv.rn.f64 %fd1, %fd2, %fd3;\n"
+                           "\tadd.s32 %r1, %r2, %r3;\n"
+                           "\tmul.wide.u32 %rd1, %r2, %r3;\n"
                            "\tsqrt.rn.f64 %fd1, %fd2;\n"
                            "\tmad.lo.s32 %r1, %r2, %r3, %r4;\n"),
               IsEmpty());

@@ -17,9 +17,14 @@ std::string InstructionIn(const std::string& line) {
 
 bool IsExact(std::string_view instruction) {
   if (instruction.starts_with("fma.")) return false;
-  // mad is for integers too.
+  // mad, add, sub and mul are for integers too. Without a rounding mode of their own the assembler
+  // may fuse the last three (PTX ISA, "add", "sub" and "mul" of floating point).
   const bool isOnFloats = instruction.ends_with(".f32") || instruction.ends_with(".f64");
   if (instruction.starts_with("mad.") && isOnFloats) return false;
+  for (const std::string_view operation : {"add.", "sub.", "mul."}) {
+    if (!instruction.starts_with(operation) || !isOnFloats) continue;
+    if (instruction.find(".rn") == std::string_view::npos) return false;
+  }
   for (const std::string_view modifier : {".ftz", ".approx", ".full"}) {
     if (instruction.find(modifier) != std::string_view::npos) return false;
   }

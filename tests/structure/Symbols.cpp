@@ -40,4 +40,13 @@ std::vector<Symbol> ReadDynamicSymbols(const std::string& library) {
   return ReadSymbols("-D", library);
 }
 
+std::vector<std::string> ReadImportedSymbols(const std::string& library) {
+  std::istringstream words(OutputOf(QUILLON_NM " -D --undefined-only '" + library + "'"));
+  std::vector<std::string> names;
+  std::string type;
+  std::string name;
+  while (words >> type >> name) names.push_back(name);
+  return names;
+}
+
 std::vector<Symbol> ReadObjectSymbols(const std::string& object) { return ReadSymbols("", object); }

@@ -13,5 +13,9 @@ struct Symbol {
 /// std::runtime_error when it cannot be read.
 std::vector<Symbol> ReadDynamicSymbols(const std::string& library);
 
+/// The symbols that a library has of others, as they are in the table: not demangled, with their
+/// versions. Throws std::runtime_error when it cannot be read.
+std::vector<std::string> ReadImportedSymbols(const std::string& library);
+
 /// All symbols that an object file defines. Throws std::runtime_error when it cannot be read.
 std::vector<Symbol> ReadObjectSymbols(const std::string& object);
