@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cfenv>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
@@ -11,11 +12,14 @@
 #include <thread>
 
 #include "cpu/QuillonImpl.h"
+#include "curves/math.h"
+#include "host/CHR/TransferFunctions.h"
 #include "tests/Meeting.h"
 #include "tests/host/HostTest.h"
 #include "tonemap/CarToneCurve.h"
 #include "tonemap/Itu2390.h"
 #include "tonemap/PqTables.h"
+#include "tonemap/SupportParams.h"
 
 namespace {
 
@@ -111,6 +115,83 @@ TEST_F(WarmUp, FailsNoCallWhereTheHostRefusesLightBeyondTheTables) {
       EXPECT_THROW(Run(toneMap, 0.5F, -1.0F, refuse), std::string);
     });
   }
+}
+
+/// A third, as the mode of now rounds it.
+float Third() {
+  const volatile float three = 3.0F;
+  const volatile float third = 1.0F / three;
+  return third;
+}
+
+TEST_F(WarmUp, BuildsEveryTableInTheDefaultFloatingPointMode) {
+  ExpectToHoldInAChild([&] {
+    std::fesetround(FE_UPWARD);
+    Quillon::WarmPQTables();
+    Quillon::GetCarTables();
+    const bool encodesAsSt2084 = Quillon::HostEncodesAsSt2084();
+    EXPECT_EQ(std::fegetround(), FE_UPWARD);
+    std::fesetround(FE_TONEAREST);
+    EXPECT_TRUE(encodesAsSt2084);
+    const CHR::TransferFunction encode = CHR::GetLinearToSignalTransferFn(16, 0);
+    const CHR::TransferFunction decode = CHR::GetSignalToLinearTransferFn(16, 0);
+    for (std::size_t i = 0; i < 8191; ++i) {
+      std::array<float, 3> nits = {static_cast<float>(i), 0.0F, 0.0F};
+      encode(nits.data(), 1.0F);
+      ASSERT_EQ(Quillon::PQEncodeTable()[i], nits[0]) << i;
+      std::array<float, 3> signal = {static_cast<float>(i) * (1.0F / 8191.0F), 0.0F, 0.0F};
+      decode(signal.data(), 1.0F);
+      ASSERT_EQ(Quillon::PQDecodeTable()[i], signal[0]) << i;
+    }
+    float next = 0.005F;
+    for (std::size_t i = 0; i < Quillon::kCarTableSize; ++i, next += 0.0077734375F) {
+      const float x = std::min(1.0F, next);
+      const float p = Power(100.0F, 1.25F);
+      const float power = Power(x, 1.25F);
+      ASSERT_EQ(Quillon::GetCarTables().b[i], (p * x - power) / ((p - power) * x + 1e-15F)) << i;
+    }
+  });
+}
+
+TEST_F(WarmUp, ComputesParametersInTheDefaultFloatingPointMode) {
+  host.results.convertFrame = [](const scripted::Conversion& c) { c.destination[0] = Third(); };
+  const auto paramsIn = [&](int rounding, int algorithm) {
+    std::fesetround(rounding);
+    auto record = scripted::MakeRecord(algorithm, algorithm == 0 ? 1 : 0);
+    Quillon::SupportVector params;
+    if (algorithm == 0) {
+      Quillon::GetGamutCompressionSupportParams(record, params);
+    } else {
+      record.toneMapSettings.knee = 0.37F;
+      Quillon::GetToneMappingSupportParams(record.toneMapSettings, params);
+    }
+    EXPECT_EQ(std::fegetround(), rounding);
+    std::fesetround(FE_TONEAREST);
+    std::vector<std::uint32_t> bits;
+    for (const float param : params) bits.push_back(std::bit_cast<std::uint32_t>(param));
+    return bits;
+  };
+  for (const int algorithm : {0, 2, 4, 5, 6}) {
+    EXPECT_EQ(paramsIn(FE_UPWARD, algorithm), paramsIn(FE_TONEAREST, algorithm)) << algorithm;
+    EXPECT_EQ(paramsIn(FE_DOWNWARD, algorithm), paramsIn(FE_TONEAREST, algorithm)) << algorithm;
+  }
+}
+
+TEST_F(WarmUp, BuildsTheTablesOfACallInTheDefaultFloatingPointMode) {
+  ExpectToHoldInAChild([&] {
+    const Quillon::SupportVector params = {0.0F,      0.751827F, 0.0F,       0.5806888F, 203.0F,
+                                           0.751827F, 0.01F,     0.7723702F, 0.6585553F, 0.3F,
+                                           0.2126F,   0.7152F,   0.0722F};
+    for (const auto form : {Quillon::Itu2390Form::MaxRGB, Quillon::Itu2390Form::ByChannel}) {
+      std::fesetround(FE_UPWARD);
+      const auto upward = MakeItu2390Tables(form, params);
+      std::fesetround(FE_TONEAREST);
+      const auto nearest = MakeItu2390Tables(form, params);
+      EXPECT_EQ(upward->decoded, nearest->decoded);
+      EXPECT_EQ(upward->mapped, nearest->mapped);
+      EXPECT_EQ(upward->ratio, nearest->ratio);
+    }
+  });
 }
 
 TEST_F(WarmUp, BuildsEveryTableOnceUnderEightThreadsThatMeetThere) {
