@@ -1,4 +1,5 @@
 #include <bit>
+#include <cfenv>
 #include <cmath>
 #include <cstdint>
 #include <optional>
@@ -96,6 +97,28 @@ TEST_F(BandsOwnership, PooledAndSingleBandsAgreeForEveryHeightTo40) {
       }
       ASSERT_EQ(results[0], results[1]) << toneMap << ", " << height << " rows";
     }
+  }
+}
+
+TEST_F(BandsOwnership, RunInTheDefaultFloatingPointModeWhateverTheirThreads) {
+  for (const int toneMap : {2, 3, 4, 5, 6}) {
+    std::vector<std::vector<std::uint32_t>> results;
+    for (const int rounding : {FE_TONEAREST, FE_UPWARD, FE_TOWARDZERO}) {
+      host.Reset();
+      Script(toneMap, 1);
+      host.results.beforeTask = [&](int) { std::fesetround(rounding); };
+      host.results.afterTask = [&](int) {
+        const volatile float three = 3.0F;
+        const volatile float third = 1.0F / three;
+        EXPECT_EQ(third > 1.0 / 3.0, rounding != FE_TOWARDZERO) << "the thread's own mode is back";
+        std::fesetround(FE_TONEAREST);
+      };
+      std::vector<float> pixels = Picture(20, 3);
+      ASSERT_EQ(Run(pixels, 20, 3, scripted::MakeRecord(toneMap, 1)), 0);
+      results.push_back(BitsOf(pixels));
+    }
+    EXPECT_EQ(results[1], results[0]) << toneMap;
+    EXPECT_EQ(results[2], results[0]) << toneMap;
   }
 }
 

@@ -245,7 +245,8 @@ TEST_P(RowForms, KeepTheBitsOfEveryAlpha) {
 }
 
 TEST_P(RowForms, LeaveAPixelAtTheKneeOfCarAloneBesideOneAboveIt) {
-  const Tone tone = {"car", Quillon::CARToneMap{}, {0.5F, 1.4F, 0.7F, 1.0F, 0.25F, 0.5F, 0.25F}};
+  // A destination's peak below the knee: what the curve takes for above it becomes darker.
+  const Tone tone = {"car", Quillon::CARToneMap{}, {0.5F, 1.4F, 0.7F, 0.25F, 0.25F, 0.5F, 0.25F}};
   const Settings settings = SettingsOf(tone);
   const std::vector<float> atKnee = {0.25F, 0.5F, 0.125F, 1.0F};
   std::vector<float> rows;

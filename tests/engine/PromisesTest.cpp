@@ -76,15 +76,20 @@ TEST_F(Promises, APositiveCodeOfAnyHostCallIsSuccess) {
   }
 }
 
-TEST_F(Promises, MinusOneOfAnyHostCallIsAFailure) {
+TEST_F(Promises, MinusOneOfAnyHostCallIsAFailureLikeAnyOther) {
   for (const CodeCall& call : kCodeCalls) {
     SCOPED_TRACE(std::string(call.operation) + " " + std::to_string(call.nth));
-    host.Reset();
-    host.results.gamutMappingApplicable = call.applicable;
-    Frames frames = call.makeFrames();
-    host.FailWithCode(call.operation, -1, call.nth);
-    EXPECT_EQ(Apply(frames), -1);
-    EXPECT_FALSE(host.Messages().empty());
+    std::vector<std::vector<scripted::Message>> messages;
+    for (const int code : {-77, -1}) {
+      host.Reset();
+      host.results.gamutMappingApplicable = call.applicable;
+      Frames frames = call.makeFrames();
+      host.FailWithCode(call.operation, code, call.nth);
+      EXPECT_EQ(Apply(frames), code);
+      messages.push_back(host.Messages());
+    }
+    EXPECT_FALSE(messages[0].empty());
+    EXPECT_EQ(messages[1], messages[0]);
   }
 }
 
