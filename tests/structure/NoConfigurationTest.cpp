@@ -1,4 +1,4 @@
-// What the engine asks of the system: nothing that could tell it how to work.
+// What the engine asks of the system: nothing that could tell it how to work, and no arithmetic.
 
 #include <string>
 
@@ -20,6 +20,18 @@ TEST(Engine, ReadsNeitherTheEnvironmentNorFiles) {
     }
     for (const char* part : {"basic_filebuf", "basic_ifstream", "basic_fstream", "filesystem"}) {
       EXPECT_EQ(name.find(part), std::string::npos) << name;
+    }
+  }
+}
+
+TEST(Engine, TakesNoPowersFromTheCLibraryNorDoesTheAutomaticKnee) {
+  for (const char* library : {QUILLON_LIBRARY, QUILLON_PAVIX_LIBRARY}) {
+    for (const std::string& import : ReadImportedSymbols(library)) {
+      const std::string name = import.substr(0, import.find('@'));
+      for (const char* function : {"pow", "log", "log2", "exp", "exp2"}) {
+        EXPECT_NE(name, function) << library;
+        EXPECT_NE(name, std::string(function) + "f") << library;
+      }
     }
   }
 }
