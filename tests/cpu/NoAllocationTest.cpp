@@ -41,7 +41,6 @@ class NoAllocation : public scripted::HostTest {
   struct Counts {
     long heap = AllocationCount();
     int recycler = Recycler::Instance().Allocations();
-    friend bool operator==(const Counts&, const Counts&) = default;
   };
 
   /// Maps a frame in 16 bands and expects neither count to move while a band runs.

@@ -20,7 +20,7 @@ using scripted::TakeInventory;
 
 constexpr int kCode = -4;
 
-/// One way through the engine. Where an operation is named, it fails with `kCode`.
+/// One way through the engine. Where an operation is named, that call of it fails with `kCode`.
 struct Road {
   const char* name;
   Frames (*makeFrames)();
@@ -30,8 +30,8 @@ struct Road {
   bool applicable;
   bool hasSubExecutor;
   int result;
+  int failingCall = 0;
   const char* failing = nullptr;
-  int failingCall = 1;
 };
 
 const Road kRoads[] = {
@@ -46,12 +46,12 @@ const Road kRoads[] = {
     {"direct, BT.2390", pipeline::MakeDirectFrames, 3, 2, 0, true, true, 0},
     {"direct, BT.2446 A", pipeline::MakeDirectFrames, 3, 4, 0, true, true, 0},
     {"direct, CAR", pipeline::MakeDirectFrames, 3, 6, 0, true, true, 0},
-    {"copy that fails", pipeline::MakeDirectFrames, 3, 5, 1, false, true, kCode,
+    {"copy that fails", pipeline::MakeDirectFrames, 3, 5, 1, false, true, kCode, 1,
      "KS::VideoFrameManipulators::CopyFrame"},
-    {"copied, no working frame", pipeline::MakeCopiedFrames, 3, 5, 1, true, true, kCode,
+    {"copied, no working frame", pipeline::MakeCopiedFrames, 3, 5, 1, true, true, kCode, 1,
      "KS::CreateVideoFrame"},
-    {"copied, delivery that fails", pipeline::MakeCopiedFrames, 3, 5, 0, true, true, kCode,
-     "KS::VideoFrameManipulators::CopyFrame", 2},
+    {"copied, delivery that fails", pipeline::MakeCopiedFrames, 3, 5, 0, true, true, kCode, 2,
+     "KS::VideoFrameManipulators::CopyFrame"},
 };
 
 class HostFailures : public scripted::HostTest {
