@@ -29,6 +29,7 @@ if(NOT QUILLON_HOST_DIR)
       ironlane/Devices.h
       ironlane/GpuDevice.h
       ironlane/ResultCodes.h
+      ironlane/RowTransfer.h
       kestrel/PixelFormats.h
       kestrel/ResultCodes.h
       kestrel/SystemFrame.h

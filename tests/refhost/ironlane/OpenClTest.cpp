@@ -111,9 +111,10 @@ TEST(OpenClStatus, TellsResourcesFromMemory) {
   EXPECT_EQ(IL::ResultOf(CL_SUCCESS, "a launch"), 0);
   orvcore::debug::SetTraceSink({});
   orvcore::debug::SetTraceLevel(0);
-  EXPECT_EQ(messages,
-            "OpenCL : a launch failed : the device is out of resources, or a kernel failed on it\r\n"
-            "OpenCL : a launch failed : -4\r\n");
+  EXPECT_EQ(
+      messages,
+      "OpenCL : a launch failed : the device is out of resources, or a kernel failed on it\r\n"
+      "OpenCL : a launch failed : -4\r\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryDevice, OpenClDevices, testing::ValuesIn(EveryDevice()),

@@ -246,9 +246,8 @@ TEST_F(CurveCommand, RefusesAnOutputThatExistsBeforeItWritesAnother) {
 }
 
 TEST_F(CurveCommand, LeavesNothingBehindWhereAnOutputCannotBeWritten) {
-  // As long as a name may be: the temporary name beside it is longer.
-  const std::string longest = std::string(246, 'n') + ".csv";
-  for (const std::string& name : {std::string("absent/a.csv"), longest}) {
+  const std::string tooLong = std::string(252, 'n') + ".csv";
+  for (const std::string& name : {std::string("absent/a.csv"), tooLong}) {
     const RunResult run = Curve({folder_ / name, folder_ / "a.svg"});
     EXPECT_EQ(run.exitCode, 5) << name;
     EXPECT_THAT(run.err, HasSubstr(name));

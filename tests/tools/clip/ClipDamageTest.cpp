@@ -65,14 +65,14 @@ TEST_F(ClipDamage, InMidClipEndsTheRunAndLeavesWhatCameBefore) {
 TEST_F(ClipDamage, OfAnythingElseIsNoCrash) {
   WriteFile(folder_ / "empty.mp4", "");
   WriteFile(folder_ / "text.mkv", std::string(5000, 'x'));
-  ExpectDamaged("empty.mp4", "it is no picture and no clip that can be read");
+  ExpectDamaged("empty.mp4", "it is empty");
   ExpectDamaged("text.mkv", "it is no picture and no clip that can be read");
   ExpectDamaged("absent.mkv", "there is no such file");
   const RunResult run = RunQuillon({"map", folder_ / "", folder_ / "out.mkv"});
   EXPECT_EQ(run.exitCode, 3);
   const RunResult sequence = RunQuillon({"map", folder_ / "none.%d.png", folder_ / "out.mkv"});
   EXPECT_EQ(sequence.exitCode, 3);
-  EXPECT_THAT(sequence.err, HasSubstr("the sequence has no such picture"));
+  EXPECT_THAT(sequence.err, HasSubstr("there is no picture of this sequence"));
 }
 
 TEST_F(ClipDamage, OfAClipWithoutFramesIsTold) {

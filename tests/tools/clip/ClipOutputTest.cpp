@@ -1,13 +1,11 @@
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <map>
-#include <thread>
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 
 #include "tests/tools/clip/ClipFiles.h"
+#include "tests/tools/clip/FileWatch.h"
 
 namespace fs = std::filesystem;
 
@@ -17,42 +15,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using Words = std::vector<std::string>;
-
-bool WaitUntil(const std::function<bool()>& isSo) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (std::chrono::steady_clock::now() < deadline) {
-    if (isSo()) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  }
-  return false;
-}
-
-bool WaitForBytes(const fs::path& path, std::uintmax_t bytes) {
-  return WaitUntil([&] {
-    std::error_code error;
-    return fs::file_size(path, error) >= bytes && !error;
-  });
-}
-
-/// As on a full disk.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, SIG_DFL);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before_{};
-};
 
 class ClipOutput : public testing::Test {
  protected:
@@ -148,6 +110,7 @@ TEST_F(ClipOutput, BelongsToOneRunAtATime) {
   const std::string output = folder_ / "a.mkv";
   const pid_t first = StartQuillon({"map", "--codec", "ffv1", LongSource(), output});
   ASSERT_TRUE(WaitForBytes(folder_ / "a.part.mkv", 20000));
+  kill(first, SIGSTOP);  // so that it outlasts the others
   const std::string holder = "another run (process " + std::to_string(first) + ") is writing it";
   for (const Words& words :
        {Words{"map", Source(), output}, Words{"map", "--overwrite", Source(), output},
@@ -156,6 +119,7 @@ TEST_F(ClipOutput, BelongsToOneRunAtATime) {
     EXPECT_EQ(run.exitCode, 5) << run.err;
     EXPECT_THAT(run.err, HasSubstr(holder));
   }
+  kill(first, SIGCONT);
   EXPECT_EQ(WaitFor(first), 0);
   EXPECT_EQ(DecodeClip(output).size(), 200U);
   EXPECT_THAT(folder_.Names(), ElementsAre("a.mkv"));

@@ -1,11 +1,10 @@
 #include <chrono>
 #include <csignal>
-#include <thread>
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 
 #include "tests/tools/clip/ClipFiles.h"
+#include "tests/tools/clip/FileWatch.h"
 
 namespace fs = std::filesystem;
 
@@ -13,17 +12,6 @@ namespace {
 
 using testing::HasSubstr;
 using Clock = std::chrono::steady_clock;
-
-/// Waits until a file has as many bytes; false after half a minute.
-bool WaitForBytes(const fs::path& path, std::uintmax_t bytes) {
-  const auto deadline = Clock::now() + std::chrono::seconds(30);
-  while (Clock::now() < deadline) {
-    std::error_code error;
-    if (fs::file_size(path, error) >= bytes && !error) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return false;
-}
 
 class ClipStop : public testing::Test {
  protected:
@@ -112,27 +100,6 @@ TEST_F(ClipStop, AnImageSequenceIsResumed) {
   EXPECT_EQ(fs::last_write_time(folder_ / "f.01.png"), before);
   EXPECT_TRUE(fs::exists(folder_ / "f.04.png"));
 }
-
-/// Files of this process and its children cannot grow past a size while it lives, as on a full
-/// disk.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, SIG_DFL);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before_{};
-};
 
 TEST_F(ClipStop, AFullDiskIsTold) {
   for (const auto& [codec, output] :

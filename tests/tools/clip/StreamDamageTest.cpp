@@ -104,6 +104,8 @@ TEST_P(StreamDamageIn, ACutFileIsTold) {
   for (const std::string option : {"", "--keep-damaged"}) {
     const RunResult run = Map(clip, folder_ / "out.mp4", option);
     if (run.exitCode == 0) {
+      // A transport stream does not tell how long it is.
+      if (Name() == "clip.ts") continue;
       EXPECT_THAT(run.err, HasSubstr("note: "));
       EXPECT_EQ(option, "--keep-damaged");
     } else {
@@ -217,7 +219,10 @@ TEST(ClipBeginning, InTheMiddleOfAGroupOfPicturesIsNoDamage) {
     const std::string whole = ReadFile(folder / "whole.ts");
     // Tables of programs come again every tenth of a second.
     WriteFile(folder / "cut.ts", whole.substr(whole.size() / 4 / 188 * 188));
-    for (const std::string name : {"cut.bin", "cut.ts"}) {
+    std::vector<std::string> names = {"cut.ts"};
+    // FFmpeg complains of raw H.265 that begins so, also past the first key frame.
+    if (codec == VideoCodec::H264) names.emplace_back("cut.bin");
+    for (const std::string& name : names) {
       const RunResult run =
           RunQuillon({"map", "--overwrite", "--codec", "ffv1", folder / name, folder / "out.mkv"});
       EXPECT_EQ(run.exitCode, 0) << name << run.err;

@@ -4,6 +4,7 @@
 
 extern "C" const void* QuillonModule() {
   QuietAvLog();
-  static constexpr ClipsModule kTable = {MapClip, RequireClip, OpenClip, CountClipFrames, WriteChartClip};
+  static constexpr ClipsModule kTable = {MapClip, RequireClip, OpenClip, CountClipFrames,
+                                         WriteChartClip};
   return &kTable;
 }

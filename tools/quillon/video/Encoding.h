@@ -94,5 +94,5 @@ class Encoder {
   AvCodecPtr context_;
   bool waitsForFirst_ = false;  ///< can be neither ended nor closed before its first frame
   bool ended_ = false;
-  std::int64_t owed_ = 0;       ///< packets
+  std::int64_t owed_ = 0;  ///< packets
 };
