@@ -86,8 +86,8 @@ void CompareStills(const CompareOptions& options) {
 
 void RunCompare(const CompareOptions& options) {
   CheckCompareOptions(options);
-  const InputKind a = RequireInput(options.a.path);
-  const InputKind b = RequireInput(options.b.path);
+  const InputKind a = RequireInput(options.a.path, options.maxPixels);
+  const InputKind b = RequireInput(options.b.path, options.maxPixels);
   for (const auto& input : {options.a.path, options.b.path}) {
     RequireOtherFile(options.output, input);
     if (options.WritesJson()) RequireOtherFile(options.json, input);

@@ -82,7 +82,7 @@ void RequireFittingOutput(const MapOptions& options, InputKind kind) {
 void RunMap(MapOptions options, bool destinationGiven, bool inPlace) {
   if (!destinationGiven) options.destination = ColorSpaceOfName("srgb");
   CheckMapOptions(options);
-  const InputKind kind = RequireInput(options.input);
+  const InputKind kind = RequireInput(options.input, options.maxPixels);
   if (!destinationGiven && kind != InputKind::Still) {
     options.destination = ColorSpaceOfName("bt709");
   }

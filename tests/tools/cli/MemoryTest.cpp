@@ -143,6 +143,25 @@ TEST_F(Memory, IsBoundedByALimitOnPixels) {
   EXPECT_EQ(RunQuillon({"inspect", "--max-pixels", "5184", hdr}).exitCode, 0);
 }
 
+TEST_F(Memory, IsBoundedByALimitOnPixelsOfClips) {
+  const std::string clip = folder_ / "c.mkv";
+  ASSERT_EQ(RunQuillon({"chart", "--video", "--frames", "4", "--size", "64x48", clip}).exitCode, 0);
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"map", clip, folder_ / "o.mkv"},
+        {"map", "--chunk", "1/2", clip, folder_ / "o.mkv"},
+        {"inspect", "--sheet", folder_ / "o.png", clip},
+        {"compare", clip, clip}}) {
+    std::vector<std::string> limited = arguments;
+    limited.insert(limited.end(), {"--max-pixels", "3071"});
+    const RunResult run = RunQuillon(limited);
+    EXPECT_EQ(run.exitCode, 4) << run.err;
+    EXPECT_THAT(run.err, HasSubstr("a picture of 64x48 pixels is beyond the limit of 3071"));
+    limited.back() = "3072";
+    EXPECT_EQ(RunQuillon(limited).exitCode, 0) << arguments[1];
+    std::filesystem::remove(folder_ / "o.mkv");
+  }
+}
+
 TEST_F(Memory, IsBoundedForThePicturesOfASequenceToo) {
   std::filesystem::copy_file(Chart("c.png"), folder_ / "f.1.png");
   const RunResult run =

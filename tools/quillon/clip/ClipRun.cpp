@@ -85,7 +85,7 @@ std::int64_t CountFrames(ClipRun& run, const MapOptions& options, std::ostream& 
   if (const auto name = InputSequence(options.input)) {
     return static_cast<std::int64_t>(name->ExistingNumbers().size());
   }
-  run.index = FrameIndex::Scan(options.input);
+  run.index = FrameIndex::Scan(options.input, options.maxPixels);
   const ClipDamage& damage = run.index->Damage();
   if (damage.places > 0) {
     const std::string what = options.input.string() + ": it is damaged: " + damage.first;

@@ -13,7 +13,7 @@ struct MeasureRequest {
   std::filesystem::path clip;
   AVRational sequenceRate{24, 1};
   int white = 203;
-  std::int64_t maxPixels = kDefaultMaxPixels;  ///< of a still
+  std::int64_t maxPixels = kDefaultMaxPixels;  ///< of a picture
   ProgressStyle progress = ProgressStyle::Auto;
   DamagePolicy policy = DamagePolicy::Stop;
   /// The colour space of a picture, from its tags. Throws where they do not tell.

@@ -3,8 +3,8 @@
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/clip/ClipSource.h"
 
-void RequireClip(const std::filesystem::path& path) {
-  const ClipInput clip = OpenClipInput(path);
+void RequireClip(const std::filesystem::path& path, std::int64_t maxPixels) {
+  const ClipInput clip = OpenClipInput(path, maxPixels);
   if (clip.video->codecpar->width > 0) return;
   // FFmpeg goes by the name where the content tells it nothing.
   throw CommandError(ExitCode::CannotRead, path.string() +
@@ -18,8 +18,8 @@ std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const
   return std::make_unique<ClipSource>(path, index, first, policy, maxPixels);
 }
 
-std::int64_t CountClipFrames(const std::filesystem::path& path) {
-  const FrameIndex index = FrameIndex::Scan(path);
+std::int64_t CountClipFrames(const std::filesystem::path& path, std::int64_t maxPixels) {
+  const FrameIndex index = FrameIndex::Scan(path, maxPixels);
   RequireWhole(path, index.Damage());
   return index.Count();
 }

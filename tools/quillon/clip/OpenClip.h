@@ -7,7 +7,7 @@
 #include "tools/quillon/clip/PictureSource.h"
 
 /// Throws CommandError unless the file is a clip as far as its head tells.
-void RequireClip(const std::filesystem::path& path);
+void RequireClip(const std::filesystem::path& path, std::int64_t maxPixels);
 
 /// The pictures of a clip; see `OpenPictures`. Throws CommandError.
 std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const FrameIndex* index,
@@ -15,4 +15,4 @@ std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const
                                         std::int64_t maxPixels);
 
 /// How many frames a clip has, counted one by one. Throws CommandError.
-std::int64_t CountClipFrames(const std::filesystem::path& path);
+std::int64_t CountClipFrames(const std::filesystem::path& path, std::int64_t maxPixels);

@@ -13,14 +13,14 @@ std::optional<SequenceName> InputSequence(const std::filesystem::path& path) {
   return std::filesystem::exists(path, error) ? std::nullopt : SequenceName::Parse(path);
 }
 
-InputKind RequireInput(const std::filesystem::path& path) {
+InputKind RequireInput(const std::filesystem::path& path, std::int64_t maxPixels) {
   if (const auto name = InputSequence(path)) {
     if (!name->ExistingNumbers().empty()) return InputKind::Sequence;
     throw CommandError(ExitCode::CannotRead,
                        path.string() + ": there is no picture of this sequence; check the name");
   }
   if (IsStill(path)) return InputKind::Still;
-  RequireClip(path);
+  RequireClip(path, maxPixels);
   return InputKind::Clip;
 }
 
@@ -48,9 +48,9 @@ void RequireWhole(const std::filesystem::path& path, const ClipDamage& damage) {
   throw CommandError(ExitCode::CannotRead, path.string() + ": it is damaged: " + damage.first);
 }
 
-std::int64_t CountPictures(const std::filesystem::path& path) {
+std::int64_t CountPictures(const std::filesystem::path& path, std::int64_t maxPixels) {
   if (const auto name = InputSequence(path)) {
     return static_cast<std::int64_t>(name->ExistingNumbers().size());
   }
-  return IsStill(path) ? 1 : CountClipFrames(path);
+  return IsStill(path) ? 1 : CountClipFrames(path, maxPixels);
 }

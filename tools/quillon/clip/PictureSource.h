@@ -51,10 +51,10 @@ enum class InputKind { Still, Sequence, Clip };
 
 /// What a path names as an input, by what is there. Throws CommandError or StillError where it can
 /// be none of them.
-InputKind RequireInput(const std::filesystem::path& path);
+InputKind RequireInput(const std::filesystem::path& path, std::int64_t maxPixels);
 
 /// Opens a clip, an image sequence or a still; `sequenceRate` is a sequence's frame rate. With an
-/// index the pictures begin at `first`. Stills have at most `maxPixels`. Throws CommandError or
+/// index the pictures begin at `first`. Pictures have at most `maxPixels`. Throws CommandError or
 /// StillError.
 std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
                                             AVRational sequenceRate,
@@ -67,4 +67,4 @@ std::unique_ptr<PictureSource> OpenPictures(const std::filesystem::path& path,
 void RequireWhole(const std::filesystem::path& path, const ClipDamage& damage);
 
 /// How many pictures there are, counted one by one. Throws CommandError, of damage too.
-std::int64_t CountPictures(const std::filesystem::path& path);
+std::int64_t CountPictures(const std::filesystem::path& path, std::int64_t maxPixels);

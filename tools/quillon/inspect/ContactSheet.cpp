@@ -81,7 +81,7 @@ struct SheetPicture {
 };
 
 std::vector<SheetPicture> CollectPictures(const MapOptions& options, double peakNits) {
-  const std::int64_t count = CountPictures(options.input);
+  const std::int64_t count = CountPictures(options.input, options.maxPixels);
   const std::int64_t wanted = std::min(kPictures, count);
   const auto source =
       OpenPictures(options.input, {24, 1}, nullptr, 0, DamagePolicy::Stop, options.maxPixels);

@@ -134,7 +134,7 @@ Inspection Inspect(const InspectOptions& options) {
 void RunInspect(InspectOptions options) {
   CheckEffects(options);
   options.measure = options.measure || !options.plot.empty();
-  RequireInput(options.map.input);
+  RequireInput(options.map.input, options.map.maxPixels);
   CheckTargets(options);
   const Inspection inspection = Inspect(options);
   if (!options.plot.empty() && inspection.levels) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/PX/IVideoFrame.h"
+#include "tools/quillon/io/PixelLimit.h"
 
 /// Content light levels (CTA-861.3) in nits; 0: not given.
 struct ContentLight {
@@ -30,9 +31,6 @@ struct Still {
   /// Sentences for the user on what was left out or taken for granted.
   std::vector<std::string> remarks;
 };
-
-/// Most pixels of a picture that is read where nothing else is asked for.
-inline constexpr std::int64_t kDefaultMaxPixels = std::int64_t{1} << 28;
 
 /// Reads an EXR, Radiance HDR, PNG or AVIF file, told apart by its first bytes. At most 65535
 /// pixels wide and high and `maxPixels` in all; memory is taken for no more pixels than the bytes

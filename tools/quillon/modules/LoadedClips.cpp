@@ -14,7 +14,9 @@ void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) 
   Clips().mapClip(options, out, notes);
 }
 
-void RequireClip(const std::filesystem::path& path) { Clips().requireClip(path); }
+void RequireClip(const std::filesystem::path& path, std::int64_t maxPixels) {
+  Clips().requireClip(path, maxPixels);
+}
 
 std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const FrameIndex* index,
                                         std::int64_t first, DamagePolicy policy,
@@ -22,8 +24,8 @@ std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const
   return Clips().openClip(path, index, first, policy, maxPixels);
 }
 
-std::int64_t CountClipFrames(const std::filesystem::path& path) {
-  return Clips().countClipFrames(path);
+std::int64_t CountClipFrames(const std::filesystem::path& path, std::int64_t maxPixels) {
+  return Clips().countClipFrames(path, maxPixels);
 }
 
 ChartClipLight WriteChartClip(const ChartClip& clip) { return Clips().writeChartClip(clip); }

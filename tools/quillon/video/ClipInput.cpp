@@ -37,9 +37,8 @@ void CheckSizes(const fs::path& path, const AVFormatContext& container, std::int
     if (std::int64_t{parameters.width} * parameters.height <= maxPixels) continue;
     throw CommandError(ExitCode::NotSupported,
                        path.string() + ": a picture of " + std::to_string(parameters.width) + "x" +
-                           std::to_string(parameters.height) +
-                           " pixels is too large; scale it down to at most " +
-                           std::to_string(maxPixels) + " pixels");
+                           std::to_string(parameters.height) + " pixels is beyond the limit of " +
+                           std::to_string(maxPixels) + "; scale it down or raise --max-pixels");
   }
 }
 

@@ -4,11 +4,9 @@
 #include <filesystem>
 #include <memory>
 
+#include "tools/quillon/io/PixelLimit.h"
 #include "tools/quillon/video/AvHandles.h"
 #include "tools/quillon/video/AvLog.h"
-
-/// Pixels of a frame that are read when nothing else is said.
-inline constexpr std::int64_t kMaxClipPixels = std::int64_t{1} << 28;
 
 /// A container that is open for reading, and its video stream.
 struct ClipInput {
@@ -23,7 +21,8 @@ void RequireClipFile(const std::filesystem::path& path);
 /// Opens a clip and finds the video stream that plays by default; cover pictures do not count.
 /// Throws CommandError where the file is missing, is no clip, holds no video, or has frames of more
 /// than `maxPixels`.
-ClipInput OpenClipInput(const std::filesystem::path& path, std::int64_t maxPixels = kMaxClipPixels);
+ClipInput OpenClipInput(const std::filesystem::path& path,
+                        std::int64_t maxPixels = kDefaultMaxPixels);
 
 /// Reads the next packet. 0, AVERROR_EOF at the end, or FFmpeg's code of what is wrong.
 int ReadPacket(const ClipInput& input, AVPacket& packet);

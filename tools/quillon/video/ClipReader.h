@@ -40,7 +40,7 @@ class ClipReader {
   /// Throws CommandError: not a clip, no decoder, no frame, frames of more than `maxPixels`.
   explicit ClipReader(std::filesystem::path path, const FrameIndex* index = nullptr,
                       std::int64_t firstFrame = 0, DamagePolicy policy = DamagePolicy::Stop,
-                      std::int64_t maxPixels = kMaxClipPixels);
+                      std::int64_t maxPixels = kDefaultMaxPixels);
 
   const ClipInfo& Info() const { return info_; }
   const ClipInput& Input() const { return input_; }

@@ -18,8 +18,8 @@ void FrameIndex::Add(const AVPacket& packet, std::int64_t ordinal) {
   if ((packet.flags & AV_PKT_FLAG_KEY) != 0) keys_.push_back({packet.pts, ordinal});
 }
 
-FrameIndex FrameIndex::Scan(const std::filesystem::path& path) {
-  const ClipInput input = OpenClipInput(path);
+FrameIndex FrameIndex::Scan(const std::filesystem::path& path, std::int64_t maxPixels) {
+  const ClipInput input = OpenClipInput(path, maxPixels);
   FrameIndex index;
   index.Read(input);
   if (index.Count() > kMaxFrames) {

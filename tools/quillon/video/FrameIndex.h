@@ -13,7 +13,8 @@
 class FrameIndex {
  public:
   /// Goes on past damage. Throws CommandError.
-  static FrameIndex Scan(const std::filesystem::path& path);
+  static FrameIndex Scan(const std::filesystem::path& path,
+                         std::int64_t maxPixels = kDefaultMaxPixels);
 
   /// What the container is found to lack.
   const ClipDamage& Damage() const { return damage_; }

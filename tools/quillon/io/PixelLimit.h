@@ -1,0 +1,6 @@
+#pragma once
+
+#include <cstdint>
+
+/// Most pixels of a picture that is read where nothing else is asked for.
+inline constexpr std::int64_t kDefaultMaxPixels = std::int64_t{1} << 28;
