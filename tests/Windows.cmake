@@ -23,6 +23,8 @@ quillon_leave_out("counts page faults, which this system does not"
   SOURCES refhost/orvcore/PageFaultTest.cpp)
 quillon_leave_out("bounds the memory of a process, which Wine does not"
   SOURCES refhost/kestrel/NoMemoryTest.cpp)
+quillon_leave_out("counts every allocation; the C library has no aligned_alloc"
+  PROGRAMS no_allocation_test row_walk_allocation_test)
 quillon_leave_out("no Google Benchmark for this system" FOLDERS bench)
 quillon_leave_out("no command line on this system" FOLDERS campaign tools)
 quillon_leave_out("runs programs by the shell" FOLDERS probe)

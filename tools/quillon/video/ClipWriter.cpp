@@ -1,6 +1,7 @@
 #include "tools/quillon/video/ClipWriter.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "tools/quillon/ExitCodes.h"
@@ -147,6 +148,7 @@ ClipWriter::ClipWriter(const fs::path& path, const Encoding& encoding, const Cli
 ClipWriter::~ClipWriter() = default;
 
 void ClipWriter::AddPassedStreams(const ClipInput& source) {
+  source_ = std::string(source.container->url).substr(std::string_view("file:").size());
   av_dict_copy(&container_->metadata, source.container->metadata, 0);
   av_dict_set(&container_->metadata, "encoder", nullptr, 0);
   av_dict_copy(&video_->metadata, source.video->metadata, 0);
@@ -207,6 +209,12 @@ void ClipWriter::WriteHeader() {
   const int result = avformat_write_header(container_.get(), options.Address());
   if (container_->pb->error < 0) FailWriting(container_->pb->error);
   if (result == AVERROR(ENOMEM)) FailWriting(result);
+  if (result < 0 && !passedNames_.empty()) {
+    throw CommandError(ExitCode::CannotRead,
+                       source_ + ": a stream beside its pictures cannot be passed on (" +
+                           AvErrorText(result) +
+                           "); check that the clip is whole, or take that stream out of it");
+  }
   if (result < 0) {
     throw CommandError(ExitCode::NotSupported, path_.string() +
                                                    ": the container does not take these streams (" +

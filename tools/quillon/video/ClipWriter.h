@@ -60,6 +60,7 @@ class ClipWriter {
   [[noreturn]] void FailWriting(int result);
 
   std::filesystem::path path_;
+  std::string source_;  ///< where passed streams come from, for messages
   Encoding encoding_;
   AvOutputPtr container_;
   std::unique_ptr<Encoder> encoder_;
