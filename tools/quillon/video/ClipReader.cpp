@@ -24,6 +24,13 @@ AvPacketPtr Clone(const AVPacket& packet) {
   return clone;
 }
 
+/// Transport streams promise nothing of their frames but times; the times of others may vary.
+double SteadyRateOf(const ClipInput& input) {
+  const bool isTransport = (input.container->iformat->flags & AVFMT_TS_DISCONT) != 0;
+  const AVRational rate = input.video->avg_frame_rate;
+  return isTransport && rate.num > 0 ? av_q2d(rate) : 0.0;
+}
+
 }  // namespace
 
 ClipReader::ClipReader(fs::path path, const FrameIndex* index, std::int64_t firstFrame,
@@ -37,6 +44,7 @@ ClipReader::ClipReader(fs::path path, const FrameIndex* index, std::int64_t firs
       watch_(input_),
       packet_(MakeAvPacket()),
       inFlight_(input_.video->codecpar->codec_id),
+      times_(SteadyRateOf(input_)),
       keySeen_(!CanBeginAnywhere(input_)) {
   OpenDecoder(maxPixels);
   DecodeFirst();
@@ -174,6 +182,7 @@ void ClipReader::TakeFrame(AvFramePtr frame) {
                       "errors (" + decoderComplaints_.Last() + ")");
   } else if (index_ == nullptr || number > firstFrame_) {
     NoteLost(lost, "before frame " + std::to_string(number));
+    NoteMissing(*frame, number);
   }
   // What comes before the first frame may lack the pictures that it was coded from.
   complaintsBefore_ = decoderComplaints_.Count();
@@ -255,6 +264,15 @@ void ClipReader::NoteLost(std::int64_t lost, const std::string& where) {
   undecoded_ -= explained;
   if (lost == explained) return;
   NoteDamageAndStop(where + " the decoder lost " + Counted(lost - explained, "frame"));
+}
+
+void ClipReader::NoteMissing(const AVFrame& frame, std::int64_t number) {
+  if (frame.pts == AV_NOPTS_VALUE) return;
+  const std::int64_t missing =
+      times_.MissingBefore(static_cast<double>(frame.pts) * av_q2d(TimeBase()));
+  if (missing == 0) return;
+  NoteDamageAndStop("before frame " + std::to_string(number) + " the file lacks " +
+                    Counted(missing, "frame"));
 }
 
 void ClipReader::NoteDamageAndStop(const std::string& what) {

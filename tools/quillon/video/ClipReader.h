@@ -14,6 +14,7 @@
 #include "tools/quillon/video/FrameIndex.h"
 #include "tools/quillon/video/FramesInFlight.h"
 #include "tools/quillon/video/PacketWatch.h"
+#include "tools/quillon/video/SteadyTimes.h"
 
 /// A decoded frame.
 struct ClipFrame {
@@ -80,6 +81,7 @@ class ClipReader {
   void FinishInput(int result);
   bool IsDamaged(const AVFrame& frame);
   void NoteLost(std::int64_t lost, const std::string& where);
+  void NoteMissing(const AVFrame& frame, std::int64_t number);
   void NoteDamageAndStop(const std::string& what);
   std::int64_t NumberOf(const AVFrame& frame);
 
@@ -94,6 +96,7 @@ class ClipReader {
   PacketWatch watch_;
   AvPacketPtr packet_;
   FramesInFlight inFlight_;
+  SteadyTimes times_;
   std::deque<AvPacketPtr> others_;  ///< packets of other streams that nobody took yet
   std::optional<ClipFrame> ahead_;
   std::int64_t decoded_ = 0;
