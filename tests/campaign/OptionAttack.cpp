@@ -15,9 +15,9 @@ struct Option {
   std::vector<std::string> bad;
 };
 
-const std::vector<std::string> kNoInteger = {"",   "0203", "0x64", "1e3",   " 5",
-                                             "5 ", "+5",   "5.5",  "abc",   "-1",
-                                             "0",  "nan",  "inf",  "5,000", "99999999999999999999"};
+const std::vector<std::string> kNoInteger = {
+    "",    "0x64", "1e3", " 5",  "5 ",  "+5",    "5.5",
+    "abc", "-1",   "0",   "nan", "inf", "5,000", "99999999999999999999"};
 const std::vector<std::string> kNoNumber = {"",      "nan", "inf",  "-inf", "abc", "1e999",
                                             "0x1p3", "1,5", "-0.5", "1 2",  "9e9"};
 const std::vector<std::string> kNoName = {"", "xyz", "SRGB ", "-", "\xff", "none,hue"};
@@ -78,7 +78,6 @@ const std::vector<Option>& Options() {
        {"32x32", "33x17"},
        {"", "0x0", "10", "1x", "-1x5", "99999999x9999999", "0x10x10", "1e2x5", " 5x5"}},
       {"--frames", {"chart"}, {"3"}, kNoInteger},
-      {"--video", {"chart"}, {}, {}},
       {"--hlg", {"chart"}, {}, {}},
       {"--hue", {"curve"}, {}, {}},
       {"--measure", {"inspect"}, {}, {}},
@@ -177,8 +176,8 @@ class OptionAttack : public Attack {
       {{"compare", "in.mp4", "in.mp4", "OUT"}, "out.png"},
       {{"inspect", "in.mp4"}, ""},
       {{"inspect", "in.exr"}, ""},
-      {{"chart", "OUT"}, "out.exr"},
-      {{"chart", "--video", "OUT"}, "out.mp4"},
+      {{"chart", "--size", "48x32", "OUT"}, "out.exr"},
+      {{"chart", "--video", "--size", "64x48", "OUT"}, "out.mp4"},
       {{"devices"}, ""},
   };
 };

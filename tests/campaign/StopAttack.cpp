@@ -105,8 +105,9 @@ class StopAttack : public Attack {
     }
     for (const auto& entry : fs::directory_iterator(folder)) {
       const std::string name = entry.path().filename().string();
-      // A killed run cannot remove what it was writing under a name of its own.
-      const bool still = forms_[kind].extension == ".%02d.png";
+      // A killed run cannot remove what it was writing under a name of its own, nor its lock, which
+      // binds nobody.
+      const bool still = forms_[kind].extension == ".%02d.png" || name.ends_with(".lock");
       verdict.Require(still || name.find("part") == std::string::npos, "left: " + name);
     }
   }

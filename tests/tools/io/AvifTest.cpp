@@ -170,6 +170,15 @@ TEST(ReadAvif, LeavesUnspecifiedColoursOpenButGivesAMatrix) {
   EXPECT_TRUE(HasRemark(still, "matrix is not given"));
 }
 
+TEST(ReadAvif, RefusesAMatrixThatMeansNothing) {
+  Image image = CountingImage();
+  image->matrixCoefficients = static_cast<avifMatrixCoefficients>(175);
+  const auto failure = FailureOf([&] { ReadStillFromBytes(Encode(*image)); });
+  ASSERT_TRUE(failure);
+  EXPECT_EQ(failure->kind, StillErrorKind::NotSupported);
+  EXPECT_NE(failure->message.find("its matrix 175 means nothing"), std::string::npos);
+}
+
 TEST(ReadAvif, DeliversRgbAsFloat) {
   for (const auto range : {AVIF_RANGE_FULL, AVIF_RANGE_LIMITED}) {
     // Planes are green, blue, red.

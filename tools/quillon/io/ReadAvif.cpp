@@ -113,6 +113,14 @@ std::uint8_t ChromaLocation(avifChromaSamplePosition position) {
   }
 }
 
+void RequireKnownMatrix(const StillSource& source, const avifImage& image) {
+  constexpr int kLastKnown = 14;  // ITU-T H.273 (07/2021), table 4
+  if (image.matrixCoefficients <= kLastKnown) return;
+  FailNotSupported(source,
+                   "its matrix " + std::to_string(image.matrixCoefficients) + " means nothing",
+                   "write it with another matrix");
+}
+
 ColorDescription DescribeColors(const avifImage& image, std::vector<std::string>& remarks) {
   ColorDescription description;
   description.primaries = SpokenCodePoint(image.colorPrimaries);
@@ -277,6 +285,8 @@ Still ReadAvif(const StillSource& source) {
   for (const AvifSize& size : boxes.sizes) CheckDimensions(source, size.width, size.height);
   const Decoder decoder = OpenDecoder(source);
   const avifImage& image = *decoder->image;
+
+  RequireKnownMatrix(source, image);
 
   Still still;
   const ColorDescription description = DescribeColors(image, still.remarks);
