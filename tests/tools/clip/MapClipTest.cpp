@@ -187,6 +187,15 @@ TEST(MapClip, DryRunExplainsAndWritesNothing) {
   EXPECT_THAT(folder.Names(), testing::ElementsAre("clip.mp4"));
 }
 
+TEST(MapClip, RefusesTheMatrixOfRgbForSubsampledSamples) {
+  const ScratchFolder folder;
+  const auto clip = MakeChartClip(folder, "rgb.mkv", {"--frames", "2"});
+  const RunResult run = RunQuillon({"map", "--from-cicp", "1/13/0", clip, folder / "rgb.%d.png"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.err,
+              HasSubstr("its samples are YCbCr, and the matrix 0 of --from-cicp says RGB"));
+}
+
 TEST(MapClip, RefusesWhatHasNoEffectOrNoMeaning) {
   const ScratchFolder folder;
   const auto clip = MakeChartClip(folder, "clip.mp4", {"--frames", "2"});

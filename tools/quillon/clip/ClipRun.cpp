@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/Explain.h"
@@ -47,6 +48,17 @@ void CheckOptions(const MapOptions& options) {
   if (encodes) {
     Refuse(clip.FirstGiven() + " has no effect on image sequences; leave it out");
   }
+}
+
+/// RGB has no subsampled components.
+void CheckMatrix(const MapOptions& options, const PictureSource& source) {
+  if (!options.sourceTellsMatrix || options.source->matrix != H273::kMatrixIdentity) return;
+  const Sampling sampling = source.Samples().sampling;
+  if (sampling != Sampling::C420 && sampling != Sampling::C422) return;
+  Refuse(
+      options.input.string() +
+      ": its samples are YCbCr, and the matrix 0 of --from-cicp says RGB; give the matrix of the "
+      "samples, as 9 for BT.2020");
 }
 
 void CheckClipTarget(const MapOptions& options) {
@@ -239,6 +251,7 @@ ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
   }
   run.source = OpenPictures(options.input, SequenceRate(options), run.index ? &*run.index : nullptr,
                             run.left.First(), PolicyOf(options), options.maxPixels);
+  CheckMatrix(options, *run.source);
   const ClipTags& tags = run.source->Info().tags;
   if (!bySingleFrames) run.frames = run.source->Info().frames;
   run.mapper =
