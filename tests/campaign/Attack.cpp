@@ -1,5 +1,9 @@
 #include "tests/campaign/Attack.h"
 
+#include <stdexcept>
+
+#include "tests/tools/cli/RunQuillon.h"
+
 const std::vector<AttackShare>& AllAttacks() {
   static const std::vector<AttackShare> attacks = {
       {"clips", MakeClipAttack, 32},        {"stills", MakeStillAttack, 42},
@@ -31,4 +35,9 @@ std::string CommandText(const std::vector<std::string>& words) {
     text += '\'';
   }
   return text;
+}
+
+void MustRun(const std::vector<std::string>& words) {
+  const RunResult run = RunQuillon(words);
+  if (run.exitCode != 0) throw std::runtime_error(CommandText(words) + ": " + run.err);
 }

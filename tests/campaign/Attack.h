@@ -45,3 +45,6 @@ const std::vector<AttackShare>& AllAttacks();
 
 /// Words as a shell takes them.
 std::string CommandText(const std::vector<std::string>& words);
+
+/// Runs the command line for what an attack needs. Throws where it fails.
+void MustRun(const std::vector<std::string>& words);

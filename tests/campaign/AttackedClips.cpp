@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "tests/campaign/Attack.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tests/tools/clip/ClipFiles.h"
 #include "tests/tools/clip/FullClips.h"
@@ -36,11 +37,6 @@ AttackedClip Attacked(const fs::path& path) {
   clip.packets = PlacesOf(path);
   if (clip.frames == 0 || clip.packets.empty()) throw std::runtime_error(clip.name + " is empty");
   return clip;
-}
-
-void MustRun(const std::vector<std::string>& words) {
-  const RunResult run = RunQuillon(words);
-  if (run.exitCode != 0) throw std::runtime_error(run.err);
 }
 
 /// The chart in another codec, still HDR10.

@@ -12,8 +12,8 @@ namespace {
 class FullDiskAttack : public Attack {
  public:
   FullDiskAttack() {
-    RunQuillon({"chart", "--size", "96x64", made_ / "in.exr"});
-    RunQuillon({"chart", "--video", "--frames", "24", "--size", "96x64", made_ / "plain.mkv"});
+    MustRun({"chart", "--size", "96x64", made_ / "in.exr"});
+    MustRun({"chart", "--video", "--frames", "24", "--size", "96x64", made_ / "plain.mkv"});
     AddSound(made_ / "plain.mkv", made_ / "in.mkv");
   }
   std::string Name() const override { return "full-disk"; }

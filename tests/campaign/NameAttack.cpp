@@ -34,8 +34,8 @@ std::string RandomName(Dice& dice, std::size_t length) {
 class NameAttack : public Attack {
  public:
   NameAttack() {
-    RunQuillon({"chart", "--size", "32x32", made_ / "in.exr"});
-    RunQuillon({"chart", "--video", "--frames", "6", "--size", "64x48", made_ / "in.mp4"});
+    MustRun({"chart", "--size", "32x32", made_ / "in.exr"});
+    MustRun({"chart", "--video", "--frames", "6", "--size", "64x48", made_ / "in.mp4"});
   }
   std::string Name() const override { return "names"; }
 

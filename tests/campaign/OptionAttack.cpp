@@ -103,9 +103,9 @@ std::vector<Option> OptionsOf(const std::string& command) {
 class OptionAttack : public Attack {
  public:
   OptionAttack() {
-    RunQuillon({"chart", "--size", "32x32", made_ / "in.exr"});
-    RunQuillon({"chart", "--size", "32x32", made_ / "in.png"});
-    RunQuillon({"chart", "--video", "--frames", "6", "--size", "64x48", made_ / "in.mp4"});
+    MustRun({"chart", "--size", "32x32", made_ / "in.exr"});
+    MustRun({"chart", "--size", "32x32", made_ / "in.png"});
+    MustRun({"chart", "--video", "--frames", "6", "--size", "64x48", made_ / "in.mp4"});
   }
   std::string Name() const override { return "options"; }
 

@@ -23,12 +23,12 @@ class RivalAttack : public Attack {
       encoding.height = 108;
       WriteGreyClip(Source(source), encoding, kFrames, 300 + 200 * source);
       for (const char* extension : {".mkv", ".mp4"}) {
-        RunQuillon(MapWords(Source(source), Alone(source, extension), extension));
+        MustRun(MapWords(Source(source), Alone(source, extension), extension));
         alone_[source][extension] = SamplesOf(DecodeClip(Alone(source, extension)));
       }
-      RunQuillon({"map", Source(source), made_ / ("alone" + std::to_string(source) + ".%02d.png")});
-      RunQuillon({"chart", "--size", source == 0 ? "64x48" : "48x64", Still(source)});
-      RunQuillon({"map", Still(source), made_ / ("still" + std::to_string(source) + ".png")});
+      MustRun({"map", Source(source), made_ / ("alone" + std::to_string(source) + ".%02d.png")});
+      MustRun({"chart", "--size", source == 0 ? "64x48" : "48x64", Still(source)});
+      MustRun({"map", Still(source), made_ / ("still" + std::to_string(source) + ".png")});
     }
   }
   std::string Name() const override { return "rivals"; }

@@ -32,11 +32,6 @@ std::string RadianceBytes() {
   return bytes;
 }
 
-void MustRun(const std::vector<std::string>& words) {
-  const RunResult run = RunQuillon(words);
-  if (run.exitCode != 0) throw std::runtime_error(CommandText(words) + ": " + run.err);
-}
-
 std::vector<Sample> MakeSamples() {
   const ScratchFolder folder;
   MustRun({"chart", "--size", "96x64", folder / "chart.exr"});

@@ -21,7 +21,7 @@ class StopAttack : public Attack {
     WriteGreyClip(made_ / "plain.mkv", encoding, kFrames, 300);
     AddSound(made_ / "plain.mkv", made_ / "in.mkv");
     for (const Form& form : forms_) {
-      RunQuillon(WordsOf(form, made_ / ("whole" + form.extension)));
+      MustRun(WordsOf(form, made_ / ("whole" + form.extension)));
       whole_.push_back(FramesOf(made_ / ("whole" + form.extension)));
     }
   }
