@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "host/KS/FrameInterfaces.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/kestrel/FrameInterfaces.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace Quillon {
 

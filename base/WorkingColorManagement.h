@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace Quillon {
 

@@ -9,7 +9,7 @@
 
 #include "bench/Frames.h"
 #include "bench/Timing.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 #include "refhost/orvcore/RecyclerStatistics.h"

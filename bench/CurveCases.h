@@ -5,7 +5,7 @@
 
 #include "base/SupportVector.h"
 #include "cpu/GamutCompression.h"
-#include "host/PX/GamutMappingUtils.h"
+#include "host/pavix/GamutMappingUtils.h"
 #include "tonemap/Algorithms.h"
 
 /// A gamut compression, a tone curve or both, with parameters for a picture by MakePicture.

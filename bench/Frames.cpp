@@ -3,8 +3,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "refhost/orvmediatypes/H273.h"
 
 using orvmediatypes::color::ColorDescription;

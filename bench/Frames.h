@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 inline constexpr int kWidth = 3840;
 inline constexpr int kHeight = 2160;

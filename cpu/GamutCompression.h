@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "base/SupportVector.h"
-#include "host/PX/GamutMappingUtils.h"
+#include "host/pavix/GamutMappingUtils.h"
 
 namespace Quillon {
 

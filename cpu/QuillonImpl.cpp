@@ -9,7 +9,7 @@
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
 #include "cpu/rows/RowForms.h"
-#include "host/CHR/Applicability.h"
+#include "host/chromant/Applicability.h"
 #include "host/orvcore/Threads.h"
 #include "tonemap/SupportParams.h"
 

@@ -4,8 +4,8 @@
 
 #include "base/SupportVector.h"
 #include "cpu/GamutCompression.h"
-#include "host/PX/GamutMappingUtils.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/GamutMappingUtils.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tonemap/Algorithms.h"
 
 namespace Quillon {

@@ -3,7 +3,7 @@
 #include "engine/ApplyGamutMappingSW.h"
 #include "engine/Quillon.h"
 #include "gpu/ApplyGamutMappingGPU.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 
 namespace Quillon {
 

@@ -7,9 +7,9 @@
 #include "base/WorkingColorManagement.h"
 #include "cpu/QuillonImpl.h"
 #include "engine/LinearFrames.h"
-#include "host/CHR/Applicability.h"
-#include "host/CHR/Conversion.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/chromant/Applicability.h"
+#include "host/chromant/Conversion.h"
+#include "host/kestrel/FrameManipulators.h"
 
 namespace Quillon {
 

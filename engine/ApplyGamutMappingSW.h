@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/PX/GamutMappingUtils.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/GamutMappingUtils.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace Quillon {
 

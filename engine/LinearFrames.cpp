@@ -3,9 +3,9 @@
 #include "base/CopyQuality.h"
 #include "base/FrameMemory.h"
 #include "base/Trace.h"
-#include "host/CHR/Conversion.h"
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/chromant/Conversion.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 
 namespace Quillon {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/PX/IVideoFrame.h"
 #include "host/orvmediatypes/ColorManagementSettings.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace Quillon {
 

@@ -9,8 +9,8 @@
 #include "cpu/GamutCompression.h"
 #include "gpu/ApplyToneMapGPU.h"
 #include "gpu/LinearizeFrame.h"
-#include "host/CHR/Applicability.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/chromant/Applicability.h"
+#include "host/kestrel/FrameManipulators.h"
 
 namespace Quillon {
 

@@ -2,8 +2,8 @@
 
 #include "base/SupportVector.h"
 #include "gpu/KernelTarget.h"
-#include "host/PX/GamutMappingUtils.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/GamutMappingUtils.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace Quillon {
 

@@ -3,7 +3,7 @@
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
 #include "gpu/KernelTarget.h"
-#include "host/CHR/Applicability.h"
+#include "host/chromant/Applicability.h"
 #include "tonemap/Algorithms.h"
 #include "tonemap/SupportParams.h"
 

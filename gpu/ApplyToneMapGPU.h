@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/PX/IVideoFrame.h"
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/IVideoFrame.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace Quillon {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "base/KernelSignatures.h"
-#include "host/IL/Device.h"
+#include "host/ironlane/Device.h"
 
 namespace Quillon {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "gpu/KernelArguments.h"
-#include "host/IL/Device.h"
+#include "host/ironlane/Device.h"
 
 namespace Quillon {
 

@@ -6,7 +6,7 @@
 #include "base/ResultCodes.h"
 #include "gpu/KernelCache.h"
 #include "gpu/PixelLayout.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 
 namespace Quillon {
 

@@ -6,8 +6,8 @@
 #include "base/SupportVector.h"
 #include "gpu/KernelArguments.h"
 #include "gpu/KernelLaunch.h"
-#include "host/IL/Device.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/ironlane/Device.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace Quillon {
 

@@ -7,9 +7,9 @@
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
 #include "gpu/KernelTarget.h"
-#include "host/CHR/Conversion.h"
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/chromant/Conversion.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 
 namespace Quillon {
 

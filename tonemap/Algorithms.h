@@ -5,7 +5,7 @@
 
 #include "base/KernelSignatures.h"
 #include "base/SupportVector.h"
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace Quillon {
 

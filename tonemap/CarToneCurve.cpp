@@ -6,7 +6,7 @@
 #include "base/DefaultFloatingPoint.h"
 #include "curves/Car.h"
 #include "curves/HighlightDesaturation.h"
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "tonemap/PeakLuminance.h"
 #include "tonemap/SupportParams.h"
 

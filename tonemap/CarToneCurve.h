@@ -4,7 +4,7 @@
 #include <cstddef>
 
 #include "base/SupportVector.h"
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace Quillon {
 

@@ -1,7 +1,7 @@
 #include "tonemap/ColorSpaceMatch.h"
 
-#include "host/CHR/Conversion.h"
-#include "host/PX/ColorSpaces.h"
+#include "host/chromant/Conversion.h"
+#include "host/pavix/ColorSpaces.h"
 
 namespace Quillon {
 

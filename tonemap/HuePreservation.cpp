@@ -2,8 +2,8 @@
 
 #include "base/WorkingColorManagement.h"
 #include "curves/HuePreservation.h"
-#include "host/CHR/Conversion.h"
-#include "host/PX/ColorSpaceUtils.h"
+#include "host/chromant/Conversion.h"
+#include "host/pavix/ColorSpaceUtils.h"
 #include "tonemap/PeakLuminance.h"
 #include "tonemap/SupportParams.h"
 

@@ -4,7 +4,7 @@
 
 #include "base/SupportVector.h"
 #include "curves/Bt2390.h"
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace Quillon {
 

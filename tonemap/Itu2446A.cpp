@@ -3,9 +3,9 @@
 #include <array>
 
 #include "curves/Bt2446A.h"
-#include "host/CHR/Conversion.h"
-#include "host/PX/ColorSpaceUtils.h"
-#include "host/PX/ColorSpaces.h"
+#include "host/chromant/Conversion.h"
+#include "host/pavix/ColorSpaceUtils.h"
+#include "host/pavix/ColorSpaces.h"
 #include "tonemap/ColorSpaceMatch.h"
 #include "tonemap/GraphicsWhite.h"
 #include "tonemap/SupportParams.h"

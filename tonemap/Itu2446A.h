@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/SupportVector.h"
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace Quillon {
 

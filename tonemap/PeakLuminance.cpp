@@ -4,9 +4,9 @@
 
 #include "base/Trace.h"
 #include "base/WorkingColorManagement.h"
-#include "host/CHR/Conversion.h"
-#include "host/PX/ColorSpaceUtils.h"
-#include "host/PX/ColorSpaces.h"
+#include "host/chromant/Conversion.h"
+#include "host/pavix/ColorSpaceUtils.h"
+#include "host/pavix/ColorSpaces.h"
 #include "tonemap/ColorSpaceMatch.h"
 #include "tonemap/PqTransfer.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/CHR/TransferFunctions.h"
+#include "host/chromant/TransferFunctions.h"
 
 namespace Quillon {
 

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "base/SupportVector.h"
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace Quillon {
 

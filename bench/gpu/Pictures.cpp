@@ -1,8 +1,8 @@
 #include "bench/gpu/Pictures.h"
 
 #include "bench/Frames.h"
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/GpuFrame.h"
 #include "refhost/kestrel/PixelFormats.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "refhost/ironlane/GpuDevice.h"
 
 using DeviceRef = std::shared_ptr<IL::GpuDevice>;

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "bench/FilterGraph.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// FFmpeg's filters for the same task. Frames stay in memory on both sides.
 class FfmpegVideo {

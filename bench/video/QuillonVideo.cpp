@@ -5,7 +5,7 @@
 #include "bench/Frames.h"
 #include "bench/video/VideoFrames.h"
 #include "engine/Quillon.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/FrameManipulators.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "host/PX/GamutMappingUtils.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/GamutMappingUtils.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// The engine's mapping of a frame by MakeHdr10Frame to one by MakeSdrFrame.
 class QuillonVideo {

@@ -7,7 +7,7 @@
 
 #include "bench/CurveCases.h"
 #include "bench/Frames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 #include "refhost/orvmediatypes/H273.h"

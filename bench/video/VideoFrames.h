@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// What both sides start from, a 4K HDR10 frame: 10-bit YCbCr 4:2:0 of BT.2100 PQ, limited range.
 /// Light varies smoothly up to 1000 nits, with grain in the luma.

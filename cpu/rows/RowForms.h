@@ -2,7 +2,7 @@
 
 #include "base/SupportVector.h"
 #include "cpu/GamutCompression.h"
-#include "host/PX/GamutMappingUtils.h"
+#include "host/pavix/GamutMappingUtils.h"
 #include "tonemap/Algorithms.h"
 
 namespace Quillon {

@@ -1,9 +1,9 @@
-#include "host/CHR/Applicability.h"
+#include "host/chromant/Applicability.h"
 
 #include <algorithm>
 #include <cstdint>
 
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/chromant/Primaries.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "refhost/orvmediatypes/PeakLuminance.h"

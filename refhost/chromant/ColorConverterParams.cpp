@@ -1,7 +1,7 @@
 #include <cstring>
 
-#include "host/CHR/Conversion.h"
-#include "host/IL/ColorConvertParams.h"
+#include "host/chromant/Conversion.h"
+#include "host/ironlane/ColorConvertParams.h"
 #include "refhost/chromant/Primaries.h"
 #include "refhost/chromant/ResultCodes.h"
 #include "refhost/orvmediatypes/H273.h"

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/chromant/PixelConverter.h"
 #include "refhost/chromant/PixelRows.h"
 #include "refhost/chromant/ResultCodes.h"

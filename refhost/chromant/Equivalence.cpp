@@ -1,4 +1,4 @@
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/chromant/PixelRows.h"
 #include "refhost/chromant/Primaries.h"
 #include "refhost/chromant/TransferCurve.h"

@@ -1,6 +1,6 @@
 #include <array>
 
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/chromant/PixelConverter.h"
 #include "refhost/orvmediatypes/H273.h"
 

@@ -1,4 +1,4 @@
-#include "host/CHR/TransferFunctions.h"
+#include "host/chromant/TransferFunctions.h"
 
 #include <array>
 #include <cstdint>

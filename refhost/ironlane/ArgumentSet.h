@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/IL/Device.h"
+#include "host/ironlane/Device.h"
 
 namespace IL {
 

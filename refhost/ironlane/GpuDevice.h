@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/IL/Device.h"
+#include "host/ironlane/Device.h"
 #include "refhost/ironlane/RowTransfer.h"
 
 namespace IL {

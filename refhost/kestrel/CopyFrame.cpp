@@ -1,6 +1,6 @@
 #include <memory>
 
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/MakeBandCopy.h"
 #include "refhost/kestrel/PlaneCopy.h"

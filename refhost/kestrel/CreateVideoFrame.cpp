@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "host/KS/CreateFrames.h"
+#include "host/kestrel/CreateFrames.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "refhost/kestrel/ResultCodes.h"
 
 using orvcore::classref::InterfaceCast;

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 

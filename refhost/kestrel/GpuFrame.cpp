@@ -4,8 +4,8 @@
 #include <optional>
 #include <utility>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "refhost/ironlane/DeviceMemory.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/ResultCodes.h"

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "refhost/ironlane/GpuDevice.h"
 
 namespace KS {

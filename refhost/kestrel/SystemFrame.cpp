@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/ResultCodes.h"
 #include "refhost/orvcore/RecycledMemory.h"

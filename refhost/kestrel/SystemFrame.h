@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace KS {
 

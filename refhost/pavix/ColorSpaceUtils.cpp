@@ -1,4 +1,4 @@
-#include "host/PX/ColorSpaceUtils.h"
+#include "host/pavix/ColorSpaceUtils.h"
 
 #include "refhost/orvmediatypes/H273.h"
 #include "refhost/orvmediatypes/PeakLuminance.h"

@@ -1,4 +1,4 @@
-#include "host/PX/ColorSpaces.h"
+#include "host/pavix/ColorSpaces.h"
 
 #include "refhost/orvmediatypes/H273.h"
 

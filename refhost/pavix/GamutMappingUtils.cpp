@@ -1,4 +1,4 @@
-#include "host/PX/GamutMappingUtils.h"
+#include "host/pavix/GamutMappingUtils.h"
 
 using orvmediatypes::color::GamutCompressionAlgorithmType;
 

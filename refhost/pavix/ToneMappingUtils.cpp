@@ -1,9 +1,9 @@
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 #include <cstdint>
 
 #include "curves/math64.h"
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ToneMapAlgorithmType;

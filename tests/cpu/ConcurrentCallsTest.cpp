@@ -11,8 +11,8 @@
 #include <gtest/gtest.h>
 
 #include "engine/Quillon.h"
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "tests/Meeting.h"
 
 namespace {

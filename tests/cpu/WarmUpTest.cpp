@@ -13,7 +13,7 @@
 
 #include "cpu/QuillonImpl.h"
 #include "curves/math.h"
-#include "host/CHR/TransferFunctions.h"
+#include "host/chromant/TransferFunctions.h"
 #include "tests/Meeting.h"
 #include "tests/host/HostTest.h"
 #include "tonemap/CarToneCurve.h"

@@ -11,8 +11,8 @@
 #include <gtest/gtest.h>
 
 #include "curves/HalfFloat.h"
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/GpuFrame.h"
 #include "refhost/kestrel/PixelFormats.h"

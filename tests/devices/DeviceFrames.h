@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "refhost/ironlane/GpuDevice.h"
 
 /// Blue, green, red and alpha.

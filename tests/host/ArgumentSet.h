@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/IL/Device.h"
+#include "host/ironlane/Device.h"
 #include "tests/host/Host.h"
 #include "tests/host/Inventory.h"
 

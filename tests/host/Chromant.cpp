@@ -3,10 +3,10 @@
 #include <span>
 #include <string>
 
-#include "host/CHR/Applicability.h"
-#include "host/CHR/Conversion.h"
-#include "host/CHR/TransferFunctions.h"
-#include "host/IL/ColorConvertParams.h"
+#include "host/chromant/Applicability.h"
+#include "host/chromant/Conversion.h"
+#include "host/chromant/TransferFunctions.h"
+#include "host/ironlane/ColorConvertParams.h"
 #include "tests/host/Describe.h"
 #include "tests/host/Frame.h"
 #include "tests/host/Host.h"

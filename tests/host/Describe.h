@@ -3,8 +3,8 @@
 #include <span>
 #include <string>
 
-#include "host/PX/GamutMappingUtils.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/GamutMappingUtils.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace scripted {
 

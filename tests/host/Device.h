@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "host/IL/Device.h"
+#include "host/ironlane/Device.h"
 #include "tests/host/Host.h"
 #include "tests/host/Inventory.h"
 

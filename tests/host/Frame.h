@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "host/KS/FrameInterfaces.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/kestrel/FrameInterfaces.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tests/host/Device.h"
 #include "tests/host/Host.h"
 #include "tests/host/Inventory.h"

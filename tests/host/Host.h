@@ -12,9 +12,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/IL/Device.h"
-#include "host/PX/GamutMappingUtils.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/ironlane/Device.h"
+#include "host/pavix/GamutMappingUtils.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace scripted {
 

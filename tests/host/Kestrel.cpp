@@ -1,7 +1,7 @@
 #include <string>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "tests/host/Describe.h"
 #include "tests/host/Frame.h"
 #include "tests/host/Host.h"

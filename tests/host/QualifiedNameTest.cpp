@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "host/orvcore/Utility.h"
 
 namespace {

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "host/PX/GamutMappingUtils.h"
 #include "host/orvcore/Geom.h"
 #include "host/orvcore/InterfaceRef.h"
 #include "host/orvmediatypes/PixelFormat.h"
+#include "host/pavix/GamutMappingUtils.h"
 
 namespace {
 

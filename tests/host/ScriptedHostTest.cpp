@@ -1,9 +1,9 @@
 #include <gtest/gtest-spi.h>
 
-#include "host/CHR/Applicability.h"
-#include "host/CHR/Conversion.h"
-#include "host/CHR/TransferFunctions.h"
-#include "host/KS/CreateFrames.h"
+#include "host/chromant/Applicability.h"
+#include "host/chromant/Conversion.h"
+#include "host/chromant/TransferFunctions.h"
+#include "host/kestrel/CreateFrames.h"
 #include "host/orvcore/Allocator.h"
 #include "host/orvcore/Threads.h"
 #include "tests/host/HostTest.h"

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "host/IL/Device.h"
-#include "host/KS/FrameInterfaces.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/ironlane/Device.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "host/orvcore/InterfaceRef.h"
 #include "host/orvcore/Threads.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace {
 

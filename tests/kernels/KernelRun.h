@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "refhost/ironlane/GpuDevice.h"
 
 /// Runs a kernel of "ToneMapMain" on a frame in place, with blocks of this size, as the engine

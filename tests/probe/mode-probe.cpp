@@ -12,8 +12,8 @@
 #include <string>
 
 #include "engine/Quillon.h"
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
 
 #if defined(__SSE2__)
 #include <xmmintrin.h>

@@ -67,7 +67,7 @@ TEST(IncludeOrder, FindsAPlantedIncludeOfTheReferenceHost) {
 
 TEST(IncludeOrder, TakesAPlantedForwardEdge) {
   const PlantedTree tree("engine/Planted.cpp",
-                         "#include \"host/KS/CreateFrames.h\"\n// #include \"refhost/X.h\"\n");
+                         "#include \"host/kestrel/CreateFrames.h\"\n// #include \"refhost/X.h\"\n");
   EXPECT_EQ(ReadIncludes(tree.Root()).size(), 1U);
   EXPECT_TRUE(AllRunDown(tree.Root()));
 }
@@ -77,7 +77,7 @@ TEST(IncludeOrder, IsTheStatedOne) {
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "gpu/KernelCache.h"}));
   EXPECT_FALSE(RunsDown({"curves/A.h", "base/Trace.h"}));
   EXPECT_FALSE(RunsDown({"base/A.h", "curves/Three.h"}));
-  EXPECT_FALSE(RunsDown({"curves/A.h", "host/PX/ToneMappingUtils.h"}));
+  EXPECT_FALSE(RunsDown({"curves/A.h", "host/pavix/ToneMappingUtils.h"}));
   EXPECT_TRUE(RunsDown({"curves/A.h", "curves/Three.h"}));
   EXPECT_FALSE(RunsDown({"host/A.h", "base/ResultCodes.h"}));
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "kernels/ToneMapMain.h"}));

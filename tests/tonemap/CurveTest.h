@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "base/SupportVector.h"
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace tonemap {
 

@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/ExitCodes.h"

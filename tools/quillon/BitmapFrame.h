@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/plot/DrawScene.h"
 
 /// The bitmap as a new 8-bit BGRA frame in sRGB. Throws CommandError.

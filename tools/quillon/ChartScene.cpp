@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "host/CHR/TransferFunctions.h"
+#include "host/chromant/TransferFunctions.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Frames.h"

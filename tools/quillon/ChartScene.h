@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// Peak of the chart's scene in nits.
 inline constexpr double kChartPeakNits = 4000.0;

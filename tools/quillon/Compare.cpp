@@ -7,7 +7,7 @@
 #include <string>
 
 #include "curves/St2084.h"
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/orvcore/Bands.h"
 #include "tools/quillon/DeltaEItp.h"
 #include "tools/quillon/ExitCodes.h"

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/PixelMarks.h"
 
 struct CompareSettings {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/CompareOptions.h"
 
 /// Throws CommandError or StillError where what was asked for cannot be written.

@@ -3,7 +3,7 @@
 #include <array>
 #include <optional>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/Choice.h"
 #include "tools/quillon/Compare.h"
 #include "tools/quillon/plot/DrawScene.h"

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/DeviceChoice.h"
 #include "tools/quillon/EngineMessages.h"

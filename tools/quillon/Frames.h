@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <memory>
 
-#include "host/PX/IVideoFrame.h"
 #include "host/orvmediatypes/ColorManagementSettings.h"
+#include "host/pavix/IVideoFrame.h"
 #include "refhost/ironlane/GpuDevice.h"
 
 /// Colour-management settings with graphics white at a whole number of nits.

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "curves/St2084.h"
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/Frames.h"
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// Luminances in nits that a ramp steps through, rising without repetition: 1001 equal steps of PQ
 /// code value from 0 to a little past the largest of `marks`, to 10000 nits at least, and the

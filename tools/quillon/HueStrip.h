@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/plot/CurveData.h"
 
 /// Names of the strip's rows: red, yellow, green, cyan, blue, magenta, grey, skin.

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/Frames.h"
 

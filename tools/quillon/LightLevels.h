@@ -4,7 +4,7 @@
 #include <functional>
 #include <span>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/io/Still.h"
 
 /// Light levels of a picture as CTA-861.3 counts them, on the largest of R, G and B.

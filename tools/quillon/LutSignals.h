@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/LutLattice.h"
 
 /// The signals as the pixels of a new float frame, row after row; what is left of the last row is

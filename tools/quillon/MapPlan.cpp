@@ -3,9 +3,9 @@
 #include <array>
 #include <cmath>
 
-#include "host/CHR/Applicability.h"
-#include "host/CHR/Conversion.h"
-#include "host/PX/ColorSpaceUtils.h"
+#include "host/chromant/Applicability.h"
+#include "host/chromant/Conversion.h"
+#include "host/pavix/ColorSpaceUtils.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/ExitCodes.h"

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "host/PX/GamutMappingUtils.h"
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/GamutMappingUtils.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/MapOptions.h"
 #include "tools/quillon/SourcePeak.h"
 #include "tools/quillon/io/Still.h"

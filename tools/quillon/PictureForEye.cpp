@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/PX/ColorSpaceUtils.h"
+#include "host/pavix/ColorSpaceUtils.h"
 #include "tools/quillon/ApplyPlan.h"
 #include "tools/quillon/BitmapFrame.h"
 #include "tools/quillon/ColorSpaceNames.h"

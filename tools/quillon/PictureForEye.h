@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/plot/DrawScene.h"
 
 /// The larger peak in nits of those of two tagged pictures that hold more than SDR: PQ, HLG, or

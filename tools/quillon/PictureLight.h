@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// A picture as it is compared: float BGRA frames of one size.
 struct PictureLight {

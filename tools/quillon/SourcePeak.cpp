@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "host/PX/ColorSpaceUtils.h"
+#include "host/pavix/ColorSpaceUtils.h"
 #include "tools/quillon/ExitCodes.h"
 
 using orvmediatypes::color::ColorDescription;

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/IL/Device.h"
+#include "host/ironlane/Device.h"
 #include "refhost/ironlane/BinaryCache.h"
 #include "refhost/ironlane/cuda/CudaContext.h"
 #include "refhost/ironlane/cuda/PtxText.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "host/IL/Device.h"
+#include "host/ironlane/Device.h"
 #include "refhost/ironlane/BinaryCache.h"
 #include "refhost/ironlane/GpuDevice.h"
 #include "refhost/ironlane/opencl/OpenCl.h"

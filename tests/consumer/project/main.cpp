@@ -6,8 +6,8 @@
 #include <cstdio>
 
 #include "engine/Quillon.h"
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "refhost/orvmediatypes/H273.h"
 
 using orvmediatypes::color::ColorDescription;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/CHR/Applicability.h"
+#include "host/chromant/Applicability.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tests/refhost/chromant/Samples.h"
 

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "curves/HalfFloat.h"
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "tests/refhost/chromant/Samples.h"
 
 using orvmediatypes::kLinearFloatBGRA;

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/chromant/PixelConverter.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tests/refhost/chromant/Samples.h"

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/CHR/Conversion.h"
-#include "host/IL/ColorConvertParams.h"
+#include "host/chromant/Conversion.h"
+#include "host/ironlane/ColorConvertParams.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tests/refhost/chromant/Samples.h"
 

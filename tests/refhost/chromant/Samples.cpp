@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 
 using orvmediatypes::color::ColorSpace;
 

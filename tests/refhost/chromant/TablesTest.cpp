@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "curves/Matrix3.h"
-#include "host/CHR/TransferFunctions.h"
+#include "host/chromant/TransferFunctions.h"
 #include "refhost/chromant/Primaries.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tests/refhost/chromant/Csv.h"

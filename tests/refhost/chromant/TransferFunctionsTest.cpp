@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "curves/SdrTransfer.h"
-#include "host/CHR/TransferFunctions.h"
+#include "host/chromant/TransferFunctions.h"
 #include "tests/refhost/chromant/Samples.h"
 
 using CHR::GetLinearToSignalTransferFn;

@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "host/CHR/Conversion.h"
-#include "host/KS/FrameInterfaces.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/chromant/Conversion.h"
+#include "host/kestrel/FrameInterfaces.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "tests/refhost/ThreadLimit.h"
 #include "tests/refhost/kestrel/Frames.h"
 

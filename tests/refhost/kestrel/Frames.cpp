@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 
 using orvmediatypes::color::ColorSpace;
 

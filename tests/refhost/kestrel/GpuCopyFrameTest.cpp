@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/ironlane/ResultCodes.h"
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/PixelFormats.h"

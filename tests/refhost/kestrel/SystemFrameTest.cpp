@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "refhost/kestrel/SystemFrame.h"
 #include "refhost/orvcore/RecyclerStatistics.h"
 #include "tests/refhost/kestrel/Frames.h"

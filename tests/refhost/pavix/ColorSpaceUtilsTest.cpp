@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/PX/ColorSpaceUtils.h"
-#include "host/PX/ColorSpaces.h"
+#include "host/pavix/ColorSpaceUtils.h"
+#include "host/pavix/ColorSpaces.h"
 #include "tests/refhost/Spaces.h"
 
 using orvmediatypes::color::ColorDescription;

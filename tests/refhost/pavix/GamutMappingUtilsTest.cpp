@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/PX/GamutMappingUtils.h"
+#include "host/pavix/GamutMappingUtils.h"
 
 using orvmediatypes::color::GamutCompressionAlgorithmType;
 using PX::GamutMappingUtils::GetGamutCompressionMethodName;

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/PX/ToneMappingUtils.h"
+#include "host/pavix/ToneMappingUtils.h"
 #include "tests/refhost/Spaces.h"
 
 using orvmediatypes::color::ColorSpace;

@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "tests/tools/cli/CurveTable.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tools/quillon/io/Still.h"

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tests/tools/cli/WellFormed.h"
 #include "tools/quillon/AlgorithmNames.h"

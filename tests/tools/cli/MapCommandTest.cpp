@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tools/quillon/io/Still.h"
 

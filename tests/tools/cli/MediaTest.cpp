@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tools/quillon/io/Still.h"
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <stdexcept>
 
-#include "host/KS/CreateFrames.h"
+#include "host/kestrel/CreateFrames.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "tools/quillon/io/FramePixels.h"
 #include "tools/quillon/io/WriteStill.h"

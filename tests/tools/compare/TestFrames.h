@@ -3,7 +3,7 @@
 #include <array>
 #include <functional>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// Red, green and blue.
 using Rgb = std::array<float, 3>;

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "tests/tools/io/StillTestSupport.h"
 #include "tools/quillon/io/FramePixels.h"

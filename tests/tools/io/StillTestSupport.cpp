@@ -6,8 +6,8 @@
 #include <limits>
 #include <stdexcept>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "tools/quillon/io/FramePixels.h"
 
 namespace fs = std::filesystem;

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tests/tools/ScratchFolder.h"
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/StillError.h"

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/video/ClipTags.h"
 
 /// A picture of a clip or of an image sequence.

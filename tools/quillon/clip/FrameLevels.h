@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// Light levels of one picture in nits, on the largest of R, G and B (CTA-861.3).
 struct FrameLevels {

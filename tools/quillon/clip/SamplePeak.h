@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 
 /// The largest light in nits in a few rows that are spread over a picture in system memory: what
 /// progress can show at little cost. Never above the picture's peak. Throws CommandError.

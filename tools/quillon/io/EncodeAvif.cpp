@@ -5,7 +5,7 @@
 
 #include <avif/avif.h>
 
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 #include "refhost/orvmediatypes/H273.h"

@@ -7,7 +7,7 @@
 #include <ImfOutputFile.h>
 #include <ImfStandardAttributes.h>
 
-#include "host/CHR/Conversion.h"
+#include "host/chromant/Conversion.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/io/ExrStreams.h"

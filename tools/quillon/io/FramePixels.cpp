@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameInterfaces.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameInterfaces.h"
 #include "tools/quillon/io/StillError.h"
 
 FramePixels PixelsOf(const PX::VideoFrameRef& frame) {

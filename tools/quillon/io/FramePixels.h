@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/io/StillSource.h"
 
 /// The pixels of an interleaved frame in system memory, valid while the frame lives.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/io/StillSource.h"
 
 enum class Mirror { None, LeftRight, TopBottom };

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/io/PixelLimit.h"
 
 /// Content light levels (CTA-861.3) in nits; 0: not given.

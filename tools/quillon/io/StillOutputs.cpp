@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "host/KS/CreateFrames.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/CreateFrames.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/io/ColorTags.h"
 #include "tools/quillon/io/StillError.h"

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <optional>
 
-#include "host/PX/IVideoFrame.h"
 #include "host/orvmediatypes/ColorManagementSettings.h"
+#include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/io/Still.h"
 
 /// A still picture to write.

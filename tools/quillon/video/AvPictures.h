@@ -3,7 +3,7 @@
 #include <memory>
 #include <optional>
 
-#include "host/PX/IVideoFrame.h"
+#include "host/pavix/IVideoFrame.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "tools/quillon/video/AvHandles.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "engine/Quillon.h"
-#include "host/KS/FrameManipulators.h"
+#include "host/kestrel/FrameManipulators.h"
 #include "refhost/ironlane/Devices.h"
 #include "refhost/ironlane/cuda/CudaDevice.h"
 #include "refhost/kestrel/PixelFormats.h"

@@ -3,8 +3,8 @@
 #include <string>
 #include <type_traits>
 
-#include "host/PX/ToneMappingUtils.h"
 #include "host/orvmediatypes/AlgorithmTypes.h"
+#include "host/pavix/ToneMappingUtils.h"
 
 namespace PX::GamutMappingUtils {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/PX/GamutMappingUtils.h"
+#include "host/pavix/GamutMappingUtils.h"
 
 namespace CHR {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "host/PX/IVideoFrame.h"
 #include "host/orvcore/Allocator.h"
+#include "host/pavix/IVideoFrame.h"
 
 namespace IL {
 class Device;
