@@ -1,6 +1,6 @@
-# What is installed: the engine, the reference host and the command line, with the CMake package
-# `Quillon` and the pkg-config file `quillon`. With another host, the engine alone. The tree may be
-# moved as a whole.
+# What is installed: the engine, the reference host, the mapper and the command line, with the CMake
+# package `Quillon` and the pkg-config files `quillon` and `quillon-mapper`. With another host, the
+# engine alone. The tree may be moved as a whole.
 
 include(CMakePackageConfigHelpers)
 
@@ -44,6 +44,13 @@ if(NOT QUILLON_HOST_DIR)
   endforeach()
 endif()
 
+if(TARGET quillonmapper)
+  list(APPEND libraries quillonmapper)
+  foreach(header Colors Device Frames Mapping Picture Plan Result)
+    install(FILES mapper/${header}.h DESTINATION ${QUILLON_HEADER_DIR}/mapper)
+  endforeach()
+endif()
+
 set_target_properties(quillon_host_headers PROPERTIES EXPORT_NAME HostHeaders)
 set_target_properties(${libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS quillon_host_headers ${libraries} EXPORT QuillonTargets
@@ -83,6 +90,12 @@ install(FILES
 file(RELATIVE_PATH QUILLON_PC_PREFIX
   ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" QUILLON_PC_PREFIX ${QUILLON_PC_PREFIX})
-configure_file(cmake/quillon.pc.in ${PROJECT_BINARY_DIR}/cmake/quillon.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/cmake/quillon.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(pkg_config_files quillon)
+if(TARGET quillonmapper)
+  list(APPEND pkg_config_files quillon-mapper)
+endif()
+foreach(file IN LISTS pkg_config_files)
+  configure_file(cmake/${file}.pc.in ${PROJECT_BINARY_DIR}/cmake/${file}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/cmake/${file}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "refhost/ironlane/GpuDevice.h"
@@ -10,6 +12,15 @@ namespace IL {
 
 /// The name of a device, "opencl:0" for example.
 std::string DeviceName(std::int32_t platformKind, std::int32_t ordinal);
+
+/// Which device such a name names.
+struct DeviceKey {
+  std::int32_t platformKind = 0;
+  std::int32_t ordinal = 0;
+};
+/// Nothing for a text that `DeviceName` never gives. Whether there is such a device it does not
+/// say.
+std::optional<DeviceKey> ParseDeviceName(std::string_view name);
 
 /// All devices, those of CUDA first. Those that cannot run kernels are among them and say why.
 std::vector<DeviceInfo> ListDevices();

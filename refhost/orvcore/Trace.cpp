@@ -1,14 +1,49 @@
+#include <algorithm>
 #include <atomic>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <shared_mutex>
 #include <utility>
+#include <vector>
 
 #include "host/orvcore/Debug.h"
 #include "refhost/orvcore/TraceSettings.h"
 
 namespace orvcore::debug {
+
+/// Those that live.
+class TraceListeners {
+ public:
+  void Add(const TraceListener& listener) {
+    const std::lock_guard lock(mutex_);
+    listeners_.push_back(&listener);
+  }
+  void Remove(const TraceListener& listener) {
+    const std::lock_guard lock(mutex_);
+    std::erase(listeners_, &listener);
+  }
+  bool AnyHears(int level) const {
+    const std::shared_lock lock(mutex_);
+    return std::any_of(listeners_.begin(), listeners_.end(),
+                       [level](const auto* listener) { return level <= listener->level_; });
+  }
+  void Tell(int level, std::string_view text) const {
+    const std::shared_lock lock(mutex_);
+    for (const TraceListener* listener : listeners_) {
+      if (level > listener->level_) continue;
+      try {
+        listener->hear_(text);
+      } catch (...) {  // NOLINT(bugprone-empty-catch): tracing never changes a result
+      }
+    }
+  }
+
+ private:
+  mutable std::shared_mutex mutex_;
+  std::vector<const TraceListener*> listeners_;
+};
 
 namespace {
 
@@ -22,6 +57,7 @@ struct Settings {
   std::map<std::string, int, std::less<>> categoryLevels;
   std::shared_ptr<const TraceSink> sink = std::make_shared<TraceSink>(WriteToStandardError);
   std::atomic<std::int32_t> changeCount{1};
+  TraceListeners listeners;
 };
 
 /// Never destroyed: messages may come while the process ends.
@@ -60,9 +96,22 @@ void ClearCategoryTraceLevels() {
   Change([](Settings& settings) { settings.categoryLevels.clear(); });
 }
 
-std::int32_t TraceChangeCount() { return TheSettings().changeCount.load(); }
+TraceListener::TraceListener(int level, std::function<void(std::string_view text)> hear)
+    : level_(level), hear_(std::move(hear)) {
+  Settings& settings = TheSettings();
+  settings.listeners.Add(*this);
+  settings.changeCount.fetch_add(1);
+}
 
-bool TraceEnabled(std::string_view category, int level, bool includeParents) {
+TraceListener::~TraceListener() {
+  Settings& settings = TheSettings();
+  settings.listeners.Remove(*this);
+  settings.changeCount.fetch_add(1);
+}
+
+namespace {
+
+bool SinkTakes(std::string_view category, int level, bool includeParents) {
   Settings& settings = TheSettings();
   const std::lock_guard lock(settings.mutex);
   const auto own = settings.categoryLevels.find(category);
@@ -70,8 +119,17 @@ bool TraceEnabled(std::string_view category, int level, bool includeParents) {
   return includeParents && level <= settings.level;
 }
 
+}  // namespace
+
+std::int32_t TraceChangeCount() { return TheSettings().changeCount.load(); }
+
+bool TraceEnabled(std::string_view category, int level, bool includeParents) {
+  return TheSettings().listeners.AnyHears(level) || SinkTakes(category, level, includeParents);
+}
+
 void Trace(int level, std::string_view category, std::string_view message) {
-  if (!TraceEnabled(category, level, true)) return;
+  TheSettings().listeners.Tell(level, message);
+  if (!SinkTakes(category, level, true)) return;
   std::shared_ptr<const TraceSink> sink;
   {
     Settings& settings = TheSettings();

@@ -23,4 +23,21 @@ void SetTraceLevel(std::string_view category, int level);
 /// Takes the levels of single categories back. Any thread.
 void ClearCategoryTraceLevels();
 
+/// Hears the messages up to a level of its own while it lives, of every category, beside the sink.
+/// The function is called on the thread that traces, by several at once; it may not trace, and what
+/// it throws is dropped. When the destructor returns, no call into it is running: it waits for
+/// those of other threads. Any thread.
+class TraceListener {
+ public:
+  TraceListener(int level, std::function<void(std::string_view text)> hear);
+  ~TraceListener();
+  TraceListener(const TraceListener&) = delete;
+  TraceListener& operator=(const TraceListener&) = delete;
+
+ private:
+  int level_;
+  std::function<void(std::string_view)> hear_;
+  friend class TraceListeners;
+};
+
 }  // namespace orvcore::debug

@@ -1,13 +1,14 @@
-# Compiles the consumer together with every installed header by what pkg-config says, and runs it.
+# Compiles a consumer, in the folder PROGRAM, together with every installed header by what pkg-config
+# says of PACKAGE, and runs it.
 set(ENV{PKG_CONFIG_PATH} ${INSTALLED}/${LIB_DIR}/pkgconfig)
 execute_process(
-  COMMAND ${PKG_CONFIG} --cflags --libs quillon
+  COMMAND ${PKG_CONFIG} --cflags --libs ${PACKAGE}
   OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 separate_arguments(flags UNIX_COMMAND "${flags}")
-set(program ${WORK_DIR}/pkgconfig-consumer)
+set(program ${WORK_DIR}/pkgconfig-${PROGRAM})
 if(WINDOWS)
   # Programs look for libraries beside them.
-  set(program ${INSTALLED}/${BIN_DIR}/pkgconfig-consumer.exe)
+  set(program ${INSTALLED}/${BIN_DIR}/pkgconfig-${PROGRAM}.exe)
   set(flags -static -Wl,-Bdynamic ${flags} -Wl,-Bstatic)
 endif()
 if(SANITIZE)
@@ -21,11 +22,11 @@ if(NOT headers)
 endif()
 list(TRANSFORM headers REPLACE "(.+)" "#include \"\\1\"\n")
 list(JOIN headers "" text)
-file(WRITE ${WORK_DIR}/all_headers.cpp "${text}")
+file(WRITE ${WORK_DIR}/all_headers_${PROGRAM}.cpp "${text}")
 
 execute_process(
   COMMAND ${CXX} -std=c++20 -Wall -Wextra -Wpedantic -Werror
-    ${PROJECT_DIR}/main.cpp ${WORK_DIR}/all_headers.cpp ${flags} -o ${program}
+    ${CONSUMERS}/${PROGRAM}/main.cpp ${WORK_DIR}/all_headers_${PROGRAM}.cpp ${flags} -o ${program}
   COMMAND_ERROR_IS_FATAL ANY)
 set(ENV{LD_LIBRARY_PATH} ${INSTALLED}/${LIB_DIR})
 execute_process(COMMAND ${EMULATOR} ${program} COMMAND_ERROR_IS_FATAL ANY)

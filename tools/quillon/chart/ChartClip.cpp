@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/chart/ChartScene.h"
 #include "tools/quillon/clip/ClipSink.h"
 #include "tools/quillon/io/OutputLock.h"
 #include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/picture/Frames.h"
 #include "tools/quillon/picture/LightLevels.h"
 #include "tools/quillon/process/ExitCodes.h"

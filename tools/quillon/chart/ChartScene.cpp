@@ -7,7 +7,7 @@
 
 #include "host/chromant/TransferFunctions.h"
 #include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/picture/Frames.h"
 
 using orvmediatypes::color::ColorDescription;

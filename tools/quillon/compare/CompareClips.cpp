@@ -8,12 +8,12 @@
 #include <optional>
 #include <string>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/Progress.h"
 #include "tools/quillon/compare/CompareJson.h"
 #include "tools/quillon/compare/CompareOutputs.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 
@@ -37,8 +37,7 @@ class ComparedClip {
       RequireWhole(file_.path, source_->Damage());
       return std::nullopt;
     }
-    const auto tagged = TaggedSource(picture->tags.colors, file_.source);
-    RequireTags(file_.path, tagged, suffix_);
+    const auto tagged = TaggedColors(file_.path, picture->tags.colors, file_.source, suffix_);
     picture->frame->SetColorSpace(ColorSpace(tagged));
     colors_ = tagged;
     return picture;

@@ -2,7 +2,6 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/SameFiles.h"
@@ -13,6 +12,7 @@
 #include "tools/quillon/compare/CompareOutputs.h"
 #include "tools/quillon/compare/CompareTable.h"
 #include "tools/quillon/io/Still.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/SharedOptions.h"
 
 using orvmediatypes::color::ColorSpace;
@@ -23,8 +23,8 @@ namespace {
 Still ReadCompared(const ComparedFile& file, const std::string& optionSuffix,
                    std::int64_t maxPixels) {
   Still still = ReadStill(file.path, maxPixels);
-  const auto tagged = TaggedSource(still.frame->GetColorSpace().Description(), file.source);
-  RequireTags(file.path, tagged, optionSuffix);
+  const auto tagged = TaggedColors(file.path, still.frame->GetColorSpace().Description(),
+                                   file.source, optionSuffix);
   still.frame->SetColorSpace(ColorSpace(tagged));
   return still;
 }
@@ -124,9 +124,9 @@ void AddOptions(CLI::App& compare, CompareOptions& options) {
             "Gamut that colours are counted as out of (bt2020 when not given)");
   AddWhiteOption(compare, options.settings.white,
                  "Luminance of graphics white in nits: 1.0 of SDR and of scene-linear pictures");
-  AddSourceOptions(compare, options.a.source.colors, options.a.source.tellsMatrix, "-a",
+  AddSourceOptions(compare, options.a.source, "-a",
                    "Colour space of A, in place of what its tags say");
-  AddSourceOptions(compare, options.b.source.colors, options.b.source.tellsMatrix, "-b",
+  AddSourceOptions(compare, options.b.source, "-b",
                    "Colour space of B, in place of what its tags say");
   AddMaxPixelsOption(compare, options.maxPixels);
   AddOutputOptions(compare, options.overwrite, options.quiet);

@@ -1,6 +1,6 @@
 #include "tools/quillon/compare/CompareJson.h"
 
-#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 
 using nlohmann::ordered_json;
 

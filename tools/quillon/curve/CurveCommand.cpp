@@ -3,21 +3,21 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/curve/CurveOptions.h"
 #include "tools/quillon/curve/CurveOutputs.h"
 #include "tools/quillon/curve/CurveRun.h"
 #include "tools/quillon/options/AlgorithmNames.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/SharedOptions.h"
 
-using orvmediatypes::color::ToneMapAlgorithmType;
+using Quillon::Mapper::Algorithm;
 
 namespace {
 
 constexpr double kDefaultPeakNits = 1000.0;
 
-void AddAlgorithm(CurveOptions& options, ToneMapAlgorithmType algorithm) {
+void AddAlgorithm(CurveOptions& options, Algorithm algorithm) {
   auto& all = options.algorithms;
   if (std::find(all.begin(), all.end(), algorithm) == all.end()) all.push_back(algorithm);
 }
@@ -35,16 +35,17 @@ void AddOptions(CLI::App& curve, CurveOptions& options) {
           "Tone-map algorithm to plot; may be given several times (all when not given)")
       ->allow_extra_args(false)
       ->type_name(ChoiceNames(kAlgorithms));
-  AddPeakNumberOption(curve, options.map, "Peak of the source in nits (1000 when not given)");
-  AddTargetOptions(curve, options.map);
-  AddColorSpaceOptions(curve, options.map,
+  AddPeakNumberOption(curve, options.mapping.peak,
+                      "Peak of the source in nits (1000 when not given)");
+  AddTargetOptions(curve, options.mapping);
+  AddColorSpaceOptions(curve, options.mapping,
                        "Colour space that the source is in (scene-linear light when not given)");
-  AddDialOptions(curve, options.map);
+  AddDialOptions(curve, options.mapping);
   curve.add_flag("--hue", options.hue,
                  "Add saturated colours, brightening past the source peak: a strip for each "
                  "algorithm in a plot, columns in CSV");
-  AddDeviceOption(curve, options.map);
-  AddOutputOptions(curve, options.map);
+  AddDeviceOption(curve, options.mapping.device);
+  AddOutputOptions(curve, options.overwrite, options.quiet);
 }
 
 void Summarise(std::ostream& out, const CurveOptions& options, const CurveData& data) {
@@ -61,21 +62,18 @@ void RunCurve(CurveOptions options) {
     for (const auto& choice : kAlgorithms) options.algorithms.push_back(choice.value);
   }
   CheckCurveOptions(options);
-  if (options.map.peakSource == PeakSource::Default) {
-    options.map.peakSource = PeakSource::Number;
-    options.map.peakNits = kDefaultPeakNits;
-  }
+  PeakOptions& peak = options.mapping.peak;
+  if (peak.from == PeakSource::Default) peak = {PeakSource::Number, kDefaultPeakNits};
   const CurveData data = RunCurves(options, std::cerr);
-  WriteCurves(options.outputs, data, options.map.overwrite);
-  if (!options.map.quiet) Summarise(std::cout, options, data);
+  WriteCurves(options.outputs, data, options.overwrite);
+  if (!options.quiet) Summarise(std::cout, options, data);
 }
 
 }  // namespace
 
 Subcommand AddCurveCommand(CLI::App& app) {
   const auto options = std::make_shared<CurveOptions>();
-  options->map.destination = ColorSpaceOfName("srgb");
-  options->map.input = "the ramp";  // what messages call it
+  options->mapping.target.colors = ColorSpaceOfName("srgb");
 
   CLI::App& curve = *app.add_subcommand(
       "curve", "Plot how the tone-map algorithms map a grey ramp, in nits and in PQ code values");

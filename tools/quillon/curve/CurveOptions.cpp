@@ -6,7 +6,7 @@
 #include "tools/quillon/curve/CurveOutputs.h"
 #include "tools/quillon/process/ExitCodes.h"
 
-using orvmediatypes::color::ToneMapAlgorithmType;
+using Quillon::Mapper::Algorithm;
 
 namespace {
 
@@ -14,9 +14,9 @@ namespace {
 /// all that others do.
 void CheckEffects(const CurveOptions& options) {
   std::exception_ptr refusal;
-  for (const ToneMapAlgorithmType algorithm : options.algorithms) {
+  for (const Algorithm algorithm : options.algorithms) {
     try {
-      CheckMapOptions(MapOptionsFor(options, algorithm));
+      CheckMappingOptions(MappingFor(options, algorithm));
       return;
     } catch (const CommandError&) {
       if (!refusal) refusal = std::current_exception();
@@ -27,10 +27,10 @@ void CheckEffects(const CurveOptions& options) {
 
 }  // namespace
 
-MapOptions MapOptionsFor(const CurveOptions& options, ToneMapAlgorithmType algorithm) {
-  MapOptions map = options.map;
-  map.algorithm = algorithm;
-  return map;
+MappingOptions MappingFor(const CurveOptions& options, Algorithm algorithm) {
+  MappingOptions mapping = options.mapping;
+  mapping.settings.algorithm = algorithm;
+  return mapping;
 }
 
 void CheckCurveOptions(const CurveOptions& options) {
@@ -39,6 +39,6 @@ void CheckCurveOptions(const CurveOptions& options) {
     if (std::find(options.outputs.begin(), output, *output) != output) {
       throw CommandError(ExitCode::Usage, output->string() + " is named twice; name it once");
     }
-    CheckCurveTarget(*output, options.map.overwrite);
+    CheckCurveTarget(*output, options.overwrite);
   }
 }

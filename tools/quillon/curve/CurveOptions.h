@@ -3,24 +3,25 @@
 #include <filesystem>
 #include <vector>
 
-#include "tools/quillon/map/MapOptions.h"
+#include "tools/quillon/options/MappingOptions.h"
 
 /// What `quillon curve` was asked for.
 struct CurveOptions {
   std::vector<std::filesystem::path> outputs;
   /// In the order asked for, without repetition.
-  std::vector<orvmediatypes::color::ToneMapAlgorithmType> algorithms;
+  std::vector<Quillon::Mapper::Algorithm> algorithms;
   /// Plot and list saturated colours too.
   bool hue = false;
-  /// How `quillon map` would be asked to map the ramp; its algorithm and its files do not count.
-  MapOptions map;
+  /// How `quillon map` would be asked to map the ramp; its algorithm does not count.
+  MappingOptions mapping;
+  bool overwrite = false;
+  bool quiet = false;
 };
 
-/// The options of `map` for one of the algorithms.
-MapOptions MapOptionsFor(const CurveOptions& options,
-                         orvmediatypes::color::ToneMapAlgorithmType algorithm);
+/// The options for one of the algorithms.
+MappingOptions MappingFor(const CurveOptions& options, Quillon::Mapper::Algorithm algorithm);
 
-/// Refuses what none of the algorithms could follow, as `CheckMapOptions` does, and outputs that
-/// cannot be: two under one name, an unknown extension, something that stands there. Throws
+/// Refuses what none of the algorithms could follow, as `CheckMappingOptions` does, and outputs
+/// that cannot be: two under one name, an unknown extension, something that stands there. Throws
 /// CommandError or StillError.
 void CheckCurveOptions(const CurveOptions& options);

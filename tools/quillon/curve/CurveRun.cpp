@@ -4,41 +4,39 @@
 #include <optional>
 #include <sstream>
 
-#include "tools/quillon/ApplyPlan.h"
-#include "tools/quillon/ColorSpaceNames.h"
-#include "tools/quillon/MapPlan.h"
-#include "tools/quillon/ResolvedToneMap.h"
 #include "tools/quillon/curve/GreyRamp.h"
 #include "tools/quillon/curve/HueStrip.h"
-#include "tools/quillon/map/Explain.h"
 #include "tools/quillon/options/AlgorithmNames.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Explain.h"
 #include "tools/quillon/picture/Frames.h"
+#include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 using orvmediatypes::color::ColorSpace;
-using orvmediatypes::color::ToneMapAlgorithmType;
+using Quillon::Mapper::Algorithm;
+using Quillon::Mapper::Decisions;
 
 namespace {
 
+constexpr const char* kRamp = "the ramp";  // what messages call it
+
 /// The pictures to map: in linear light, or in the colour space of `--from`.
 struct Pictures {
-  Still ramp;
-  std::optional<Still> hues;
+  PX::VideoFrameRef ramp;
+  std::optional<PX::VideoFrameRef> hues;
 };
 
-Still AsSource(const PX::VideoFrameRef& frame, const MapOptions& options) {
-  Still still;
-  still.frame = frame;
-  if (options.source.has_value()) {
-    still.frame = ConvertToFloat(frame, ColorSpace(*options.source), options.white);
-  }
-  return still;
+PX::VideoFrameRef AsSource(const PX::VideoFrameRef& frame, const MappingOptions& options) {
+  if (!options.source.colors.has_value()) return frame;
+  return ConvertToFloat(frame, ColorSpace(*options.source.colors), options.settings.white);
 }
 
 Pictures RenderPictures(const CurveOptions& options, const std::vector<float>& nits) {
   Pictures pictures;
-  pictures.ramp = AsSource(RenderGreyRamp(nits, options.map.white), options.map);
-  if (options.hue) pictures.hues = AsSource(RenderHues(nits, options.map.white), options.map);
+  const int white = options.mapping.settings.white;
+  pictures.ramp = AsSource(RenderGreyRamp(nits, white), options.mapping);
+  if (options.hue) pictures.hues = AsSource(RenderHues(nits, white), options.mapping);
   return pictures;
 }
 
@@ -53,21 +51,20 @@ double Interpolate(const std::vector<float>& source, const std::vector<double>& 
   return result[i - 1] + share * (result[i] - result[i - 1]);
 }
 
-void ReadToneMap(const MapPlan& plan, const std::vector<float>& nits, AlgorithmCurve& curve) {
-  if (!plan.toneMapApplies) return;
-  const ResolvedToneMap toneMap = ResolveToneMap(plan);
-  if (toneMap.settings.algorithmType != plan.settings.toneMapSettings.algorithmType) {
-    curve.resolved = AlgorithmName(toneMap.settings.algorithmType);
-  }
-  if (const auto knee = KneeNits(toneMap, plan.white)) {
-    const double source = *knee / toneMap.settings.controls.peakGain;
+void ReadToneMap(const Decisions& decisions, const std::vector<float>& nits,
+                 AlgorithmCurve& curve) {
+  if (!decisions.toneMap) return;
+  const auto& toneMap = *decisions.toneMap;
+  if (toneMap.chosenAutomatically) curve.resolved = AlgorithmName(toneMap.algorithm);
+  if (toneMap.kneeNits) {
+    const double source = *toneMap.kneeNits / toneMap.gain;
     curve.knee = CurveKnee{source, Interpolate(nits, curve.resultNits, source)};
   }
 }
 
-PX::VideoFrameRef ApplyOrSayWhatElse(const MapPlan& plan, const std::string& algorithm) {
+PX::VideoFrameRef MapOrSayWhatElse(const PlannedPicture& picture, const std::string& algorithm) {
   try {
-    return ApplyPlan(plan, "the ramp by --algorithm " + algorithm);
+    return MapPicture(picture, "the ramp by --algorithm " + algorithm);
   } catch (const CommandError& error) {
     throw CommandError(error.Code(), std::string(error.what()) +
                                          "; choose other peaks, or name each of the other "
@@ -75,56 +72,61 @@ PX::VideoFrameRef ApplyOrSayWhatElse(const MapPlan& plan, const std::string& alg
   }
 }
 
-AlgorithmCurve RunCurve(const MapOptions& options, const MapPlan& plan, const Pictures& pictures,
+AlgorithmCurve RunCurve(const MappingOptions& options, const PlannedPicture& ramp,
+                        const Decisions& decisions, const Pictures& pictures,
                         const std::vector<float>& nits) {
   constexpr int kGreen = 1;  // in grey the components are equal
+  const int white = options.settings.white;
   AlgorithmCurve curve;
-  curve.name = AlgorithmName(options.algorithm);
-  curve.resultNits = ComponentNits(ApplyOrSayWhatElse(plan, curve.name), kGreen, options.white);
-  ReadToneMap(plan, nits, curve);
+  curve.name = AlgorithmName(options.settings.algorithm);
+  curve.resultNits = ComponentNits(MapOrSayWhatElse(ramp, curve.name), kGreen, white);
+  ReadToneMap(decisions, nits, curve);
   if (pictures.hues.has_value()) {
-    curve.hues = ReadMappedHues(ApplyOrSayWhatElse(PlanMap(options, *pictures.hues), curve.name),
-                                plan.destinationPeakNits, options.white);
+    const PlannedPicture hues = PlanPicture(options, kRamp, *pictures.hues);
+    curve.hues =
+        ReadMappedHues(MapOrSayWhatElse(hues, curve.name), decisions.destinationPeakNits, white);
   }
   std::ostringstream explanation;
-  ExplainPlan(explanation, plan);
+  Explain(explanation, decisions);
   curve.explanation = explanation.str();
   return curve;
 }
 
 /// What all the plans agree on.
-void Describe(const MapOptions& options, const MapPlan& plan, CurveData& data) {
-  const auto& settings = plan.settings.toneMapSettings;
-  data.whiteNits = plan.white;
-  data.sourcePeakNits = plan.sourcePeakNits;
-  data.targetPeakNits = plan.destinationPeakNits;
-  data.source = DescribeColorSpace(plan.taggedSource);
-  data.destination = DescribeColorSpace(options.destination);
-  data.gain = settings.controls.peakGain;
-  data.colorPreservation = settings.controls.colorPreservation;
+void Describe(const MappingOptions& options, const Decisions& decisions, CurveData& data) {
+  const Quillon::Mapper::Settings& settings = options.settings;
+  data.whiteNits = settings.white;
+  data.sourcePeakNits = decisions.sourcePeak.nits;
+  data.targetPeakNits = decisions.destinationPeakNits;
+  data.source = DescribeColorSpace(decisions.source);
+  data.destination = DescribeColorSpace(options.target.colors);
+  data.gain = settings.gain.value_or(1.0F);
+  data.colorPreservation = settings.colorPreservation.value_or(0.5F);
 }
 
 }  // namespace
 
 CurveData RunCurves(const CurveOptions& options, std::ostream& notes) {
   CurveData data;
-  data.sourceNits = RampLuminances({options.map.peakNits, static_cast<double>(options.map.white)});
+  data.sourceNits = RampLuminances(
+      {options.mapping.peak.nits, static_cast<double>(options.mapping.settings.white)});
   if (options.hue) data.hueNames = HueNames();
   const Pictures pictures = RenderPictures(options, data.sourceNits);
   // Held here so that all plans find it ready.
-  const auto device = OpenChosenDevice(options.map.device);
+  const auto device = RequireDevice(options.mapping.device);
 
   bool asked = false;
   bool applies = false;
-  for (const ToneMapAlgorithmType algorithm : options.algorithms) {
-    const MapOptions map = MapOptionsFor(options, algorithm);
-    const MapPlan plan = PlanMap(map, pictures.ramp);
-    data.curves.push_back(RunCurve(map, plan, pictures, data.sourceNits));
-    Describe(map, plan, data);
-    asked = asked || algorithm != ToneMapAlgorithmType::None;
-    applies = applies || plan.toneMapApplies;
+  for (const Algorithm algorithm : options.algorithms) {
+    const MappingOptions mapping = MappingFor(options, algorithm);
+    const PlannedPicture ramp = PlanPicture(mapping, kRamp, pictures.ramp);
+    const Decisions decisions = ramp.plan.Decide();
+    data.curves.push_back(RunCurve(mapping, ramp, decisions, pictures, data.sourceNits));
+    Describe(mapping, decisions, data);
+    asked = asked || algorithm != Algorithm::None;
+    applies = applies || decisions.toneMap.has_value();
   }
-  if (asked && !applies && !options.map.quiet) {
+  if (asked && !applies && !options.quiet) {
     notes << "note: the source peak (" << data.sourcePeakNits
           << " nits), with its gain, is not above the destination's (" << data.targetPeakNits
           << " nits): nothing is tone mapped, and all curves are the identity\n";

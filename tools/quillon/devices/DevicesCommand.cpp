@@ -7,10 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "mapper/EngineMessages.h"
 #include "refhost/ironlane/Devices.h"
 #include "tools/quillon/Commands.h"
-#include "tools/quillon/DeviceChoice.h"
-#include "tools/quillon/EngineMessages.h"
 
 namespace {
 
@@ -23,7 +22,7 @@ std::string Memory(std::uint64_t bytes) {
 /// Whether the kernels build there, found out by building them.
 std::string Kernels(const IL::DeviceInfo& info) {
   if (!info.obstacle.empty()) return "no: " + info.obstacle;
-  const EngineMessages messages;
+  const Quillon::Mapper::EngineMessages messages;
   const auto device = IL::OpenDevice(info.platformKind, info.ordinal);
   if (device == nullptr || !IL::BuildsKernels(*device)) return "do not build: " + messages.Joined();
   return info.isExact ? "build, exact" : "build; the last bits may differ from the processor's";
@@ -34,8 +33,8 @@ using Row = std::array<std::string, 6>;
 std::vector<Row> Rows() {
   std::vector<Row> rows = {{"device", "name", "platform", "driver", "memory", "kernels"}};
   for (const IL::DeviceInfo& info : IL::ListDevices()) {
-    rows.push_back({DeviceName(info), info.name, info.platform, info.driver,
-                    Memory(info.memoryBytes), Kernels(info)});
+    rows.push_back({IL::DeviceName(info.platformKind, info.ordinal), info.name, info.platform,
+                    info.driver, Memory(info.memoryBytes), Kernels(info)});
   }
   return rows;
 }

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <vector>
 
-#include "tools/quillon/MapPlan.h"
 #include "tools/quillon/clip/PictureSource.h"
+#include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/picture/PictureForEye.h"
 #include "tools/quillon/plot/CurveStyle.h"
 
@@ -80,11 +80,11 @@ struct SheetPicture {
   Picture picture;
 };
 
-std::vector<SheetPicture> CollectPictures(const MapOptions& options, double peakNits) {
-  const std::int64_t count = CountPictures(options.input, options.maxPixels);
+std::vector<SheetPicture> CollectPictures(const SheetSource& sheet, double peakNits) {
+  const std::int64_t count = CountPictures(sheet.input, sheet.maxPixels);
   const std::int64_t wanted = std::min(kPictures, count);
   const auto source =
-      OpenPictures(options.input, {24, 1}, nullptr, 0, DamagePolicy::Stop, options.maxPixels);
+      OpenPictures(sheet.input, {24, 1}, nullptr, 0, DamagePolicy::Stop, sheet.maxPixels);
   std::vector<SheetPicture> pictures;
   while (const auto next = source->Next()) {
     // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
@@ -92,20 +92,21 @@ std::vector<SheetPicture> CollectPictures(const MapOptions& options, double peak
     const auto taken = static_cast<std::int64_t>(pictures.size());
     if (taken == wanted) break;
     if (picture.number < (2 * taken + 1) * count / (2 * wanted)) continue;
-    picture.frame->SetColorSpace(ColorSpace(TaggedColors(options, picture.tags.colors)));
-    pictures.push_back({picture.number, Small(PictureForEye(picture.frame, peakNits, options.white,
-                                                            options.input.string()))});
+    picture.frame->SetColorSpace(
+        ColorSpace(TaggedColors(sheet.input, picture.tags.colors, sheet.colors)));
+    pictures.push_back({picture.number, Small(PictureForEye(picture.frame, peakNits, sheet.white,
+                                                            sheet.input.string()))});
   }
-  RequireWhole(options.input, source->Damage());
+  RequireWhole(sheet.input, source->Damage());
   return pictures;
 }
 
 }  // namespace
 
-Scene MakeContactSheet(const MapOptions& options, double peakNits) {
-  std::vector<SheetPicture> pictures = CollectPictures(options, peakNits);
+Scene MakeContactSheet(const SheetSource& source, double peakNits) {
+  std::vector<SheetPicture> pictures = CollectPictures(source, peakNits);
   Scene sheet;
-  sheet.title = options.input.filename().string();
+  sheet.title = source.input.filename().string();
   int cellHeight = 0;
   for (const auto& [number, picture] : pictures) {
     cellHeight = std::max(cellHeight, picture.height + kCaption);

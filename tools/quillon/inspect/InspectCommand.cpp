@@ -3,9 +3,7 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
-#include "tools/quillon/MapPlan.h"
 #include "tools/quillon/clip/MeasureClip.h"
 #include "tools/quillon/clip/SameFiles.h"
 #include "tools/quillon/inspect/ContactSheet.h"
@@ -13,9 +11,11 @@
 #include "tools/quillon/inspect/LevelsScene.h"
 #include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/io/WriteStill.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/SharedOptions.h"
 #include "tools/quillon/picture/BitmapFrame.h"
 #include "tools/quillon/picture/Frames.h"
+#include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/plot/DrawScene.h"
 #include "tools/quillon/process/ExitCodes.h"
 
@@ -24,7 +24,12 @@ namespace fs = std::filesystem;
 namespace {
 
 struct InspectOptions {
-  MapOptions map;  ///< input, colours, white, quiet, overwrite
+  fs::path input;
+  SourceOverride source;
+  int white = 203;
+  std::int64_t maxPixels = kDefaultMaxPixels;
+  bool overwrite = false;
+  bool quiet = false;
   bool measure = false;
   fs::path json;
   fs::path plot;
@@ -62,7 +67,7 @@ std::vector<fs::path> Written(const InspectOptions& options) {
 
 void CheckEffects(const InspectOptions& options) {
   std::vector<fs::path> files = Written(options);
-  Refuse(options.map.overwrite && files.empty(),
+  Refuse(options.overwrite && files.empty(),
          "--overwrite has no effect where no file is written; leave it out");
   std::sort(files.begin(), files.end());
   Refuse(std::adjacent_find(files.begin(), files.end()) != files.end(),
@@ -71,11 +76,11 @@ void CheckEffects(const InspectOptions& options) {
 
 void CheckTargets(const InspectOptions& options) {
   for (const auto& output : {options.plot, options.sheet, options.json}) {
-    if (output != "-") RequireOtherFile(output, options.map.input);
+    if (output != "-") RequireOtherFile(output, options.input);
   }
-  CheckDrawing(options.plot, true, options.map.overwrite);
-  CheckDrawing(options.sheet, false, options.map.overwrite);
-  if (WritesJson(options)) CheckTargetFile(options.json, options.map.overwrite);
+  CheckDrawing(options.plot, true, options.overwrite);
+  CheckDrawing(options.sheet, false, options.overwrite);
+  if (WritesJson(options)) CheckTargetFile(options.json, options.overwrite);
 }
 
 void WriteText(const fs::path& path, const std::string& text, bool overwrite) {
@@ -92,12 +97,14 @@ void WriteDrawing(const Scene& scene, const fs::path& path, bool overwrite) {
 }
 
 /// The peak that `quillon map` would take of itself.
-std::optional<SourcePeak> PeakOf(const InspectOptions& options, const Inspection& inspection) {
+std::optional<Quillon::Mapper::SourcePeak> PeakOf(const InspectOptions& options,
+                                                  const Inspection& inspection) {
   const ClipTags& tags = inspection.info.tags;
   try {
-    const auto colors = TaggedColors(options.map, tags.colors);
+    const Quillon::Mapper::Source source{TaggedColors(options.input, tags.colors, options.source),
+                                         tags.light};
     const auto steady = [&] { return inspection.levels ? inspection.levels->SteadyPeak() : 0.0; };
-    const SourcePeak peak = ChooseSourcePeak(options.map, colors, tags.light, steady);
+    const auto peak = ChooseSourcePeak({}, options.input, source, options.white, steady);
     return peak.nits > 0.0 ? std::optional(peak) : std::nullopt;
   } catch (const CommandError&) {
     return std::nullopt;  // the tags do not tell the colours, which a warning says
@@ -106,22 +113,22 @@ std::optional<SourcePeak> PeakOf(const InspectOptions& options, const Inspection
 
 ClipLevels Measure(const InspectOptions& options) {
   MeasureRequest request;
-  request.clip = options.map.input;
-  request.white = options.map.white;
-  request.maxPixels = options.map.maxPixels;
-  request.progress = options.map.quiet ? ProgressStyle::None : ProgressStyle::Auto;
+  request.clip = options.input;
+  request.white = options.white;
+  request.maxPixels = options.maxPixels;
+  request.progress = options.quiet ? ProgressStyle::None : ProgressStyle::Auto;
   request.colorsOf = [&options](const ClipTags& tags) {
-    return TaggedColors(options.map, tags.colors);
+    return TaggedColors(options.input, tags.colors, options.source);
   };
   return LevelsOfClip(request, std::cerr);
 }
 
 Inspection Inspect(const InspectOptions& options) {
   Inspection inspection;
-  inspection.path = options.map.input;
-  inspection.info = OpenPictures(options.map.input, {24, 1}, nullptr, 0, DamagePolicy::Stop,
-                                 options.map.maxPixels)
-                        ->Info();
+  inspection.path = options.input;
+  inspection.info =
+      OpenPictures(options.input, {24, 1}, nullptr, 0, DamagePolicy::Stop, options.maxPixels)
+          ->Info();
   if (options.measure) {
     inspection.levels = Measure(options);
     inspection.scenes = FindScenes(inspection.levels->frames, kShortestScene);
@@ -134,25 +141,26 @@ Inspection Inspect(const InspectOptions& options) {
 void RunInspect(InspectOptions options) {
   CheckEffects(options);
   options.measure = options.measure || !options.plot.empty();
-  RequireInput(options.map.input, options.map.maxPixels);
+  RequireInput(options.input, options.maxPixels);
   CheckTargets(options);
   const Inspection inspection = Inspect(options);
   if (!options.plot.empty() && inspection.levels) {
-    WriteDrawing(MakeLevelsScene(inspection, *inspection.levels), options.plot,
-                 options.map.overwrite);
+    WriteDrawing(MakeLevelsScene(inspection, *inspection.levels), options.plot, options.overwrite);
   }
   if (!options.sheet.empty()) {
-    const double peak = inspection.peak ? inspection.peak->nits : options.map.white;
-    WriteDrawing(MakeContactSheet(options.map, peak), options.sheet, options.map.overwrite);
+    const double peak = inspection.peak ? inspection.peak->nits : options.white;
+    WriteDrawing(
+        MakeContactSheet({options.input, options.source, options.white, options.maxPixels}, peak),
+        options.sheet, options.overwrite);
   }
   if (options.json == "-") {
     std::cout << InspectionJson(inspection);
     return;
   }
   if (!options.json.empty()) {
-    WriteText(options.json, InspectionJson(inspection), options.map.overwrite);
+    WriteText(options.json, InspectionJson(inspection), options.overwrite);
   }
-  if (!options.map.quiet) PrintInspection(std::cout, inspection);
+  if (!options.quiet) PrintInspection(std::cout, inspection);
 }
 
 }  // namespace
@@ -161,8 +169,7 @@ Subcommand AddInspectCommand(CLI::App& app) {
   const auto options = std::make_shared<InspectOptions>();
   CLI::App& inspect = *app.add_subcommand(
       "inspect", "Tell what a clip or picture says of its light, and what is so");
-  inspect.add_option("FILE", options->map.input, "Clip, picture, or sequence of pictures")
-      ->required();
+  inspect.add_option("FILE", options->input, "Clip, picture, or sequence of pictures")->required();
   inspect.add_flag("--measure", options->measure, "Measure the light levels of every frame");
   inspect
       .add_option("--json", options->json,
@@ -176,11 +183,11 @@ Subcommand AddInspectCommand(CLI::App& app) {
       .add_option("--sheet", options->sheet,
                   "Draw twelve frames side by side in sRGB, HDR mapped as 'quillon map' does (PNG)")
       ->type_name("FILE");
-  AddSourceOptions(inspect, options->map.source, options->map.sourceTellsMatrix, "",
+  AddSourceOptions(inspect, options->source, "",
                    "Colour space of the input, in place of what its tags say");
-  AddWhiteOption(inspect, options->map.white, "Luminance of graphics white in nits");
-  AddMaxPixelsOption(inspect, options->map.maxPixels);
-  AddOutputOptions(inspect, options->map.overwrite, options->map.quiet);
+  AddWhiteOption(inspect, options->white, "Luminance of graphics white in nits");
+  AddMaxPixelsOption(inspect, options->maxPixels);
+  AddOutputOptions(inspect, options->overwrite, options->quiet);
   inspect.footer(
       "Examples:\n"
       "  quillon inspect film.mkv\n"

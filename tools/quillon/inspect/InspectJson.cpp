@@ -1,8 +1,8 @@
 #include <nlohmann/json.hpp>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/compare/CompareJson.h"
 #include "tools/quillon/inspect/InspectReport.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 
 using nlohmann::ordered_json;
 using orvmediatypes::color::Chromaticity;

@@ -1,7 +1,7 @@
 #include <iomanip>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/inspect/InspectReport.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/plot/NitsAxis.h"
 
 using orvmediatypes::color::Chromaticity;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/quillon/SourcePeak.h"
+#include "mapper/Mapping.h"
 #include "tools/quillon/clip/LevelsFile.h"
 #include "tools/quillon/video/ClipReader.h"
 
@@ -18,7 +18,7 @@ struct Inspection {
   /// Its scenes, where levels were measured.
   std::vector<ClipScene> scenes;
   /// The peak that it would be mapped from. Nothing where its tags do not tell its colours.
-  std::optional<SourcePeak> peak;
+  std::optional<Quillon::Mapper::SourcePeak> peak;
   /// Sentences on tags that do not fit each other or the content.
   std::vector<std::string> warnings;
 };

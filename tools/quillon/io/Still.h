@@ -6,14 +6,10 @@
 #include <vector>
 
 #include "host/pavix/IVideoFrame.h"
+#include "mapper/Mapping.h"
 #include "tools/quillon/io/PixelLimit.h"
 
-/// Content light levels (CTA-861.3) in nits; 0: not given.
-struct ContentLight {
-  float maxCLL = 0.0F;
-  float maxFALL = 0.0F;
-  friend bool operator==(const ContentLight&, const ContentLight&) = default;
-};
+using Quillon::Mapper::ContentLight;
 
 /// A still picture as a file gives it.
 struct Still {

@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/lut/LutRun.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/SharedOptions.h"
 
 namespace {
@@ -15,25 +15,24 @@ constexpr std::array<Choice<int>, 3> kLutSizes = {{{"17", 17}, {"33", 33}, {"65"
 
 void AddOptions(CLI::App& lut, LutOptions& options) {
   AddChoice(lut, "--size", kLutSizes, options.size, "Points along each axis (33 when not given)");
-  AddColorSpaceOptions(lut, options.map,
+  AddColorSpaceOptions(lut, options.mapping,
                        "Signal that the LUT is applied to, full-range R'G'B': bt2100-pq (when not "
                        "given) or bt2100-hlg");
-  AddPeakNumberOption(lut, options.map,
+  AddPeakNumberOption(lut, options.mapping.peak,
                       "Peak of the source in nits (10000 for PQ and 1000 for HLG when not given)");
-  AddTargetOptions(lut, options.map);
-  AddAlgorithmOptions(lut, options.map);
-  AddDialOptions(lut, options.map);
-  lut.add_flag("--explain", options.map.explain, "Print the resolved settings");
-  AddOutputOptions(lut, options.map);
+  AddTargetOptions(lut, options.mapping);
+  AddAlgorithmOptions(lut, options.mapping);
+  AddDialOptions(lut, options.mapping);
+  lut.add_flag("--explain", options.explain, "Print the resolved settings");
+  AddOutputOptions(lut, options.overwrite, options.quiet);
 }
 
 }  // namespace
 
 Subcommand AddLutCommand(CLI::App& app) {
   const auto options = std::make_shared<LutOptions>();
-  options->map.destination = ColorSpaceOfName("srgb");
-  options->map.source = ColorSpaceOfName("bt2100-pq");
-  options->map.input = "the lattice";  // what messages call it
+  options->mapping.target.colors = ColorSpaceOfName("srgb");
+  options->mapping.source.colors = ColorSpaceOfName("bt2100-pq");
 
   CLI::App& lut = *app.add_subcommand(
       "lut", "Write the mapping as a 3D LUT for programs that have no plug-in, with its error");

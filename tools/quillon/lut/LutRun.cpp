@@ -5,41 +5,46 @@
 #include <string>
 #include <vector>
 
+#include "mapper/Frames.h"
 #include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/ApplyPlan.h"
-#include "tools/quillon/ColorSpaceNames.h"
-#include "tools/quillon/MapPlan.h"
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/lut/CubeFile.h"
 #include "tools/quillon/lut/LutError.h"
 #include "tools/quillon/lut/LutSignals.h"
-#include "tools/quillon/map/Explain.h"
 #include "tools/quillon/options/AlgorithmNames.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Explain.h"
+#include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
+using Quillon::Mapper::Decisions;
 
 namespace {
 
-ColorDescription SourceOf(const MapOptions& options) {
-  return options.source.value_or(ColorSpaceOfName("bt2100-pq"));
+constexpr const char* kLattice = "the lattice";  // what messages call it
+
+ColorDescription SourceOf(const MappingOptions& options) {
+  return options.source.colors.value_or(ColorSpaceOfName("bt2100-pq"));
 }
 
-bool IsShaper(const MapOptions& options) {
+bool IsShaper(const MappingOptions& options) {
   const std::uint8_t transfer = SourceOf(options).transfer;
   return transfer == H273::kTransferPQ || transfer == H273::kTransferHLG;
 }
 
 void CheckLutOptions(const LutOptions& options) {
-  CheckMapOptions(options.map);
-  if (!IsShaper(options.map)) {
+  CheckMappingOptions(options.mapping);
+  RefuseUsage(options.quiet && options.explain,
+              "--explain prints and --quiet prints nothing; give one of them");
+  if (!IsShaper(options.mapping)) {
     throw CommandError(ExitCode::Usage,
                        "--from of a LUT is a PQ or HLG signal, whose steps suit the eye: choose "
                        "bt2100-pq or bt2100-hlg");
   }
-  if (options.map.destination.transfer == H273::kTransferLinear) {
+  if (options.mapping.target.colors.transfer == H273::kTransferLinear) {
     throw CommandError(ExitCode::Usage,
                        "--to of a LUT is a signal from 0 to 1, which linear light is not; choose "
                        "one of " +
@@ -49,13 +54,11 @@ void CheckLutOptions(const LutOptions& options) {
     throw StillError(StillErrorKind::NotSupported, options.output,
                      "its extension names no format of a LUT", "choose .cube");
   }
-  CheckTargetFile(options.output, options.map.overwrite);
+  CheckTargetFile(options.output, options.overwrite);
 }
 
-MapPlan PlanFor(const std::vector<Signal>& signals, const MapOptions& options) {
-  Still still;
-  still.frame = FrameOfSignals(signals, ColorSpace(SourceOf(options)));
-  return PlanMap(options, still);
+PlannedPicture PlanFor(const std::vector<Signal>& signals, const MappingOptions& options) {
+  return PlanPicture(options, kLattice, FrameOfSignals(signals, ColorSpace(SourceOf(options))));
 }
 
 /// Within the range of a signal; what is no number becomes 0.
@@ -64,41 +67,41 @@ float Clamped(float value) {
   return value < 1.0F ? value : 1.0F;
 }
 
-std::vector<Signal> ApplyTo(const MapPlan& plan, std::size_t count) {
-  std::vector<Signal> results = SignalsOfFrame(ApplyPlan(plan, "the lattice"), count);
+std::vector<Signal> ApplyTo(const PlannedPicture& picture, std::size_t count) {
+  std::vector<Signal> results = SignalsOfFrame(MapPicture(picture, kLattice), count);
   for (Signal& result : results) {
     for (float& component : result) component = Clamped(component);
   }
   return results;
 }
 
-std::string Title(const MapOptions& options) {
-  return DescribeColorSpace(SourceOf(options)) + " to " + DescribeColorSpace(options.destination);
+std::string Title(const MappingOptions& options) {
+  return DescribeColorSpace(SourceOf(options)) + " to " + DescribeColorSpace(options.target.colors);
 }
 
-std::string Comments(const LutOptions& options, const MapPlan& plan, const LutError& error) {
-  const MapOptions& map = options.map;
+std::string Comments(const LutOptions& options, const Decisions& decisions, const LutError& error) {
+  const MappingOptions& map = options.mapping;
   const bool pq = SourceOf(map).transfer == H273::kTransferPQ;
   std::ostringstream out;
   out << "quillon lut " QUILLON_VERSION "\n"
       << "shaper: " << (pq ? "PQ" : "HLG") << " (ITU-R BT.2100)\n"
       << "input: R'G'B' signal of " << DescribeColorSpace(SourceOf(map))
       << ", full range, 0 to 1 in this domain\n"
-      << "output: R'G'B' signal of " << DescribeColorSpace(map.destination)
+      << "output: R'G'B' signal of " << DescribeColorSpace(map.target.colors)
       << ", full range, clamped to 0 to 1\n"
-      << "--algorithm " << AlgorithmName(map.algorithm) << '\n';
-  ExplainPlan(out, plan);
+      << "--algorithm " << AlgorithmName(map.settings.algorithm) << '\n';
+  Explain(out, decisions);
   DescribeLutError(out, error, "");
   return out.str();
 }
 
-void Summarise(std::ostream& out, const LutOptions& options, const MapPlan& plan,
+void Summarise(std::ostream& out, const LutOptions& options, const Decisions& decisions,
                const LutError& error) {
   out << options.output.string() << ": " << options.size << 'x' << options.size << 'x'
-      << options.size << " from " << DescribeColorSpace(plan.taggedSource) << ", peak "
-      << plan.sourcePeakNits << " nits (" << plan.peakOrigin << ") to "
-      << DescribeColorSpace(options.map.destination) << ", peak " << plan.destinationPeakNits
-      << " nits, clamped to 0 to 1\n";
+      << options.size << " from " << DescribeColorSpace(decisions.source) << ", peak "
+      << decisions.sourcePeak.nits << " nits (" << decisions.sourcePeak.origin << ") to "
+      << DescribeColorSpace(options.mapping.target.colors) << ", peak "
+      << decisions.destinationPeakNits << " nits, clamped to 0 to 1\n";
   DescribeLutError(out, error, "");
 }
 
@@ -111,19 +114,21 @@ void WriteText(const std::filesystem::path& path, const std::string& text, bool 
 void RunLut(const LutOptions& options, std::ostream& out, std::ostream& notes) {
   CheckLutOptions(options);
   const std::vector<Signal> onLattice = LatticeSignals(options.size);
-  const MapPlan plan = PlanFor(onLattice, options.map);
-  if (options.map.explain) ExplainPlan(out, plan);
-  if (!options.map.quiet) NoteOptionsWithoutEffect(notes, options.map, plan);
-  const LutLattice lattice{options.size, ApplyTo(plan, onLattice.size())};
+  const PlannedPicture planned = PlanFor(onLattice, options.mapping);
+  const Decisions decisions = planned.plan.Decide();
+  if (options.explain) Explain(out, decisions);
+  if (!options.quiet) NoteOptionsWithoutEffect(notes, options.mapping, decisions);
+  const LutLattice lattice{options.size, ApplyTo(planned, onLattice.size())};
 
   const std::vector<Signal> offLattice = SignalsOffLattice(options.size);
   const std::vector<Signal> engineResults =
-      ApplyTo(PlanFor(offLattice, options.map), offLattice.size());
-  const LutError error =
-      MeasureLutError(lattice, offLattice, engineResults,
-                      plan.settings.toneMapSettings.destinationColorSpace, options.map.white);
+      ApplyTo(PlanFor(offLattice, options.mapping), offLattice.size());
+  const LutError error = MeasureLutError(lattice, offLattice, engineResults,
+                                         Quillon::Mapper::DestinationColorSpace(planned.plan),
+                                         options.mapping.settings.white);
 
-  WriteText(options.output, FormatCube(lattice, Title(options.map), Comments(options, plan, error)),
-            options.map.overwrite);
-  if (!options.map.quiet) Summarise(out, options, plan, error);
+  WriteText(options.output,
+            FormatCube(lattice, Title(options.mapping), Comments(options, decisions, error)),
+            options.overwrite);
+  if (!options.quiet) Summarise(out, options, decisions, error);
 }

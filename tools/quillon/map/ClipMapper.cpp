@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <utility>
 
-#include "tools/quillon/ApplyPlan.h"
-#include "tools/quillon/ResolvedToneMap.h"
+#include "mapper/Frames.h"
 #include "tools/quillon/options/AlgorithmNames.h"
+#include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/plot/NitsAxis.h"
+#include "tools/quillon/process/MapperErrors.h"
 
 using orvmediatypes::color::ColorDescription;
+using orvmediatypes::color::ColorSpace;
+using Quillon::Mapper::Decisions;
+using Quillon::Mapper::Plan;
 
 namespace {
 
@@ -18,10 +22,10 @@ bool AreTaggedAlike(const ColorDescription& one, const ColorDescription& other) 
          one.chromaLocation == other.chromaLocation && one.chromaticities == other.chromaticities;
 }
 
-MapPlan MakePlan(const MapOptions& options, const ClipTags& tags,
-                 const std::optional<ClipLevels>& levels) {
-  return PlanClip(options, tags.colors, tags.light,
-                  [&levels] { return levels ? levels->SteadyPeak() : 0.0; });
+Plan MakePlan(const MapOptions& options, const ClipTags& tags,
+              const std::optional<ClipLevels>& levels) {
+  return PlanPictures(options.mapping, options.input, {tags.colors, tags.light},
+                      [&levels] { return levels ? levels->SteadyPeak() : 0.0; });
 }
 
 }  // namespace
@@ -31,10 +35,10 @@ ClipMapper::ClipMapper(const MapOptions& options, const ClipTags& tags,
     : options_(options),
       tags_(tags),
       levels_(std::move(levels)),
-      plan_(MakePlan(options, tags, levels_)) {
-  if (options.peakSource == PeakSource::Scenes && levels_) {
+      plan_(MakePlan(options, tags, levels_)),
+      peakNits_(plan_.Decide().sourcePeak.nits) {
+  if (options.mapping.peak.from == PeakSource::Scenes && levels_) {
     scenes_ = FindScenes(levels_->frames, kShortestScene);
-    plan_.peakOrigin = "measured, scene by scene";
   }
 }
 
@@ -45,9 +49,8 @@ ContentLight ClipMapper::KnownLight() const {
 
 void ClipMapper::FollowTags(const ClipPicture& picture) {
   if (AreTaggedAlike(picture.tags.colors, tags_.colors)) return;
-  const double peak = plan_.sourcePeakNits;
   tags_.colors = picture.tags.colors;
-  plan_ = WithPeak(MakePlan(options_, tags_, levels_), peak);
+  plan_ = ValueOf(MakePlan(options_, tags_, levels_).WithPeak(peakNits_));
 }
 
 void ClipMapper::FollowScenes(std::int64_t number) {
@@ -55,7 +58,8 @@ void ClipMapper::FollowScenes(std::int64_t number) {
     if (number < scene.first || number >= scene.first + scene.count) continue;
     // A scene without any light is mapped like one that needs no mapping.
     const double peak = scene.peak > 0.0 ? scene.peak : 1.0;
-    if (peak != plan_.sourcePeakNits) plan_ = WithPeak(plan_, peak);
+    if (peak != peakNits_) plan_ = ValueOf(plan_.WithPeak(peak));
+    peakNits_ = peak;
     return;
   }
 }
@@ -63,8 +67,9 @@ void ClipMapper::FollowScenes(std::int64_t number) {
 void ClipMapper::Map(const ClipPicture& picture, PX::VideoFrameRef& destination) {
   FollowTags(picture);
   FollowScenes(picture.number);
-  ApplyPlanTo(plan_, options_.input.string() + ", frame " + std::to_string(picture.number),
-              picture.frame, destination);
+  picture.frame->SetColorSpace(ColorSpace(Quillon::Mapper::SourceColors(plan_)));
+  MapInto(plan_, options_.input.string() + ", frame " + std::to_string(picture.number),
+          picture.frame, destination);
 }
 
 std::optional<double> ClipMapper::PeakOf(std::int64_t number) const {
@@ -74,7 +79,7 @@ std::optional<double> ClipMapper::PeakOf(std::int64_t number) const {
 }
 
 std::string ClipMapper::PeakText() const {
-  if (scenes_.empty()) return FormatNits(plan_.sourcePeakNits) + " nits";
+  if (scenes_.empty()) return FormatNits(peakNits_) + " nits";
   const auto [least, most] =
       std::minmax_element(scenes_.begin(), scenes_.end(),
                           [](const ClipScene& a, const ClipScene& b) { return a.peak < b.peak; });
@@ -83,8 +88,8 @@ std::string ClipMapper::PeakText() const {
 }
 
 std::string ClipMapper::Doing() const {
-  if (!plan_.toneMapApplies) return plan_.gamutApplies ? "gamut only" : "conversion only";
-  return std::string(AlgorithmName(ResolveToneMap(plan_).settings.algorithmType)) + " " +
-         FormatNits(plan_.sourcePeakNits) + " -> " + FormatNits(plan_.destinationPeakNits) +
-         " nits";
+  const Decisions decisions = plan_.Decide();
+  if (!decisions.toneMap) return decisions.gamutApplies ? "gamut only" : "conversion only";
+  return std::string(AlgorithmName(decisions.toneMap->algorithm)) + " " + FormatNits(peakNits_) +
+         " -> " + FormatNits(decisions.destinationPeakNits) + " nits";
 }

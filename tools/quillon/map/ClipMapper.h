@@ -4,9 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "tools/quillon/MapPlan.h"
+#include "mapper/Plan.h"
 #include "tools/quillon/clip/ClipPicture.h"
 #include "tools/quillon/clip/LevelsFile.h"
+#include "tools/quillon/map/MapOptions.h"
 
 /// Maps the pictures of a clip by one plan. Where the colour tags change in mid-clip the plan is
 /// made anew; where the clip has scenes, each is mapped from its own peak. One thread.
@@ -16,7 +17,7 @@ class ClipMapper {
   ClipMapper(const MapOptions& options, const ClipTags& tags, std::optional<ClipLevels> levels);
 
   /// For the first picture.
-  const MapPlan& Plan() const { return plan_; }
+  const Quillon::Mapper::Plan& Plan() const { return plan_; }
   /// Empty: the whole clip is mapped alike.
   const std::vector<ClipScene>& Scenes() const { return scenes_; }
   /// What is known of the light of the clip: measured, else as it is tagged.
@@ -39,5 +40,6 @@ class ClipMapper {
   ClipTags tags_;
   std::optional<ClipLevels> levels_;
   std::vector<ClipScene> scenes_;
-  MapPlan plan_;
+  Quillon::Mapper::Plan plan_;
+  double peakNits_;  ///< that `plan_` maps from
 };

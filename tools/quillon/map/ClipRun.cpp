@@ -6,17 +6,18 @@
 #include <utility>
 
 #include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/clip/ClipSink.h"
 #include "tools/quillon/clip/FileIdentity.h"
 #include "tools/quillon/clip/MeasureClip.h"
 #include "tools/quillon/clip/SequenceSink.h"
 #include "tools/quillon/io/NameBeside.h"
 #include "tools/quillon/io/TargetFile.h"
-#include "tools/quillon/map/Explain.h"
 #include "tools/quillon/map/ExplainClip.h"
 #include "tools/quillon/map/ResultTags.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Explain.h"
 #include "tools/quillon/picture/Frames.h"
+#include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 namespace {
@@ -52,7 +53,8 @@ void CheckOptions(const MapOptions& options) {
 
 /// RGB has no subsampled components.
 void CheckMatrix(const MapOptions& options, const PictureSource& source) {
-  if (!options.sourceTellsMatrix || options.source->matrix != H273::kMatrixIdentity) return;
+  const SourceOverride& given = options.mapping.source;
+  if (!given.tellsMatrix || given.colors->matrix != H273::kMatrixIdentity) return;
   const Sampling sampling = source.Samples().sampling;
   if (sampling != Sampling::C420 && sampling != Sampling::C422) return;
   Refuse(
@@ -172,14 +174,27 @@ std::unique_ptr<OutputLock> LockOutput(const MapOptions& options, const ClipRun&
       run.selection.First(), run.selection.Last().value_or(-1));
 }
 
+/// Whether the peak of pictures that are tagged so has to be measured.
+bool NeedsMeasuring(const MapOptions& options, const Quillon::Mapper::Source& tagged) {
+  bool measures = false;
+  ChooseSourcePeak(options.mapping.peak, options.input, tagged, options.mapping.settings.white,
+                   [&measures] {
+                     measures = true;
+                     return 0.0;
+                   });
+  return measures;
+}
+
 std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const ClipTags& tags,
                                              std::ostream& notes) {
-  const auto colorsOf = [&options](const ClipTags& of) { return TaggedColors(options, of.colors); };
-  if (!NeedsMeasuring(options, tags.colors, tags.light)) return std::nullopt;
+  const auto colorsOf = [&options](const ClipTags& of) {
+    return TaggedColors(options.input, of.colors, options.mapping.source);
+  };
+  if (!NeedsMeasuring(options, {colorsOf(tags), tags.light})) return std::nullopt;
   MeasureRequest request;
   request.clip = options.input;
   request.sequenceRate = SequenceRate(options);
-  request.white = options.white;
+  request.white = options.mapping.settings.white;
   request.maxPixels = options.maxPixels;
   request.progress =
       options.quiet ? ProgressStyle::None : options.clip.progress.value_or(ProgressStyle::Auto);
@@ -199,7 +214,8 @@ Encoding EncodingOf(const MapOptions& options, const ClipRun& run) {
   EncodingWishes wishes = options.clip.encoding;
   wishes.bits = options.depth;
   const ClipTags tags =
-      ResultTags(run.mapper->Plan(), options, info.tags, run.mapper->KnownLight());
+      ResultTags(options.mapping.target.colors, run.mapper->Plan().Decide().destinationPeakNits,
+                 info.tags, run.mapper->KnownLight());
   SourceSamples samples = run.source->Samples();
   samples.oddSize = info.width % 2 != 0 || info.height % 2 != 0;
   Encoding encoding = SettleEncoding(wishes, samples, tags, options.output);
@@ -217,7 +233,7 @@ std::string SettingsText(const MapOptions& options, const ClipRun& run) {
   for (const FrameRange& range : run.selection.Ranges()) {
     text << "frames " << range.first << '-' << range.last << '\n';
   }
-  ExplainPlan(text, run.mapper->Plan());
+  Explain(text, run.mapper->Plan().Decide());
   ExplainClip(text, run);
   return text.str();
 }
@@ -279,12 +295,11 @@ std::unique_ptr<PictureSink> MakeSink(const MapOptions& options, const ClipRun& 
   auto name = SequenceName::Parse(options.output);
   if (!name) throw std::logic_error("a run without an encoding writes a sequence");
   StillOutput still;
-  still.settings = ColorManagementFor(options.white);
+  still.settings = ColorManagementFor(options.mapping.settings.white);
   still.depth = options.depth;
   still.overwrite = options.overwrite;
   const ClipInfo& info = run.source->Info();
-  return std::make_unique<SequenceSink>(
-      std::move(*name), info.width, info.height,
-      run.mapper->Plan().settings.toneMapSettings.destinationColorSpace, still,
-      options.clip.resume);
+  return std::make_unique<SequenceSink>(std::move(*name), info.width, info.height,
+                                        Quillon::Mapper::DestinationColorSpace(run.mapper->Plan()),
+                                        still, options.clip.resume);
 }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iomanip>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/map/ClipRun.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>

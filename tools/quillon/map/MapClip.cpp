@@ -4,13 +4,13 @@
 #include <exception>
 #include <optional>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/clip/Pipeline.h"
 #include "tools/quillon/map/ClipRun.h"
-#include "tools/quillon/map/Explain.h"
 #include "tools/quillon/map/ExplainClip.h"
 #include "tools/quillon/map/SamplePeak.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Explain.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 
@@ -24,8 +24,7 @@ void NoteWhatMatters(const MapOptions& options, const ClipRun& run, const Pictur
   if (!dynamic.empty()) {
     notes << "note: the " << dynamic << " metadata is neither applied nor passed on\n";
   }
-  const MapPlan& plan = run.mapper->Plan();
-  NoteOptionsWithoutEffect(notes, options, plan);
+  NoteOptionsWithoutEffect(notes, options.mapping, run.mapper->Plan().Decide());
   if (!TimesOf(run).PassesOn()) {
     notes << "note: sound and the other streams are left out, since --frames picks frames that do "
              "not follow each other\n";
@@ -61,7 +60,8 @@ bool MapPictures(const MapOptions& options, ClipRun& run, PictureSink& sink,
     ++done;
     progress.Update([&] {
       ProgressStep step{from.number, done, mapper.PeakOf(from.number), {}, mapper.Doing()};
-      if (!step.peakNits) step.sampledPeakNits = SamplePeak(from.frame, options.white);
+      if (!step.peakNits)
+        step.sampledPeakNits = SamplePeak(from.frame, options.mapping.settings.white);
       return step;
     });
     last.frame = from.number;
@@ -116,12 +116,13 @@ void MapAll(const MapOptions& options, ClipRun& run, PictureSink& sink,
 
 void Summarise(std::ostream& out, const MapOptions& options, const ClipRun& run, std::int64_t done,
                double seconds) {
-  const MapPlan& plan = run.mapper->Plan();
+  const Quillon::Mapper::Decisions decisions = run.mapper->Plan().Decide();
   out << options.input.string() << " -> " << options.output.string() << ": "
-      << Counted(done + run.earlier.count, "frame") << ", " << DescribeColorSpace(plan.taggedSource)
-      << ", peak " << run.mapper->PeakText() << " (" << plan.peakOrigin << ") to "
-      << DescribeColorSpace(options.destination) << ", peak " << plan.destinationPeakNits
-      << " nits; " << static_cast<double>(done) / seconds << " frames a second\n";
+      << Counted(done + run.earlier.count, "frame") << ", " << DescribeColorSpace(decisions.source)
+      << ", peak " << run.mapper->PeakText() << " (" << decisions.sourcePeak.origin << ") to "
+      << DescribeColorSpace(options.mapping.target.colors) << ", peak "
+      << decisions.destinationPeakNits << " nits; " << static_cast<double>(done) / seconds
+      << " frames a second\n";
 }
 
 }  // namespace
@@ -130,7 +131,7 @@ void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) 
   const auto begin = std::chrono::steady_clock::now();
   ClipRun run = PrepareClipRun(options, notes);
   if (options.explain || options.clip.dryRun) {
-    ExplainPlan(out, run.mapper->Plan());
+    Explain(out, run.mapper->Plan().Decide());
     ExplainClip(out, run);
   }
   if (options.clip.dryRun) return;

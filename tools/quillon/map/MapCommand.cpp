@@ -1,11 +1,11 @@
 #include <CLI/CLI.hpp>
+#include <array>
 #include <iostream>
 #include <memory>
 #include <optional>
 
 #include <oneapi/tbb/global_control.h>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/SameFiles.h"
@@ -14,33 +14,31 @@
 #include "tools/quillon/map/MapClip.h"
 #include "tools/quillon/map/MapOptions.h"
 #include "tools/quillon/map/MapStill.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/SharedOptions.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 namespace {
 
-void ParsePeak(const std::string& text, MapOptions& options) {
-  if (text == "metadata") {
-    options.peakSource = PeakSource::Metadata;
+constexpr std::array<Choice<PeakSource>, 3> kPeakSources = {{{"metadata", PeakSource::Metadata},
+                                                             {"measure", PeakSource::Measure},
+                                                             {"scenes", PeakSource::Scenes}}};
+
+void ParsePeak(const std::string& text, PeakOptions& peak) {
+  for (const auto& choice : kPeakSources) {
+    if (choice.name != text) continue;
+    peak.from = choice.value;
     return;
   }
-  if (text == "measure") {
-    options.peakSource = PeakSource::Measure;
-    return;
-  }
-  if (text == "scenes") {
-    options.peakSource = PeakSource::Scenes;
-    return;
-  }
-  if (!ParsePeakNumber(text, options)) {
+  if (!ParsePeakNumber(text, peak)) {
     throw CLI::ValidationError("--peak", "'" + text + "' is neither " + kPeakSyntax +
                                              ", nor 'metadata', 'measure' or 'scenes'");
   }
 }
 
-void AddLuminanceOptions(CLI::App& map, MapOptions& options) {
+void AddLuminanceOptions(CLI::App& map, MappingOptions& options) {
   map.add_option_function<std::string>(
-         "--peak", [&](const std::string& text) { ParsePeak(text, options); },
+         "--peak", [&](const std::string& text) { ParsePeak(text, options.peak); },
          "Peak of the source in nits, or where to take it from. When not given: the file's "
          "metadata (MaxCLL, else the mastering display); without any, measured for scene-linear "
          "pictures, else 10000 for PQ and 1000 for HLG. measure: in a pass over the picture or "
@@ -53,12 +51,12 @@ void AddRunOptions(CLI::App& map, MapOptions& options) {
   AddNumber(map, "--depth", options.depth, 8, 32, "BITS",
             "Bits of a component in the output. PNG: 8 or 16; AVIF: 8, 10 or 12; EXR: 16 (half) or "
             "32 (float); clips: what the encoder takes");
-  AddDeviceOption(map, options);
+  AddDeviceOption(map, options.mapping.device);
   AddNumber(map, "--threads", options.threads, 1, 1024, "COUNT",
             "Threads to use (all processors when not given)");
   AddMaxPixelsOption(map, options.maxPixels);
   map.add_flag("--explain", options.explain, "Print the resolved settings");
-  AddOutputOptions(map, options);
+  AddOutputOptions(map, options.overwrite, options.quiet);
 }
 
 /// A still becomes a still, what has several pictures a clip or a sequence.
@@ -80,11 +78,11 @@ void RequireFittingOutput(const MapOptions& options, InputKind kind) {
 }
 
 void RunMap(MapOptions options, bool destinationGiven, bool inPlace) {
-  if (!destinationGiven) options.destination = ColorSpaceOfName("srgb");
+  if (!destinationGiven) options.mapping.target.colors = ColorSpaceOfName("srgb");
   CheckMapOptions(options);
   const InputKind kind = RequireInput(options.input, options.maxPixels);
   if (!destinationGiven && kind != InputKind::Still) {
-    options.destination = ColorSpaceOfName("bt709");
+    options.mapping.target.colors = ColorSpaceOfName("bt709");
   }
   RequireFittingOutput(options, kind);
   CheckInPlace(options.output, options.input, inPlace);
@@ -118,10 +116,11 @@ Subcommand AddMapCommand(CLI::App& app) {
                  "PNG, EXR or AVIF picture to write; for a clip MP4, MOV, MKV or WebM, or a "
                  "sequence of pictures")
       ->required();
-  AddColorSpaceOptions(map, *options, "Colour space of the input, in place of what its tags say");
-  AddLuminanceOptions(map, *options);
-  AddAlgorithmOptions(map, *options);
-  AddDialOptions(map, *options);
+  AddColorSpaceOptions(map, options->mapping,
+                       "Colour space of the input, in place of what its tags say");
+  AddLuminanceOptions(map, options->mapping);
+  AddAlgorithmOptions(map, options->mapping);
+  AddDialOptions(map, options->mapping);
   AddRunOptions(map, *options);
   map.add_flag("--in-place", *inPlace, "Replace the input, which OUTPUT is, by the whole result");
   AddClipOptions(map, options->clip);

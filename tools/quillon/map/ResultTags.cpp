@@ -26,13 +26,13 @@ void DescribeMastering(const ColorDescription& source, float peak, ColorDescript
 
 }  // namespace
 
-ClipTags ResultTags(const MapPlan& plan, const MapOptions& options, const ClipTags& source,
+ClipTags ResultTags(const ColorDescription& destination, double peakNits, const ClipTags& source,
                     const ContentLight& knownLight) {
   ClipTags result;
-  result.colors = options.destination;
+  result.colors = destination;
   result.colors.chromaLocation = source.colors.chromaLocation;
-  if (options.destination.transfer != H273::kTransferPQ) return result;
-  const auto peak = static_cast<float>(plan.destinationPeakNits);
+  if (destination.transfer != H273::kTransferPQ) return result;
+  const auto peak = static_cast<float>(peakNits);
   DescribeMastering(source.colors, peak, result.colors);
   result.light = {std::min(knownLight.maxCLL, peak), std::min(knownLight.maxFALL, peak)};
   return result;

@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/options/AlgorithmNames.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 
 namespace {
 
@@ -23,64 +23,64 @@ void RefuseEmptyValues(CLI::App& app) {
   }
 }
 
-void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string& fromHelp) {
+void AddColorSpaceOptions(CLI::App& app, MappingOptions& options, const std::string& fromHelp) {
   CLI::Option* to =
       app.add_option_function<std::string>(
-             "--to", [&](const std::string& name) { options.destination = ColorSpaceOfName(name); },
+             "--to",
+             [&](const std::string& name) { options.target.colors = ColorSpaceOfName(name); },
              "Colour space of the result: " + ColorSpaceNames() +
                  " (when not given: srgb, for clips bt709)")
           ->type_name("NAME");
   app.add_option_function<std::string>(
          "--to-cicp",
-         [&](const std::string& text) { options.destination = ColorSpaceOfCicp(text); },
+         [&](const std::string& text) { options.target.colors = ColorSpaceOfCicp(text); },
          "The same by ITU-T H.273 code points")
       ->type_name("P/T/M")
       ->excludes(to);
-  AddSourceOptions(app, options.source, options.sourceTellsMatrix, "", fromHelp);
+  AddSourceOptions(app, options.source, "", fromHelp);
 }
 
-void AddSourceOptions(CLI::App& app, std::optional<orvmediatypes::color::ColorDescription>& source,
-                      bool& tellsMatrix, const std::string& suffix, const std::string& help) {
+void AddSourceOptions(CLI::App& app, SourceOverride& source, const std::string& suffix,
+                      const std::string& help) {
   CLI::Option* from =
       app.add_option_function<std::string>(
-             "--from" + suffix, [&](const std::string& name) { source = ColorSpaceOfName(name); },
-             help)
+             "--from" + suffix,
+             [&](const std::string& name) { source.colors = ColorSpaceOfName(name); }, help)
           ->type_name("NAME");
   app.add_option_function<std::string>(
          "--from-cicp" + suffix,
          [&](const std::string& text) {
-           source = ColorSpaceOfCicp(text);
-           tellsMatrix = true;
+           source.colors = ColorSpaceOfCicp(text);
+           source.tellsMatrix = true;
          },
          "The same by ITU-T H.273 code points")
       ->type_name("P/T/M")
       ->excludes(from);
 }
 
-bool ParsePeakNumber(const std::string& text, MapOptions& options) {
+bool ParsePeakNumber(const std::string& text, PeakOptions& peak) {
   constexpr double kLargestPeakNits = 1e6;
   const auto nits = ParseNumberIn(text, std::numeric_limits<double>::min(), kLargestPeakNits);
   if (!nits) return false;
-  options.peakNits = *nits;
-  options.peakSource = PeakSource::Number;
+  peak = {PeakSource::Number, *nits};
   return true;
 }
 
-void AddPeakNumberOption(CLI::App& app, MapOptions& options, const std::string& help) {
+void AddPeakNumberOption(CLI::App& app, PeakOptions& peak, const std::string& help) {
   app.add_option_function<std::string>(
          "--peak",
          [&](const std::string& text) {
-           if (ParsePeakNumber(text, options)) return;
+           if (ParsePeakNumber(text, peak)) return;
            throw CLI::ValidationError("--peak", "'" + text + "' is not " + kPeakSyntax);
          },
          help)
       ->type_name("NITS");
 }
 
-void AddTargetOptions(CLI::App& app, MapOptions& options) {
-  AddNumber(app, "--target-peak", options.targetPeakNits, 1, kLargestLuminance, "NITS",
+void AddTargetOptions(CLI::App& app, MappingOptions& options) {
+  AddNumber(app, "--target-peak", options.target.peakNits, 1, kLargestLuminance, "NITS",
             "Peak of a PQ or HLG destination in nits");
-  AddWhiteOption(app, options.white,
+  AddWhiteOption(app, options.settings.white,
                  "Luminance of graphics white in nits: 1.0 of an SDR destination and of "
                  "scene-linear pictures");
 }
@@ -89,19 +89,20 @@ void AddWhiteOption(CLI::App& app, int& white, const std::string& help) {
   AddNumber(app, "--white", white, 1, kLargestLuminance, "NITS", help);
 }
 
-void AddAlgorithmOptions(CLI::App& app, MapOptions& options) {
-  AddChoice(app, "--algorithm", kAlgorithms, options.algorithm,
+void AddAlgorithmOptions(CLI::App& app, MappingOptions& options) {
+  AddChoice(app, "--algorithm", kAlgorithms, options.settings.algorithm,
             "Tone-map algorithm (auto when not given)");
-  AddChoice(app, "--gamut", kGamuts, options.gamut, "Gamut compression (none when not given)");
+  AddChoice(app, "--gamut", kGamuts, options.settings.gamut,
+            "Gamut compression (none when not given)");
 }
 
-void AddDialOptions(CLI::App& app, MapOptions& options) {
-  AddNumber(app, "--knee", options.knee, 0.0F, 1.0F, "SHARE",
+void AddDialOptions(CLI::App& app, MappingOptions& options) {
+  AddNumber(app, "--knee", options.settings.knee, 0.0F, 1.0F, "SHARE",
             "Where the curve leaves the straight line, 0 to 1 of the destination's peak; for hue "
             "and car (0.5 when not given)");
-  AddNumber(app, "--gain", options.gain, 1e-6F, 1e6F, "FACTOR",
+  AddNumber(app, "--gain", options.settings.gain, 1e-6F, 1e6F, "FACTOR",
             "Multiplies the picture before the curve (1 when not given)");
-  AddNumber(app, "--preserve", options.colorPreservation, 0.0F, 1.0F, "SHARE",
+  AddNumber(app, "--preserve", options.settings.colorPreservation, 0.0F, 1.0F, "SHARE",
             "Colour preservation in highlights: 0 lets them go to white, 1 keeps their hue and "
             "saturation (0.5 when not given)");
 }
@@ -113,16 +114,19 @@ void AddMaxPixelsOption(CLI::App& app, std::int64_t& maxPixels) {
       "Most pixels of a picture that is read; larger ones are refused before they take memory");
 }
 
-void AddDeviceOption(CLI::App& app, MapOptions& options) {
-  app.add_option_function<std::string>(
-         "--device", [&](const std::string& text) { options.device = ParseDevice(text); },
-         "Where to map: the processor (cpu, when not given), the first GPU, or one that 'quillon "
-         "devices' lists")
-      ->type_name(kDeviceSyntax);
-}
-
-void AddOutputOptions(CLI::App& app, MapOptions& options) {
-  AddOutputOptions(app, options.overwrite, options.quiet);
+void AddDeviceOption(CLI::App& app, std::string& device) {
+  const auto assign = [&device](const std::string& text) {
+    if (!Quillon::Mapper::IsDeviceName(text)) {
+      throw CLI::ValidationError("--device", "'" + text + "' is none of " +
+                                                 Quillon::Mapper::kDeviceSyntax +
+                                                 ", N being a number that 'quillon devices' shows");
+    }
+    device = text;
+  };
+  app.add_option_function<std::string>("--device", assign,
+                                       "Where to map: the processor (cpu, when not given), the "
+                                       "first GPU, or one that 'quillon devices' lists")
+      ->type_name(Quillon::Mapper::kDeviceSyntax);
 }
 
 void AddOutputOptions(CLI::App& app, bool& overwrite, bool& quiet) {

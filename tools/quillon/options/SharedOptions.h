@@ -6,8 +6,8 @@
 #include <string>
 #include <type_traits>
 
-#include "tools/quillon/map/MapOptions.h"
 #include "tools/quillon/options/Choice.h"
+#include "tools/quillon/options/MappingOptions.h"
 #include "tools/quillon/options/Numbers.h"
 
 /// Options that several commands have, by the same names. The references live as long as `app`.
@@ -68,39 +68,38 @@ CLI::Option* AddNumber(CLI::App& app, const std::string& name, Target& target,
 void RefuseEmptyValues(CLI::App& app);
 
 /// --to, --to-cicp, --from, --from-cicp; `fromHelp` says what `--from` is for.
-void AddColorSpaceOptions(CLI::App& app, MapOptions& options, const std::string& fromHelp);
+void AddColorSpaceOptions(CLI::App& app, MappingOptions& options, const std::string& fromHelp);
 
 /// --from and --from-cicp, with `suffix` after their names.
-void AddSourceOptions(CLI::App& app, std::optional<orvmediatypes::color::ColorDescription>& source,
-                      bool& tellsMatrix, const std::string& suffix, const std::string& help);
+void AddSourceOptions(CLI::App& app, SourceOverride& source, const std::string& suffix,
+                      const std::string& help);
 
 /// What `ParsePeakNumber` takes, for messages.
 inline constexpr const char* kPeakSyntax = "a number of nits above 0 and up to 1000000";
 
 /// Whether the text is a peak as a number, which the options then have.
-bool ParsePeakNumber(const std::string& text, MapOptions& options);
+bool ParsePeakNumber(const std::string& text, PeakOptions& peak);
 
 /// --peak as a number of nits and nothing else.
-void AddPeakNumberOption(CLI::App& app, MapOptions& options, const std::string& help);
+void AddPeakNumberOption(CLI::App& app, PeakOptions& peak, const std::string& help);
 
 /// --target-peak and --white.
-void AddTargetOptions(CLI::App& app, MapOptions& options);
+void AddTargetOptions(CLI::App& app, MappingOptions& options);
 
 /// --white.
 void AddWhiteOption(CLI::App& app, int& white, const std::string& help);
 
 /// --algorithm, once, and --gamut.
-void AddAlgorithmOptions(CLI::App& app, MapOptions& options);
+void AddAlgorithmOptions(CLI::App& app, MappingOptions& options);
 
 /// --knee, --gain and --preserve.
-void AddDialOptions(CLI::App& app, MapOptions& options);
+void AddDialOptions(CLI::App& app, MappingOptions& options);
 
 /// --max-pixels.
 void AddMaxPixelsOption(CLI::App& app, std::int64_t& maxPixels);
 
 /// --device.
-void AddDeviceOption(CLI::App& app, MapOptions& options);
+void AddDeviceOption(CLI::App& app, std::string& device);
 
 /// --overwrite and --quiet.
-void AddOutputOptions(CLI::App& app, MapOptions& options);
 void AddOutputOptions(CLI::App& app, bool& overwrite, bool& quiet);

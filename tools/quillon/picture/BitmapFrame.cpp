@@ -6,8 +6,8 @@
 #include "host/kestrel/CreateFrames.h"
 #include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/PixelFormats.h"
-#include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/io/FramePixels.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 namespace {

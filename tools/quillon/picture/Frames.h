@@ -1,14 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 
 #include "host/orvmediatypes/ColorManagementSettings.h"
 #include "host/pavix/IVideoFrame.h"
-#include "refhost/ironlane/GpuDevice.h"
+#include "mapper/Frames.h"
 
-/// Colour-management settings with graphics white at a whole number of nits.
-orvmediatypes::color::ColorManagementSettings ColorManagementFor(int white);
+using Quillon::Mapper::ColorManagementFor;
 
 /// A new float BGRA frame in system memory, contents undefined. Throws CommandError.
 PX::VideoFrameRef MakeFloatFrame(int width, int height,
@@ -21,13 +19,6 @@ PX::VideoFrameRef ConvertToFloat(const PX::VideoFrameRef& frame,
 /// Copies a frame into another one in system memory, into its format and colour space. Throws
 /// CommandError.
 void CopyConverted(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to, int white);
-
-/// A new float BGRA frame on a device, contents undefined. Throws CommandError.
-PX::VideoFrameRef MakeFloatFrameOn(const std::shared_ptr<IL::GpuDevice>& device, int width,
-                                   int height, const orvmediatypes::color::ColorSpace& colorSpace);
-
-/// Pixels between system memory and a device, colours left alone. Throws CommandError.
-void MovePixels(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to);
 
 /// The pixels of a float BGRA frame, valid while the frame lives.
 struct FloatPixels {

@@ -3,11 +3,10 @@
 #include <algorithm>
 
 #include "host/pavix/ColorSpaceUtils.h"
-#include "tools/quillon/ApplyPlan.h"
-#include "tools/quillon/ColorSpaceNames.h"
-#include "tools/quillon/MapPlan.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/picture/BitmapFrame.h"
 #include "tools/quillon/picture/LightLevels.h"
+#include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/picture/PictureLight.h"
 
 namespace {
@@ -29,15 +28,9 @@ std::optional<double> CommonHdrPeak(const PX::VideoFrameRef& a, const PX::VideoF
 
 Bitmap PictureForEye(const PX::VideoFrameRef& frame, std::optional<double> hdrPeakNits, int white,
                      const std::string& name) {
-  MapOptions options;
-  options.input = name;
-  options.destination = ColorSpaceOfName("srgb");
-  options.white = white;
-  if (!IsSdr(frame) && hdrPeakNits.has_value()) {
-    options.peakSource = PeakSource::Number;
-    options.peakNits = *hdrPeakNits;
-  }
-  Still still;
-  still.frame = frame;
-  return BitmapOfFrame(ApplyPlan(PlanMap(options, still), name));
+  MappingOptions options;
+  options.target.colors = ColorSpaceOfName("srgb");
+  options.settings.white = white;
+  if (!IsSdr(frame) && hdrPeakNits.has_value()) options.peak = {PeakSource::Number, *hdrPeakNits};
+  return BitmapOfFrame(MapPicture(PlanPicture(options, name, frame), name));
 }

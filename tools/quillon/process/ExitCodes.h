@@ -26,3 +26,8 @@ class CommandError : public std::runtime_error {
  private:
   ExitCode code_;
 };
+
+/// Throws CommandError (Usage) where the condition holds.
+inline void RefuseUsage(bool condition, const std::string& sentence) {
+  if (condition) throw CommandError(ExitCode::Usage, sentence);
+}

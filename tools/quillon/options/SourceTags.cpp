@@ -1,31 +1,31 @@
-#include "tools/quillon/picture/SourceTags.h"
+#include "tools/quillon/options/SourceTags.h"
 
-#include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 using orvmediatypes::color::ColorDescription;
-using orvmediatypes::color::ColorSpace;
 
 namespace {
-bool Tells(std::uint8_t point) { return point != 0 && point != H273::kUnspecified; }
-}  // namespace
 
-ColorDescription TaggedSource(const ColorDescription& file, const SourceOverride& given) {
+/// With the override's primaries and transfer.
+ColorDescription Override(const ColorDescription& file, const SourceOverride& given) {
   if (!given.colors.has_value()) return file;
   ColorDescription tagged = file;
   tagged.primaries = given.colors->primaries;
   tagged.transfer = given.colors->transfer;
   tagged.chromaticities = {};
-  if (given.tellsMatrix || !Tells(file.matrix)) tagged.matrix = given.colors->matrix;
+  if (given.tellsMatrix || !Quillon::Mapper::Tells(file.matrix)) {
+    tagged.matrix = given.colors->matrix;
+  }
   return tagged;
 }
 
-void RequireTags(const std::filesystem::path& path, const ColorDescription& tagged,
-                 const std::string& optionSuffix) {
-  const bool tellsPrimaries =
-      Tells(tagged.primaries) || H273::ChromaticitiesOf(ColorSpace(tagged)).has_value();
-  if (Tells(tagged.transfer) && tellsPrimaries) return;
+}  // namespace
+
+ColorDescription TaggedColors(const std::filesystem::path& path, const ColorDescription& file,
+                              const SourceOverride& given, const std::string& optionSuffix) {
+  ColorDescription tagged = Override(file, given);
+  if (Quillon::Mapper::TellsColors(tagged)) return tagged;
   throw CommandError(ExitCode::CannotRead, path.string() +
                                                " does not say which colour space it is in (" +
                                                DescribeColorSpace(tagged) + "); tell with --from" +

@@ -1,14 +1,13 @@
-#include "tools/quillon/ColorSpaceNames.h"
+#include "mapper/Colors.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <optional>
 
-#include "tools/quillon/process/ExitCodes.h"
+#include "refhost/orvmediatypes/H273.h"
 
-using orvmediatypes::color::ColorDescription;
+namespace Quillon::Mapper {
 
 namespace {
 
@@ -69,15 +68,11 @@ std::optional<CodePoints> ParseCodePoints(std::string_view text) {
 
 }  // namespace
 
-ColorDescription ColorSpaceOfName(std::string_view name) {
+std::optional<ColorDescription> ColorSpaceOfName(std::string_view name) {
   const auto* found = std::find_if(kSpaces.begin(), kSpaces.end(), [&](const NamedSpace& space) {
     return space.name == name || (!space.alias.empty() && space.alias == name);
   });
-  if (found == kSpaces.end()) {
-    throw CommandError(ExitCode::Usage, "'" + std::string(name) +
-                                            "' is no colour space known here; known are " +
-                                            ColorSpaceNames());
-  }
+  if (found == kSpaces.end()) return std::nullopt;
   return Description({found->primaries, found->transfer, found->matrix});
 }
 
@@ -90,10 +85,9 @@ std::string ColorSpaceNames() {
   return names;
 }
 
-ColorDescription ColorSpaceOfCicp(std::string_view text) {
-  if (const auto points = ParseCodePoints(text)) return Description(*points);
-  throw CommandError(ExitCode::Usage,
-                     "'" + std::string(text) + "' is not three code points P/T/M such as 9/16/9");
+std::optional<ColorDescription> ColorSpaceOfCicp(std::string_view text) {
+  const auto points = ParseCodePoints(text);
+  return points ? std::optional(Description(*points)) : std::nullopt;
 }
 
 std::string DescribeColorSpace(const ColorDescription& description) {
@@ -108,3 +102,11 @@ std::string DescribeColorSpace(const ColorDescription& description) {
                              std::to_string(description.matrix);
   return title.empty() ? points : title + " (" + points + ')';
 }
+
+bool TellsColors(const ColorDescription& description) {
+  const orvmediatypes::color::ColorSpace colorSpace(description);
+  return Tells(description.transfer) &&
+         (Tells(description.primaries) || H273::ChromaticitiesOf(colorSpace).has_value());
+}
+
+}  // namespace Quillon::Mapper

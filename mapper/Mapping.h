@@ -1,0 +1,71 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "host/orvmediatypes/AlgorithmTypes.h"
+#include "mapper/Colors.h"
+
+namespace Quillon {
+namespace [[gnu::visibility("default")]] Mapper {
+
+using Algorithm = orvmediatypes::color::ToneMapAlgorithmType;
+using GamutAlgorithm = orvmediatypes::color::GamutCompressionAlgorithmType;
+
+/// Content light levels (CTA-861.3) in nits; 0: not given.
+struct ContentLight {
+  float maxCLL = 0.0F;
+  float maxFALL = 0.0F;
+  friend bool operator==(const ContentLight&, const ContentLight&) = default;
+};
+
+/// What is known of the pictures that come in.
+struct Source {
+  /// Primaries and transfer must be told; matrix, range and chroma location are those of the
+  /// samples. May hold the mastering display.
+  ColorDescription colors{};
+  ContentLight light{};
+};
+
+/// What goes out.
+struct Target {
+  ColorDescription colors{};
+  /// Peak of a PQ or HLG display in nits, 1 to 10000. Nothing: 10000 for PQ, 1000 for HLG. Of no
+  /// effect on other transfers, whose 1.0 is `Settings::white`.
+  std::optional<int> peakNits{};
+};
+
+/// How it is mapped.
+struct Settings {
+  Algorithm algorithm = Algorithm::Automatic;
+  GamutAlgorithm gamut = GamutAlgorithm::None;
+  /// Where the curve leaves the straight line, 0 to 1 of the destination's peak. Nothing: 0.5.
+  /// Of effect on curves with a knee (`HasKnee`).
+  std::optional<float> knee{};
+  /// Factor on the picture before the curve, above 0. Nothing: 1.
+  std::optional<float> gain{};
+  /// 0 lets highlights go to white, 1 keeps their hue and saturation. Nothing: 0.5.
+  std::optional<float> colorPreservation{};
+  /// Luminance in nits of graphics white (ITU-R BT.2408), which 1.0 in linear light and of an SDR
+  /// signal is; 1 to 10000.
+  int white = 203;
+};
+
+/// Whether the algorithm's curve reads `Settings::knee`.
+bool HasKnee(Algorithm algorithm);
+
+/// The peak that is mapped from, and how it was come by.
+struct SourcePeak {
+  double nits = 0.0;
+  std::string origin;  ///< for people: "MaxCLL of the file", "measured"
+};
+
+/// MaxCLL, else the mastering display's maximum; nothing where neither is given.
+std::optional<SourcePeak> MetadataPeak(const Source& source);
+
+/// What the transfer stands for where nothing else is known: 10000 nits for PQ, 1000 or the peak of
+/// its display for HLG, `white` for SDR. Nothing for scene-linear light, which has no end.
+std::optional<SourcePeak> NominalPeak(const ColorDescription& colors, int white);
+
+}  // namespace Mapper
+}  // namespace Quillon

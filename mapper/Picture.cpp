@@ -1,0 +1,127 @@
+#include "mapper/Picture.h"
+
+#include "mapper/Frames.h"
+#include "mapper/WrapPicture.h"
+#include "refhost/kestrel/PixelFormats.h"
+#include "refhost/kestrel/SystemFrame.h"
+
+using orvmediatypes::color::ColorSpace;
+
+namespace Quillon::Mapper {
+
+namespace {
+
+KS::ChromaFormat HostChroma(PixelFormat::Chroma chroma) {
+  switch (chroma) {
+    case PixelFormat::Chroma::C420:
+      return KS::ChromaFormat::C420;
+    case PixelFormat::Chroma::C422:
+      return KS::ChromaFormat::C422;
+    default:
+      return KS::ChromaFormat::C444;
+  }
+}
+
+std::optional<orvmediatypes::PixelFormat> InterleavedFormat(const PixelFormat& format) {
+  switch (format.samples) {
+    case PixelFormat::Samples::Half:
+      return format.bits == 16 ? std::optional(KS::kBgraHalf) : std::nullopt;
+    case PixelFormat::Samples::Float:
+      return format.bits == 32 ? std::optional(KS::kBgraFloat) : std::nullopt;
+    default:
+      if (format.bits == 16) return KS::kBgra16;
+      return format.bits == 8 ? std::optional(KS::kBgra8) : std::nullopt;
+  }
+}
+
+std::optional<orvmediatypes::PixelFormat> HostFormat(const PixelFormat& format) {
+  if (format.layout == PixelFormat::Layout::BGRA) return InterleavedFormat(format);
+  if (format.samples != PixelFormat::Samples::Integer) return std::nullopt;
+  const KS::ChromaFormat chroma = HostChroma(format.chroma);
+  const auto known = format.layout == PixelFormat::Layout::Planar
+                         ? KS::PlanarYCbCr(chroma, format.bits)
+                         : KS::SemiPlanarYCbCr(chroma, format.bits);
+  return KS::DescribeFormat(known) ? std::optional(known) : std::nullopt;
+}
+
+std::string SizeText(const Picture& picture) {
+  return std::to_string(picture.width) + "x" + std::to_string(picture.height);
+}
+
+}  // namespace
+
+Picture Writable(const ConstPicture& picture) {
+  Picture writable{.format = picture.format,
+                   .width = picture.width,
+                   .height = picture.height,
+                   .rowBytes = picture.rowBytes};
+  for (std::size_t i = 0; i < picture.planes.size(); ++i) {
+    writable.planes[i] = const_cast<void*>(picture.planes[i]);  // NOLINT: frames know no const
+  }
+  return writable;
+}
+
+Result<PX::VideoFrameRef> WrapPicture(const Picture& picture, const ColorDescription& colors) {
+  const auto format = HostFormat(picture.format);
+  if (!format) {
+    return Error{Code::InvalidArgument,
+                 "there is no such pixel format: " + std::to_string(picture.format.bits) + " bits",
+                 {}};
+  }
+  // 0 bytes a row would let the frame choose.
+  const int planes = KS::DescribeFormat(*format)->planeCount;
+  bool whole = true;
+  for (int i = 0; i < planes; ++i) {
+    whole = whole && picture.rowBytes[static_cast<std::size_t>(i)] > 0;
+  }
+  PX::VideoFrameRef frame;
+  const int made = !whole ? -1
+                          : KS::CreateSystemFrame(
+                                frame, {.format = *format,
+                                        .width = picture.width,
+                                        .height = picture.height,
+                                        .colorSpace = ColorSpace(colors),
+                                        .rowBytes = picture.rowBytes,
+                                        .borrowed = KS::BorrowedMemory{.planes = picture.planes}});
+  if (made >= 0) return frame;
+  return Error{Code::InvalidArgument,
+               "a picture of " + SizeText(picture) +
+                   " cannot be one: its sides are at least 1, its planes are not null, and a row "
+                   "holds its samples",
+               {}};
+}
+
+Result<OwnPicture> MakePicture(const PixelFormat& format, int width, int height,
+                               const ColorDescription& colors) {
+  OwnPicture made{.frame = {}, .picture = {.format = format, .width = width, .height = height}};
+  if (KS::CreateSystemFrame(made.frame, {.format = *HostFormat(format),
+                                         .width = width,
+                                         .height = height,
+                                         .colorSpace = ColorSpace(colors)}) < 0) {
+    return Error{Code::NotSupported, "no frame of " + SizeText(made.picture) + " can be made", {}};
+  }
+  const auto access = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(made.frame);
+  for (std::int32_t i = 0; i < access->GetPlaneCount(); ++i) {
+    const KS::Plane plane = access->GetPlane(i);
+    made.picture.planes[static_cast<std::size_t>(i)] = plane.data;
+    made.picture.rowBytes[static_cast<std::size_t>(i)] = plane.rowBytes;
+  }
+  return made;
+}
+
+Failure CheckSameSize(const ConstPicture& one, const Picture& other) {
+  if (one.width == other.width && one.height == other.height) return std::nullopt;
+  return Error{
+      Code::InvalidArgument,
+      "the pictures differ in size: " + SizeText(Writable(one)) + " and " + SizeText(other),
+      {}};
+}
+
+Result<LightLevels> MeasureLight(const ConstPicture& picture, const ColorDescription& colors,
+                                 int white) {
+  const auto frame = WrapPicture(Writable(picture), colors);
+  if (!frame) return frame.error();
+  return MeasureLight(*frame, white);
+}
+
+}  // namespace Quillon::Mapper

@@ -1,0 +1,35 @@
+#include "tools/quillon/options/MappingOptions.h"
+
+#include "refhost/orvmediatypes/H273.h"
+#include "tools/quillon/process/ExitCodes.h"
+
+using Quillon::Mapper::Algorithm;
+
+namespace {
+
+void CheckToneMap(const MappingOptions& options) {
+  const auto& settings = options.settings;
+  const bool none = settings.algorithm == Algorithm::None;
+  const char* const noEffect = " has no effect with --algorithm none; leave it out";
+  RefuseUsage(none && options.peak.from != PeakSource::Default, std::string("--peak") + noEffect);
+  RefuseUsage(none && settings.gain.has_value(), std::string("--gain") + noEffect);
+  RefuseUsage(none && settings.colorPreservation.has_value(), std::string("--preserve") + noEffect);
+
+  RefuseUsage(settings.knee.has_value() && settings.algorithm == Algorithm::Automatic,
+              "--knee has no effect with --algorithm auto, which chooses the knee itself; add "
+              "--algorithm hue");
+  RefuseUsage(settings.knee.has_value() && !Quillon::Mapper::HasKnee(settings.algorithm),
+              "--knee has no effect with this algorithm; it belongs to hue and car");
+}
+
+}  // namespace
+
+void CheckMappingOptions(const MappingOptions& options) {
+  CheckToneMap(options);
+  const int transfer = options.target.colors.transfer;
+  const bool hdr = transfer == H273::kTransferPQ || transfer == H273::kTransferHLG;
+  RefuseUsage(options.target.peakNits.has_value() && !hdr,
+              "--target-peak is for PQ and HLG destinations; an SDR destination's 1.0 is the white "
+              "of --white (" +
+                  std::to_string(options.settings.white) + " nits)");
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+
+#include "mapper/Device.h"
+#include "mapper/Mapping.h"
+#include "tools/quillon/options/SourceTags.h"
+
+/// Where the source peak comes from.
+enum class PeakSource { Default, Number, Metadata, Measure, Scenes };
+
+/// --peak.
+struct PeakOptions {
+  PeakSource from = PeakSource::Default;
+  double nits = 0.0;  ///< where `from` is `Number`
+};
+
+/// How pictures are to be mapped, each value checked on its own: what `quillon map` and the
+/// commands that show what it does have in common.
+struct MappingOptions {
+  SourceOverride source;
+  PeakOptions peak;
+  Quillon::Mapper::Target target;
+  Quillon::Mapper::Settings settings;
+  std::string device = "cpu";  ///< one that `IsDeviceName` takes
+};
+
+/// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
+void CheckMappingOptions(const MappingOptions& options);
