@@ -11,27 +11,53 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// A folder with all that lies in it and not in another of these. It includes what is of a greater
+/// level, and itself.
 struct Folder {
   std::string_view name;
   int level;
 };
 
-constexpr std::array<Folder, 7> kFolders{{{"engine", 0},
-                                          {"gpu", 1},
-                                          {"cpu", 2},
-                                          {"tonemap", 3},
-                                          {"curves", 4},
-                                          {"base", 4},
-                                          {"host", 5}}};
+constexpr std::array<Folder, 24> kFolders{{{"tools/quillon", 0},
+                                           {"tools/quillon/modules", 1},
+                                           {"tools/quillon/map", 2},
+                                           {"tools/quillon/compare", 2},
+                                           {"tools/quillon/curve", 2},
+                                           {"tools/quillon/lut", 2},
+                                           {"tools/quillon/chart", 2},
+                                           {"tools/quillon/inspect", 2},
+                                           {"tools/quillon/devices", 2},
+                                           {"tools/quillon/clip", 3},
+                                           {"tools/quillon/picture", 4},
+                                           {"tools/quillon/video", 5},
+                                           {"tools/quillon/plot", 5},
+                                           {"tools/quillon/options", 5},
+                                           {"tools/quillon/io", 6},
+                                           {"tools/quillon/process", 7},
+                                           {"mapper", 8},
+                                           {"engine", 9},
+                                           {"gpu", 10},
+                                           {"cpu", 11},
+                                           {"tonemap", 12},
+                                           {"curves", 13},
+                                           {"base", 13},
+                                           {"host", 14}}};
+
+constexpr int kMapperLevel = 8;
+
+/// The folder of the list that a file lies in, the innermost.
+const Folder* FolderOf(std::string_view path) {
+  const Folder* innermost = nullptr;
+  for (const Folder& folder : kFolders) {
+    const bool within = path.size() > folder.name.size() && path.starts_with(folder.name) &&
+                        path[folder.name.size()] == '/';
+    if (!within) continue;
+    if (innermost == nullptr || folder.name.size() > innermost->name.size()) innermost = &folder;
+  }
+  return innermost;
+}
 
 std::string_view TopFolder(std::string_view path) { return path.substr(0, path.find('/')); }
-
-std::optional<int> LevelOf(std::string_view folder) {
-  const auto* found = std::find_if(kFolders.begin(), kFolders.end(),
-                                   [&](const Folder& known) { return known.name == folder; });
-  if (found == kFolders.end()) return std::nullopt;
-  return found->level;
-}
 
 bool IsSource(const fs::path& path) {
   static const std::set<std::string> kExtensions{".h", ".cpp", ".inc", ".cu", ".cl"};
@@ -52,9 +78,10 @@ std::optional<std::string> IncludeIn(std::string_view line, char open, char clos
 
 std::vector<Include> ReadIncludes(const fs::path& root, char open, char close) {
   std::vector<Include> includes;
-  for (const Folder& folder : kFolders) {
-    if (!fs::exists(root / folder.name)) continue;
-    for (const auto& entry : fs::recursive_directory_iterator(root / folder.name)) {
+  for (const char* folder :
+       {"tools", "mapper", "engine", "gpu", "cpu", "tonemap", "curves", "base", "host"}) {
+    if (!fs::exists(root / folder)) continue;
+    for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
       if (!entry.is_regular_file() || !IsSource(entry.path())) continue;
       std::ifstream file(entry.path());
       for (std::string line; std::getline(file, line);) {
@@ -78,11 +105,15 @@ std::vector<Include> ReadSystemIncludes(const fs::path& root) {
 
 bool RunsDown(const Include& include) {
   if (include.target.find("..") != std::string::npos) return false;
-  const std::string_view from = TopFolder(include.file);
-  const std::string_view to = TopFolder(include.target);
-  const std::optional<int> fromLevel = LevelOf(from);
-  const std::optional<int> toLevel = LevelOf(to);
-  if (!fromLevel || !toLevel) return false;
-  if (from == "curves") return to == from;
-  return from == to || *fromLevel < *toLevel;
+  const Folder* const from = FolderOf(include.file);
+  if (from == nullptr) return false;
+  const std::string_view top = TopFolder(include.target);
+  // Programs are on the reference host; they reach the engine through the mapper.
+  if (from->level <= kMapperLevel && top == "refhost") return true;
+  const Folder* const to = FolderOf(include.target);
+  if (to == nullptr) return false;
+  if (from->name == "curves") return to == from;
+  const bool program = from->level < kMapperLevel;
+  if (program && to->level > kMapperLevel && top != "host" && top != "curves") return false;
+  return from == to || from->level < to->level;
 }

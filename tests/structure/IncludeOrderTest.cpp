@@ -45,13 +45,14 @@ bool AllRunDown(const fs::path& root) {
 
 }  // namespace
 
-TEST(IncludeOrder, RunsDownEverywhereInTheEngine) {
+TEST(IncludeOrder, RunsDownEverywhere) {
   std::set<std::string> foldersRead;
   for (const Include& include : ReadIncludes(QUILLON_SOURCE_DIR)) {
     EXPECT_TRUE(RunsDown(include)) << include.file << " includes " << include.target;
     foldersRead.insert(include.file.substr(0, include.file.find('/')));
   }
-  EXPECT_THAT(foldersRead, IsSupersetOf({"engine", "cpu", "tonemap", "curves", "base", "host"}));
+  EXPECT_THAT(foldersRead, IsSupersetOf({"tools", "mapper", "engine", "cpu", "tonemap", "curves",
+                                         "base", "host"}));
 }
 
 TEST(IncludeOrder, FindsAPlantedBackEdge) {
@@ -82,6 +83,33 @@ TEST(IncludeOrder, IsTheStatedOne) {
   EXPECT_FALSE(RunsDown({"host/A.h", "base/ResultCodes.h"}));
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "kernels/ToneMapMain.h"}));
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "tools/quillon/picture/Frames.h"}));
+}
+
+TEST(IncludeOrder, OfTheCommandLineRunsFromCommandsToProcess) {
+  EXPECT_TRUE(RunsDown({"tools/quillon/main.cpp", "tools/quillon/options/Commands.h"}));
+  EXPECT_TRUE(RunsDown({"tools/quillon/modules/A.h", "tools/quillon/map/MapClip.h"}));
+  EXPECT_TRUE(RunsDown({"tools/quillon/map/A.cpp", "tools/quillon/clip/Pipeline.h"}));
+  EXPECT_TRUE(RunsDown({"tools/quillon/clip/A.cpp", "tools/quillon/picture/Frames.h"}));
+  EXPECT_TRUE(RunsDown({"tools/quillon/io/A.cpp", "tools/quillon/process/ExitCodes.h"}));
+  EXPECT_FALSE(RunsDown({"tools/quillon/map/A.cpp", "tools/quillon/compare/Compare.h"}));
+  EXPECT_FALSE(RunsDown({"tools/quillon/clip/A.cpp", "tools/quillon/map/MapOptions.h"}));
+  EXPECT_FALSE(RunsDown({"tools/quillon/plot/A.cpp", "tools/quillon/video/ClipTags.h"}));
+  EXPECT_FALSE(RunsDown({"tools/quillon/process/A.cpp", "tools/quillon/io/Still.h"}));
+  EXPECT_FALSE(RunsDown({"tools/quillon/map/A.cpp", "tools/quillon/main.h"}));
+}
+
+TEST(IncludeOrder, OfProgramsReachesTheEngineThroughTheMapperAlone) {
+  EXPECT_TRUE(RunsDown({"tools/quillon/map/A.cpp", "mapper/Plan.h"}));
+  EXPECT_TRUE(RunsDown({"tools/quillon/map/A.cpp", "refhost/kestrel/SystemFrame.h"}));
+  EXPECT_TRUE(RunsDown({"tools/quillon/map/A.cpp", "host/pavix/IVideoFrame.h"}));
+  EXPECT_TRUE(RunsDown({"tools/quillon/map/A.cpp", "curves/St2084.h"}));
+  EXPECT_FALSE(RunsDown({"tools/quillon/map/A.cpp", "engine/Quillon.h"}));
+  EXPECT_FALSE(RunsDown({"tools/quillon/map/A.cpp", "tonemap/SupportParams.h"}));
+  EXPECT_TRUE(RunsDown({"mapper/A.cpp", "engine/Quillon.h"}));
+  EXPECT_TRUE(RunsDown({"mapper/A.cpp", "tonemap/SupportParams.h"}));
+  EXPECT_TRUE(RunsDown({"mapper/A.cpp", "refhost/ironlane/Devices.h"}));
+  EXPECT_FALSE(RunsDown({"mapper/A.cpp", "tools/quillon/process/ExitCodes.h"}));
+  EXPECT_FALSE(RunsDown({"engine/A.cpp", "mapper/Plan.h"}));
 }
 
 TEST(IncludeOrder, RefusesIncludesNotWrittenFromTheRoot) {

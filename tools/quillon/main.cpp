@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "tools/quillon/Commands.h"
+#include "tools/quillon/io/StandardStreams.h"
 #include "tools/quillon/io/StillError.h"
+#include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
-#include "tools/quillon/process/StandardStreams.h"
 
 namespace {
 

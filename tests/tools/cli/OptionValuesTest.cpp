@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/tools/cli/RunQuillon.h"
-#include "tools/quillon/Commands.h"
+#include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 
 namespace {

@@ -5,6 +5,7 @@
 #include "refhost/orvmediatypes/H273.h"
 #include "tests/tools/compare/TestFrames.h"
 #include "tools/quillon/compare/CompareJson.h"
+#include "tools/quillon/options/Json.h"
 
 namespace {
 

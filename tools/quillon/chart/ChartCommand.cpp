@@ -5,14 +5,14 @@
 #include <memory>
 #include <vector>
 
-#include "tools/quillon/Commands.h"
 #include "tools/quillon/chart/ChartClip.h"
 #include "tools/quillon/chart/ChartScene.h"
-#include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/io/WriteStill.h"
+#include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 #include "tools/quillon/picture/Frames.h"
 #include "tools/quillon/picture/LightLevels.h"
+#include "tools/quillon/process/Counted.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <limits>
 #include <system_error>
 
-#include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 extern "C" {

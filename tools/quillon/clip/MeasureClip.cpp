@@ -1,8 +1,8 @@
 #include "tools/quillon/clip/MeasureClip.h"
 
-#include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 

@@ -8,12 +8,13 @@
 #include <optional>
 #include <string>
 
-#include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/Progress.h"
 #include "tools/quillon/compare/CompareJson.h"
 #include "tools/quillon/compare/CompareOutputs.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Json.h"
+#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 

@@ -2,7 +2,6 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/quillon/Commands.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/SameFiles.h"
 #include "tools/quillon/compare/Compare.h"
@@ -13,6 +12,8 @@
 #include "tools/quillon/compare/CompareTable.h"
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Commands.h"
+#include "tools/quillon/options/Json.h"
 #include "tools/quillon/options/SharedOptions.h"
 
 using orvmediatypes::color::ColorSpace;

@@ -1,7 +1,5 @@
 #include "tools/quillon/compare/CompareJson.h"
 
-#include "tools/quillon/options/ColorSpaceNames.h"
-
 using nlohmann::ordered_json;
 
 namespace {
@@ -57,15 +55,4 @@ ordered_json CompareFiguresJson(const Comparison& comparison, const CompareSetti
           {"psnr_own_signal", ErrorJson(comparison.ownError)},
           {"a", MarksJson(comparison.marksA)},
           {"b", MarksJson(comparison.marksB)}};
-}
-
-ordered_json ColorSpaceJson(const orvmediatypes::color::ColorDescription& description) {
-  return {{"name", DescribeColorSpace(description)},
-          {"primaries", description.primaries},
-          {"transfer", description.transfer},
-          {"matrix", description.matrix}};
-}
-
-std::string FormatJson(const ordered_json& json) {
-  return json.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n';
 }

@@ -10,8 +10,8 @@
 #include "tools/quillon/compare/Compare.h"
 #include "tools/quillon/compare/CompareViews.h"
 #include "tools/quillon/io/Still.h"
-#include "tools/quillon/options/Choice.h"
 #include "tools/quillon/options/SourceTags.h"
+#include "tools/quillon/process/Choice.h"
 
 /// What `--gamut` of `quillon compare` takes: ITU-T H.273 primaries.
 inline constexpr std::array<Choice<std::uint8_t>, 3> kComparedGamuts = {

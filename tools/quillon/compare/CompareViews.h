@@ -5,8 +5,8 @@
 
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/compare/Compare.h"
-#include "tools/quillon/options/Choice.h"
 #include "tools/quillon/plot/DrawScene.h"
+#include "tools/quillon/process/Choice.h"
 
 enum class CompareView { SideBySide, Split, DeltaE, Clip };
 

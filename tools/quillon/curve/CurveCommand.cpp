@@ -3,12 +3,12 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/quillon/Commands.h"
 #include "tools/quillon/curve/CurveOptions.h"
 #include "tools/quillon/curve/CurveOutputs.h"
 #include "tools/quillon/curve/CurveRun.h"
 #include "tools/quillon/options/AlgorithmNames.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 
 using Quillon::Mapper::Algorithm;

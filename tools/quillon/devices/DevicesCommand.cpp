@@ -9,7 +9,7 @@
 
 #include "mapper/EngineMessages.h"
 #include "refhost/ironlane/Devices.h"
-#include "tools/quillon/Commands.h"
+#include "tools/quillon/options/Commands.h"
 
 namespace {
 

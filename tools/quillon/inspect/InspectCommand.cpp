@@ -3,7 +3,6 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/quillon/Commands.h"
 #include "tools/quillon/clip/MeasureClip.h"
 #include "tools/quillon/clip/SameFiles.h"
 #include "tools/quillon/inspect/ContactSheet.h"
@@ -12,6 +11,7 @@
 #include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/io/WriteStill.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 #include "tools/quillon/picture/BitmapFrame.h"
 #include "tools/quillon/picture/Frames.h"

@@ -1,8 +1,8 @@
 #include <nlohmann/json.hpp>
 
-#include "tools/quillon/compare/CompareJson.h"
 #include "tools/quillon/inspect/InspectReport.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Json.h"
 
 using nlohmann::ordered_json;
 using orvmediatypes::color::Chromaticity;

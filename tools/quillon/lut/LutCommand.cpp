@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
-#include "tools/quillon/Commands.h"
 #include "tools/quillon/lut/LutRun.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 
 namespace {

@@ -4,13 +4,13 @@
 #include <exception>
 #include <optional>
 
-#include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/clip/Pipeline.h"
 #include "tools/quillon/map/ClipRun.h"
 #include "tools/quillon/map/ExplainClip.h"
 #include "tools/quillon/map/SamplePeak.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Explain.h"
+#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 

@@ -6,7 +6,6 @@
 
 #include <oneapi/tbb/global_control.h>
 
-#include "tools/quillon/Commands.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/SameFiles.h"
 #include "tools/quillon/io/WriteStill.h"
@@ -15,6 +14,7 @@
 #include "tools/quillon/map/MapOptions.h"
 #include "tools/quillon/map/MapStill.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 #include "tools/quillon/process/ExitCodes.h"
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "host/orvmediatypes/AlgorithmTypes.h"
-#include "tools/quillon/options/Choice.h"
+#include "tools/quillon/process/Choice.h"
 
 /// What `--algorithm` takes.
 inline constexpr std::array<Choice<orvmediatypes::color::ToneMapAlgorithmType>, 7> kAlgorithms = {{

@@ -6,9 +6,9 @@
 #include <string>
 #include <type_traits>
 
-#include "tools/quillon/options/Choice.h"
 #include "tools/quillon/options/MappingOptions.h"
 #include "tools/quillon/options/Numbers.h"
+#include "tools/quillon/process/Choice.h"
 
 /// Options that several commands have, by the same names. The references live as long as `app`.
 

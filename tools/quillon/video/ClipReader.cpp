@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "tools/quillon/clip/Counted.h"
+#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 namespace fs = std::filesystem;

@@ -1,4 +1,4 @@
-#include "tools/quillon/process/StandardStreams.h"
+#include "tools/quillon/io/StandardStreams.h"
 
 #include <cerrno>
 #include <csignal>
