@@ -7,10 +7,9 @@
 #include <initializer_list>
 #include <string_view>
 
-namespace Quillon {
+#include "host/ironlane/Kernels.h"
 
-/// Module that the kernels are loaded from.
-inline constexpr std::string_view kKernelModule = "ToneMapMain";
+namespace Quillon {
 
 /// The kernels, in the order of `kKernelSignatures`.
 enum class KernelId : std::uint8_t {

@@ -41,7 +41,9 @@ int MakeKernelTarget(const PX::VideoFrameRef& frame, std::shared_ptr<IL::Device>
                        .width = width,
                        .height = height,
                        .rowPitchPixels = rowPitchPixels,
-                       .formatFlag = FormatFlag(format)};
+                       .formatFlag = FormatFlag(format),
+                       .reserved = 0,
+                       .padding = 0};
   target.head.rowPitchPixels = rowPitchPixels;
   target.head.pixelFormat = format;
   target.head.frameSize = std::uint64_t{height} << 32U | width;
