@@ -33,6 +33,7 @@ int GetGamutCompressionSupportParams(const PX::GamutMappingUtils::GamutMappingSe
                                      SupportVector& params);
 
 /// Length of an algorithm's parameter vector: 1, 3, or -1 for one that does not exist.
+/// Deliberate: a part of the interface that no path of the engine calls.
 int GetGamutCompressionSupportParamsSize(
     orvmediatypes::color::GamutCompressionAlgorithmType algorithmType);
 

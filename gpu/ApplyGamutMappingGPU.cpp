@@ -67,6 +67,7 @@ int CompressGamut(const KernelTarget& target, const GamutMappingSettings& settin
 int MapInPlace(const PX::VideoFrameRef& working, const GamutMappingSettings& settings,
                const PX::VideoFrameRef& destination) {
   KernelTarget target;
+  // Deliberate: the destination's device, where tone mapping takes the working frame's.
   int result = MakeKernelTarget(working, DeviceOf(destination), target);
   if (result < 0) return result;
   if (CHR::IsGamutCompressionApplicable(settings)) {
@@ -87,6 +88,7 @@ int RunGamutCompressionKernel(const KernelTarget& target,
                               const SupportVector& params) {
   const std::optional<KernelId> kernelId = KernelOf(algorithmType);
   if (!kernelId) {
+    // Deliberate: told here too, though a call ends before, without parameters for it.
     TraceFailure([&](auto& message) {
       message << "ApplyGamutMappingGPU : (Not implemented) Gamut Compression Algorithm Type : "
               << GetGamutCompressionMethodName(algorithmType, 1);
@@ -117,6 +119,7 @@ int ApplyGamutMappingGPU(const PX::VideoFrameRef& source, const GamutMappingSett
   PX::VideoFrameRef working;
   int result = LinearizeFrame(source, working, colorManagement);
   if (result < 0) {
+    // Deliberate: "changed", as hosts know the text.
     TraceFailure([](auto& message) {
       message << "ApplyGamutMappingGPU : Source or Destination frame linearisation changed";
     });

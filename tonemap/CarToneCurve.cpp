@@ -80,6 +80,7 @@ void CARToneMap::operator()(float* pixel, const SupportVector& params,
 
 void GetCARToneCurveSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
                                   SupportVector& params) {
+  // Deliberate: the record's own colour management, whatever its version.
   GetCARToneCurveSupportParams(settings.destinationColorSpace, settings.colorManagementSettings,
                                settings.knee, params);
 }

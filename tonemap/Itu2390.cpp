@@ -67,6 +67,7 @@ bool AppendBlacksAndPeaks(const ToneMapSettings& settings, bool colorManaged,
   }
 
   const float peak = GetPeakSignalFromMetaData(settings.destinationColorSpace, defaultPeak);
+  // Deliberate: on one channel alone below version 3, though with the record's colour management.
   const std::size_t channels = colorManaged ? 3 : 1;
   for (std::size_t channel = 0; channel < channels; ++channel) {
     from[kPeak + channel] = peak;
@@ -76,6 +77,7 @@ bool AppendBlacksAndPeaks(const ToneMapSettings& settings, bool colorManaged,
       ConvertToPQ(from, to, settings.destinationColorSpace, settings.colorManagementSettings) < 0) {
     return false;
   }
+  // Deliberate: unconverted, the black is what the source's conversion left there.
   params.push_back(to[kBlack]);
   params.push_back(to[kPeak]);
   return true;
@@ -115,6 +117,7 @@ bool PrepareITU2390(const SupportVector& params) {
   const float range = params[5];
   const float kneeStart = params[8];
   if (range < kTolerance || std::abs(1.0F - kneeStart) < kTolerance) return false;
+  // Deliberate: the tables are built here, before a band is queued.
   return WarmPQTables();
 }
 

