@@ -41,7 +41,7 @@ int PrepareGamutCompression(const GamutMappingSettings& settings, FrameSteps& st
   if (settings.GamutCompressionSettings::algorithmType ==
       GamutCompressionAlgorithmType::Desaturation) {
     steps.compressGamut = GamutCompressionDesaturation{};
-  } else if (steps.gamutParams[0] > 1.0F) {
+  } else if (GamutCompressionReinhard::HasLimit(steps.gamutParams)) {
     steps.compressGamut = GamutCompressionReinhard{};
   }
   return kSuccess;
@@ -53,7 +53,7 @@ int PrepareToneMap(PX::ToneMappingUtils::ToneMapSettings& settings, FrameSteps& 
   GetToneMappingSupportParams(settings, steps.toneMapParams);
   const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
   if (algorithm == nullptr) return kNotSupported;
-  if (steps.toneMapParams.size() < algorithm->paramsRead) return kDegenerateParameters;
+  if (steps.toneMapParams.size() < algorithm->facts.entries.size()) return kDegenerateParameters;
   steps.toneMap =
       algorithm->bind != nullptr ? algorithm->bind(steps.toneMapParams) : algorithm->curve;
   return steps.toneMap ? kSuccess : kDegenerateParameters;

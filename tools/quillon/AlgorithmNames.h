@@ -3,27 +3,33 @@
 #include <array>
 #include <string_view>
 
-#include "host/orvmediatypes/AlgorithmTypes.h"
+#include "cpu/GamutCompression.h"
+#include "tonemap/Algorithms.h"
 #include "tools/quillon/Choice.h"
 
 /// What `--algorithm` takes.
-inline constexpr std::array<Choice<orvmediatypes::color::ToneMapAlgorithmType>, 7> kAlgorithms = {{
-    {"auto", orvmediatypes::color::ToneMapAlgorithmType::Automatic},
-    {"bt2390-maxrgb", orvmediatypes::color::ToneMapAlgorithmType::ITU2390MaxRGB},
-    {"bt2390-rgb", orvmediatypes::color::ToneMapAlgorithmType::ITU2390RGBByChannel},
-    {"bt2446a", orvmediatypes::color::ToneMapAlgorithmType::ITU2446A},
-    {"hue", orvmediatypes::color::ToneMapAlgorithmType::HuePreservationDesaturation},
-    {"car", orvmediatypes::color::ToneMapAlgorithmType::CARToneCurve},
-    {"none", orvmediatypes::color::ToneMapAlgorithmType::None},
-}};
+inline constexpr auto kAlgorithms = [] {
+  using enum orvmediatypes::color::ToneMapAlgorithmType;
+  std::array<Choice<orvmediatypes::color::ToneMapAlgorithmType>, Quillon::kToneCurves.size() + 2>
+      choices{};
+  auto* choice = choices.begin();
+  *choice++ = {"auto", Automatic};
+  for (const auto& curve : Quillon::kToneCurves) *choice++ = {curve.id, curve.type};
+  *choice = {"none", None};
+  return choices;
+}();
 
 /// What `--gamut` takes.
-inline constexpr std::array<Choice<orvmediatypes::color::GamutCompressionAlgorithmType>, 3>
-    kGamuts = {{
-        {"none", orvmediatypes::color::GamutCompressionAlgorithmType::None},
-        {"reinhard", orvmediatypes::color::GamutCompressionAlgorithmType::Reinhard},
-        {"desaturate", orvmediatypes::color::GamutCompressionAlgorithmType::Desaturation},
-    }};
+inline constexpr auto kGamuts = [] {
+  using enum orvmediatypes::color::GamutCompressionAlgorithmType;
+  std::array<Choice<orvmediatypes::color::GamutCompressionAlgorithmType>,
+             Quillon::kGamutCurves.size() + 1>
+      choices{};
+  auto* choice = choices.begin();
+  *choice++ = {"none", None};
+  for (const auto& curve : Quillon::kGamutCurves) *choice++ = {curve.id, curve.type};
+  return choices;
+}();
 
 /// The name that `--algorithm` has for an algorithm; empty for a value that it does not take.
 constexpr std::string_view AlgorithmName(orvmediatypes::color::ToneMapAlgorithmType algorithm) {

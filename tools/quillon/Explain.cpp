@@ -1,10 +1,10 @@
 #include "tools/quillon/Explain.h"
 
-#include <array>
 #include <iomanip>
-#include <span>
+#include <string>
 #include <string_view>
 
+#include "tonemap/Algorithms.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/DeviceChoice.h"
 #include "tools/quillon/ResolvedToneMap.h"
@@ -15,39 +15,11 @@ using PX::ToneMappingUtils::ToneMapSettings;
 
 namespace {
 
-constexpr std::array<std::string_view, 13> kItu2390Names = {"source black (PQ)",
-                                                            "source peak (PQ)",
-                                                            "destination black (PQ)",
-                                                            "destination peak (PQ)",
-                                                            "reference white (nits)",
-                                                            "source range (PQ)",
-                                                            "normalised destination black, minLum",
-                                                            "normalised destination peak, maxLum",
-                                                            "knee start KS",
-                                                            "knee start over reference white",
-                                                            "red luminance weight",
-                                                            "green luminance weight",
-                                                            "blue luminance weight"};
-constexpr std::array<std::string_view, 4> kItu2446ANames = {
-    "rho of the HDR peak", "rho of the SDR peak", "input scale", "SDR peak over reference white"};
-constexpr std::array<std::string_view, 3> kHueNames = {"scaled source peak", "knee",
-                                                       "destination peak"};
-constexpr std::array<std::string_view, 7> kCarNames = {
-    "knee point",           "coefficient A",          "coefficient B",        "destination peak",
-    "red luminance weight", "green luminance weight", "blue luminance weight"};
-
-std::span<const std::string_view> ParameterNames(ToneMapAlgorithmType algorithm) {
-  switch (algorithm) {
-    case ToneMapAlgorithmType::ITU2390MaxRGB:
-    case ToneMapAlgorithmType::ITU2390RGBByChannel:
-      return kItu2390Names;
-    case ToneMapAlgorithmType::ITU2446A:
-      return kItu2446ANames;
-    case ToneMapAlgorithmType::CARToneCurve:
-      return kCarNames;
-    default:
-      return kHueNames;
-  }
+std::string NameWithUnit(const Quillon::ParamEntry& entry) {
+  std::string name(entry.name);
+  if (entry.unit == Quillon::Unit::PqCode) name += " (PQ)";
+  if (entry.unit == Quillon::Unit::Nits) name += " (nits)";
+  return name;
 }
 
 std::ostream& Label(std::ostream& out, std::string_view label) {
@@ -82,9 +54,10 @@ void ExplainToneMap(std::ostream& out, const MapPlan& plan) {
   Label(out, "preserve") << resolved.controls.colorPreservation << '\n';
   Label(out, "peak, adjusted") << resolved.controls.peak << '\n';
 
-  const auto names = ParameterNames(asked.algorithmType);
-  for (std::size_t i = 0; i < params.size() && i < names.size(); ++i) {
-    Label(out, "parameter " + std::to_string(i)) << names[i] << " = " << params[i] << '\n';
+  const auto* curve = Quillon::FindToneCurve(Quillon::AlgorithmOfParams(asked.algorithmType));
+  for (std::size_t i = 0; i < params.size(); ++i) {
+    Label(out, "parameter " + std::to_string(i))
+        << NameWithUnit(curve->entries[i]) << " = " << params[i] << '\n';
   }
 }
 

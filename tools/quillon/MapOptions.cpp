@@ -1,6 +1,10 @@
 #include "tools/quillon/MapOptions.h"
 
+#include <string_view>
+#include <vector>
+
 #include "refhost/orvmediatypes/H273.h"
+#include "tonemap/Algorithms.h"
 #include "tools/quillon/ExitCodes.h"
 
 using orvmediatypes::color::ToneMapAlgorithmType;
@@ -9,6 +13,19 @@ namespace {
 
 void Refuse(bool condition, const std::string& sentence) {
   if (condition) throw CommandError(ExitCode::Usage, sentence);
+}
+
+/// "hue and car"
+std::string AlgorithmsWithKnee() {
+  std::vector<std::string_view> ids;
+  for (const Quillon::ToneCurveFacts& curve : Quillon::kToneCurves) {
+    if (HasKnee(curve.type)) ids.push_back(curve.id);
+  }
+  std::string list(ids.front());
+  for (std::size_t i = 1; i < ids.size(); ++i) {
+    list.append(i + 1 < ids.size() ? ", " : " and ").append(ids[i]);
+  }
+  return list;
 }
 
 void CheckToneMapOptions(const MapOptions& options) {
@@ -22,14 +39,14 @@ void CheckToneMapOptions(const MapOptions& options) {
          "--knee has no effect with --algorithm auto, which chooses the knee itself; add "
          "--algorithm hue");
   Refuse(options.knee.has_value() && !HasKnee(options.algorithm),
-         "--knee has no effect with this algorithm; it belongs to hue and car");
+         "--knee has no effect with this algorithm; it belongs to " + AlgorithmsWithKnee());
 }
 
 }  // namespace
 
 bool HasKnee(ToneMapAlgorithmType algorithm) {
-  return algorithm == ToneMapAlgorithmType::HuePreservationDesaturation ||
-         algorithm == ToneMapAlgorithmType::CARToneCurve;
+  const Quillon::ToneCurveFacts* curve = Quillon::FindToneCurve(algorithm);
+  return curve != nullptr && curve->knee && curve->knee->isSetting;
 }
 
 void CheckMapOptions(const MapOptions& options) {
