@@ -41,7 +41,7 @@ int PrepareGamutCompression(const GamutMappingSettings& settings, FrameSteps& st
   if (settings.GamutCompressionSettings::algorithmType ==
       GamutCompressionAlgorithmType::Desaturation) {
     steps.compressGamut = GamutCompressionDesaturation{};
-  } else if (steps.gamutParams[0] > 1.0F) {
+  } else if (GamutCompressionReinhard::HasLimit(steps.gamutParams)) {
     steps.compressGamut = GamutCompressionReinhard{};
   }
   return kSuccess;
@@ -54,7 +54,7 @@ int PrepareToneMap(PX::ToneMappingUtils::ToneMapSettings& settings, FrameSteps& 
   const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
   // Deliberate: without a message of its own.
   if (algorithm == nullptr) return kNotSupported;
-  if (steps.toneMapParams.size() < algorithm->paramsRead) return kDegenerateParameters;
+  if (steps.toneMapParams.size() < algorithm->facts.entries.size()) return kDegenerateParameters;
   steps.toneMap =
       algorithm->bind != nullptr ? algorithm->bind(steps.toneMapParams) : algorithm->curve;
   return steps.toneMap ? kSuccess : kDegenerateParameters;

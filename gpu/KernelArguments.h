@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "base/KernelSignatures.h"
+#include "base/KernelSignature.h"
 #include "base/SupportVector.h"
 #include "gpu/GPUFrameDescriptor.h"
 #include "host/orvmediatypes/PixelFormat.h"

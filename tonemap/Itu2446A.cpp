@@ -49,7 +49,9 @@ float FullScaleInPQ(const ToneMapSettings& settings) {
 
 void ITU2446AToneMap::operator()(float* pixel, const SupportVector& params,
                                  const ToneMapSettings& settings) const {
-  ToneMapBt2446A(pixel, settings.controls.peakGain, params[0], params[1], params[2], params[3],
+  using P = Itu2446AParams;
+  ToneMapBt2446A(pixel, settings.controls.peakGain, params[P::kRhoHdr], params[P::kRhoSdr],
+                 params[P::kInputScale], params[P::kOutputScale],
                  settings.controls.colorPreservation);
 }
 

@@ -7,6 +7,7 @@
 #include "host/chromant/Conversion.h"
 #include "host/pavix/ColorSpaceUtils.h"
 #include "host/pavix/ColorSpaces.h"
+#include "tonemap/Algorithms.h"
 #include "tonemap/ColorSpaceMatch.h"
 #include "tonemap/PqTransfer.h"
 
@@ -15,7 +16,6 @@ namespace Quillon {
 using orvmediatypes::kLinearFloatBGRA;
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ColorSpace;
-using orvmediatypes::color::ToneMapAlgorithmType;
 
 namespace {
 
@@ -30,8 +30,9 @@ int ConvertOnePixel(Pixel& pixel, const ColorSpace& from, const ColorSpace& to, 
 }  // namespace
 
 float AdjustedPeakBasedOnInputColorSpace(const PX::ToneMappingUtils::ToneMapSettings& settings) {
+  const ToneCurveFacts* curve = FindToneCurve(settings.algorithmType);
   // Deliberate: in nits, whatever the colour spaces, an empty source among them.
-  if (settings.algorithmType == ToneMapAlgorithmType::ITU2446A) {
+  if (curve != nullptr && curve->peakUnit == Unit::Nits) {
     return PX::ToneMappingUtils::ConvertPeakLinearSignalToLuminance(settings);
   }
   if (settings.sourceColorSpace.empty()) {

@@ -8,7 +8,6 @@
 #include "host/chromant/Conversion.h"
 #include "host/ironlane/ColorConvertParams.h"
 #include "tonemap/Algorithms.h"
-#include "tonemap/HuePreservation.h"
 #include "tonemap/PeakLuminance.h"
 
 namespace Quillon {
@@ -22,11 +21,8 @@ void GetToneMappingSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings
       settings.controls.version);
   settings.controls.peak = AdjustedPeakBasedOnInputColorSpace(settings);
 
-  if (settings.algorithmType == ToneMapAlgorithmType::Automatic) {
-    GetHuePreservationSupportParams(settings, params);
-    return;
-  }
-  const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
+  const ToneMapAlgorithm* algorithm =
+      FindToneMapAlgorithm(AlgorithmOfParams(settings.algorithmType));
   if (algorithm == nullptr) {
     TraceFailure([&](auto& message) {
       message << "GetToneMappingSupportParams : Not implemented for input algorithms : "
@@ -38,8 +34,7 @@ void GetToneMappingSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings
 }
 
 int GetToneMappingSupportParamsSize(ToneMapAlgorithmType algorithmType) {
-  const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(algorithmType);
-  if (algorithm != nullptr) return algorithm->paramsSize;
+  if (const ToneCurveFacts* curve = FindToneCurve(algorithmType)) return curve->declaredParams;
   // Deliberate: the automatic choice has no size either.
   TraceFailure([&](auto& message) {
     message << "GetToneMappingSupportParamsSize : Invalid Tone Map Method Algorithm Type : "

@@ -81,7 +81,7 @@ TEST(IncludeOrder, IsTheStatedOne) {
   EXPECT_TRUE(RunsDown({"curves/A.h", "curves/Three.h"}));
   EXPECT_FALSE(RunsDown({"host/A.h", "base/ResultCodes.h"}));
   EXPECT_FALSE(RunsDown({"cpu/A.cpp", "kernels/ToneMapMain.h"}));
-  EXPECT_FALSE(RunsDown({"cpu/A.cpp", "tools/quillon/Frames.h"}));
+  EXPECT_FALSE(RunsDown({"cpu/A.cpp", "tools/quillon/picture/Frames.h"}));
 }
 
 TEST(IncludeOrder, RefusesIncludesNotWrittenFromTheRoot) {

@@ -5,8 +5,8 @@
 
 #include "engine/Quillon.h"
 #include "tools/quillon/EngineMessages.h"
-#include "tools/quillon/ExitCodes.h"
-#include "tools/quillon/Frames.h"
+#include "tools/quillon/picture/Frames.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;

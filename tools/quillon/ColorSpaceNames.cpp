@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 using orvmediatypes::color::ColorDescription;
 

@@ -7,8 +7,8 @@
 
 #include "refhost/ironlane/Devices.h"
 #include "tools/quillon/EngineMessages.h"
-#include "tools/quillon/ExitCodes.h"
-#include "tools/quillon/Numbers.h"
+#include "tools/quillon/options/Numbers.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace {
 

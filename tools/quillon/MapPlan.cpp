@@ -8,10 +8,10 @@
 #include "host/pavix/ColorSpaceUtils.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/ColorSpaceNames.h"
-#include "tools/quillon/ExitCodes.h"
-#include "tools/quillon/Frames.h"
-#include "tools/quillon/LightLevels.h"
-#include "tools/quillon/SourceTags.h"
+#include "tools/quillon/picture/Frames.h"
+#include "tools/quillon/picture/LightLevels.h"
+#include "tools/quillon/picture/SourceTags.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;

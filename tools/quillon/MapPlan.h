@@ -6,9 +6,9 @@
 
 #include "host/pavix/GamutMappingUtils.h"
 #include "host/pavix/IVideoFrame.h"
-#include "tools/quillon/MapOptions.h"
 #include "tools/quillon/SourcePeak.h"
 #include "tools/quillon/io/Still.h"
+#include "tools/quillon/map/MapOptions.h"
 
 /// What will be done to a picture, or to the pictures of a clip: everything that was asked for or
 /// found out, resolved.

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "host/pavix/ColorSpaceUtils.h"
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;

@@ -3,8 +3,8 @@
 #include <functional>
 #include <string>
 
-#include "tools/quillon/MapOptions.h"
 #include "tools/quillon/io/Still.h"
+#include "tools/quillon/map/MapOptions.h"
 
 /// Peak luminance of a source and how it was come by.
 struct SourcePeak {

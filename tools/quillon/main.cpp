@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "tools/quillon/Commands.h"
-#include "tools/quillon/ExitCodes.h"
-#include "tools/quillon/SharedOptions.h"
-#include "tools/quillon/StandardStreams.h"
-#include "tools/quillon/clip/Interrupt.h"
 #include "tools/quillon/io/StillError.h"
+#include "tools/quillon/options/SharedOptions.h"
+#include "tools/quillon/process/ExitCodes.h"
+#include "tools/quillon/process/Interrupt.h"
+#include "tools/quillon/process/StandardStreams.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/quillon/LutLattice.h"
+#include "tools/quillon/lut/LutLattice.h"
 
 /// A .cube file as a reader of the format sees it.
 struct CubeText {

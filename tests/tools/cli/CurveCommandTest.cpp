@@ -8,7 +8,7 @@
 #include "curves/St2084.h"
 #include "tests/tools/cli/CurveTable.h"
 #include "tests/tools/cli/RunQuillon.h"
-#include "tools/quillon/AlgorithmNames.h"
+#include "tools/quillon/options/AlgorithmNames.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include "host/kestrel/FrameInterfaces.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tests/tools/cli/WellFormed.h"
-#include "tools/quillon/AlgorithmNames.h"
 #include "tools/quillon/io/Still.h"
+#include "tools/quillon/options/AlgorithmNames.h"
 #include "tools/quillon/plot/CurveStyle.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "curves/St2084.h"
-#include "tools/quillon/DeltaEItp.h"
+#include "tools/quillon/picture/DeltaEItp.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tools/quillon/LutLattice.h"
+#include "tools/quillon/lut/LutLattice.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "tests/tools/cli/RunQuillon.h"
 #include "tools/quillon/Commands.h"
-#include "tools/quillon/SharedOptions.h"
+#include "tools/quillon/options/SharedOptions.h"
 
 namespace {
 

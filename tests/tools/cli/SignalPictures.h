@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "tools/quillon/LutLattice.h"
+#include "tools/quillon/lut/LutLattice.h"
 
 /// Writes signals as the pixels of a float EXR of one row per `width` signals. It is tagged as
 /// linear light; `map --from` says what the signals are.

@@ -4,9 +4,9 @@
 #include <gmock/gmock.h>
 
 #include "tests/tools/clip/ClipFiles.h"
-#include "tools/quillon/DeltaEItp.h"
-#include "tools/quillon/Frames.h"
 #include "tools/quillon/clip/PictureSource.h"
+#include "tools/quillon/picture/DeltaEItp.h"
+#include "tools/quillon/picture/Frames.h"
 
 namespace fs = std::filesystem;
 

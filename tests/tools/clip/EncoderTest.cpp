@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include "tests/tools/clip/ClipFiles.h"
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/video/AvPictures.h"
 #include "tools/quillon/video/Encoding.h"
 

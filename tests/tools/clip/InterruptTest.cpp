@@ -6,8 +6,8 @@
 
 #include "tests/tools/ScratchFolder.h"
 #include "tests/tools/cli/RunQuillon.h"
-#include "tools/quillon/clip/Interrupt.h"
-#include "tools/quillon/io/UnfinishedFile.h"
+#include "tools/quillon/process/Interrupt.h"
+#include "tools/quillon/process/UnfinishedFile.h"
 
 TEST(EndOnSignals, EndsWithTheCodeOfTheSignalAndTakesUnfinishedFilesAway) {
   for (const auto& [signal, code] :

@@ -5,7 +5,7 @@
 
 #include "tests/tools/clip/ClipFiles.h"
 #include "tests/tools/clip/FullClips.h"
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/ClipWriter.h"
 

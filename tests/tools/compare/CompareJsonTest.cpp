@@ -4,7 +4,7 @@
 
 #include "refhost/orvmediatypes/H273.h"
 #include "tests/tools/compare/TestFrames.h"
-#include "tools/quillon/CompareJson.h"
+#include "tools/quillon/compare/CompareJson.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include "curves/St2084.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tests/tools/compare/TestFrames.h"
-#include "tools/quillon/Compare.h"
-#include "tools/quillon/DeltaEItp.h"
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/compare/Compare.h"
+#include "tools/quillon/picture/DeltaEItp.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace {
 

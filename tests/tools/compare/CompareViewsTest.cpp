@@ -5,9 +5,9 @@
 
 #include "refhost/orvmediatypes/H273.h"
 #include "tests/tools/compare/TestFrames.h"
-#include "tools/quillon/CompareViews.h"
-#include "tools/quillon/FalseColors.h"
-#include "tools/quillon/PictureForEye.h"
+#include "tools/quillon/compare/CompareViews.h"
+#include "tools/quillon/compare/FalseColors.h"
+#include "tools/quillon/picture/PictureForEye.h"
 
 namespace {
 

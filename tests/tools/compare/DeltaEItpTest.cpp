@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tools/quillon/DeltaEItp.h"
+#include "tools/quillon/picture/DeltaEItp.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tools/quillon/FalseColors.h"
-#include "tools/quillon/PixelMarks.h"
+#include "tools/quillon/compare/FalseColors.h"
+#include "tools/quillon/compare/PixelMarks.h"
 
 namespace {
 

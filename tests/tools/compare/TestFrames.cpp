@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/quillon/Frames.h"
+#include "tools/quillon/picture/Frames.h"
 
 PX::VideoFrameRef MakeTestFrame(int width, int height, std::uint8_t primaries,
                                 std::uint8_t transfer,

@@ -11,8 +11,8 @@
 
 #include "tests/tools/io/StillTestSupport.h"
 #include "tools/quillon/io/TargetFile.h"
-#include "tools/quillon/io/UnfinishedFile.h"
 #include "tools/quillon/io/WriteStill.h"
+#include "tools/quillon/process/UnfinishedFile.h"
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;

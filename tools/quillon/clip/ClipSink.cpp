@@ -4,9 +4,9 @@
 #include <limits>
 #include <system_error>
 
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/clip/Counted.h"
 #include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 extern "C" {
 #include <libavutil/frame.h>

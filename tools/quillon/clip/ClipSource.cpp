@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/video/AvPictures.h"
 
 extern "C" {

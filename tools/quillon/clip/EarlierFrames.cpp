@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cmath>
 
-#include "tools/quillon/LightLevels.h"
+#include "tools/quillon/picture/LightLevels.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <limits>
 #include <string_view>
 
-#include "tools/quillon/Numbers.h"
+#include "tools/quillon/options/Numbers.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include "tools/quillon/clip/MeasureClip.h"
 
 #include "tools/quillon/ColorSpaceNames.h"
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/clip/Counted.h"
-#include "tools/quillon/clip/Interrupt.h"
 #include "tools/quillon/io/StillError.h"
+#include "tools/quillon/process/ExitCodes.h"
+#include "tools/quillon/process/Interrupt.h"
 
 using orvmediatypes::color::ColorSpace;
 

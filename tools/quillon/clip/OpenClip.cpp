@@ -1,7 +1,7 @@
 #include "tools/quillon/clip/OpenClip.h"
 
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/clip/ClipSource.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 void RequireClip(const std::filesystem::path& path, std::int64_t maxPixels) {
   const ClipInput clip = OpenClipInput(path, maxPixels);

@@ -6,9 +6,9 @@
 #include <limits>
 #include <system_error>
 
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/io/NameBeside.h"
 #include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/video/ClipInput.h"
 
 namespace fs = std::filesystem;

@@ -3,10 +3,10 @@
 #include <system_error>
 #include <utility>
 
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/clip/OpenClip.h"
 #include "tools/quillon/clip/SequenceSource.h"
 #include "tools/quillon/clip/SinglePicture.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 std::optional<SequenceName> InputSequence(const std::filesystem::path& path) {
   std::error_code error;

@@ -4,9 +4,9 @@
 #include <system_error>
 
 #include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/Frames.h"
-#include "tools/quillon/LightLevels.h"
 #include "tools/quillon/clip/Counted.h"
+#include "tools/quillon/picture/Frames.h"
+#include "tools/quillon/picture/LightLevels.h"
 
 SequenceSink::SequenceSink(SequenceName name, int width, int height,
                            const orvmediatypes::color::ColorSpace& colorSpace, StillOutput still,

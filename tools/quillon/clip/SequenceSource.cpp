@@ -4,8 +4,8 @@
 
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/io/Still.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 SequenceSource::SequenceSource(SequenceName name, AVRational rate, std::int64_t first,
                                std::int64_t maxPixels)

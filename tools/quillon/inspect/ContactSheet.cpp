@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "tools/quillon/MapPlan.h"
-#include "tools/quillon/PictureForEye.h"
 #include "tools/quillon/clip/PictureSource.h"
+#include "tools/quillon/picture/PictureForEye.h"
 #include "tools/quillon/plot/CurveStyle.h"
 
 using orvmediatypes::color::ColorSpace;

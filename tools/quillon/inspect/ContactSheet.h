@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "tools/quillon/MapOptions.h"
+#include "tools/quillon/map/MapOptions.h"
 #include "tools/quillon/plot/PlotScene.h"
 
 /// Twelve frames of a clip, evenly spread, small, in sRGB: HDR pictures are mapped as `quillon map`

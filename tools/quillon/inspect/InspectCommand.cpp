@@ -3,21 +3,21 @@
 #include <iostream>
 #include <memory>
 
-#include "tools/quillon/BitmapFrame.h"
 #include "tools/quillon/ColorSpaceNames.h"
 #include "tools/quillon/Commands.h"
-#include "tools/quillon/ExitCodes.h"
-#include "tools/quillon/Frames.h"
 #include "tools/quillon/MapPlan.h"
-#include "tools/quillon/SameFiles.h"
-#include "tools/quillon/SharedOptions.h"
 #include "tools/quillon/clip/MeasureClip.h"
+#include "tools/quillon/clip/SameFiles.h"
 #include "tools/quillon/inspect/ContactSheet.h"
 #include "tools/quillon/inspect/InspectReport.h"
 #include "tools/quillon/inspect/LevelsScene.h"
 #include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/io/WriteStill.h"
+#include "tools/quillon/options/SharedOptions.h"
+#include "tools/quillon/picture/BitmapFrame.h"
+#include "tools/quillon/picture/Frames.h"
 #include "tools/quillon/plot/DrawScene.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace fs = std::filesystem;
 

@@ -1,7 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/quillon/ColorSpaceNames.h"
-#include "tools/quillon/CompareJson.h"
+#include "tools/quillon/compare/CompareJson.h"
 #include "tools/quillon/inspect/InspectReport.h"
 
 using nlohmann::ordered_json;

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/quillon/io/UnfinishedFile.h"
+#include "tools/quillon/process/UnfinishedFile.h"
 
 /// Keeps other runs of this program from an output while it lives, or from some pictures of it. The
 /// lock goes with the process, however that ends; what a killed run leaves of the lock's file binds

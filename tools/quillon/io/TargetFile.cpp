@@ -14,7 +14,7 @@
 
 #include "tools/quillon/io/NameBeside.h"
 #include "tools/quillon/io/StillError.h"
-#include "tools/quillon/io/UnfinishedFile.h"
+#include "tools/quillon/process/UnfinishedFile.h"
 
 namespace fs = std::filesystem;
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "tools/quillon/ChartClip.h"
-#include "tools/quillon/clip/MapClip.h"
+#include "tools/quillon/chart/ChartClip.h"
 #include "tools/quillon/clip/OpenClip.h"
+#include "tools/quillon/map/MapClip.h"
 
 /// The module `clips`: all that calls FFmpeg.
 struct ClipsModule {

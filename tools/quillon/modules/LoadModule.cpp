@@ -5,7 +5,7 @@
 
 #include <dlfcn.h>
 
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace fs = std::filesystem;
 

@@ -4,7 +4,7 @@
 #include <system_error>
 #include <vector>
 
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace fs = std::filesystem;
 

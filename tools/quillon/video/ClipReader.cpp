@@ -4,8 +4,8 @@
 #include <new>
 #include <utility>
 
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/clip/Counted.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace fs = std::filesystem;
 

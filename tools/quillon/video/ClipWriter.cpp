@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace fs = std::filesystem;
 

@@ -10,8 +10,8 @@
 #include <thread>
 
 #include "refhost/orvmediatypes/H273.h"
-#include "tools/quillon/ExitCodes.h"
 #include "tools/quillon/io/TargetFile.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 extern "C" {
 #include <libavutil/opt.h>

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "refhost/kestrel/PixelFormats.h"
-#include "tools/quillon/Choice.h"
+#include "tools/quillon/options/Choice.h"
 #include "tools/quillon/video/ClipTags.h"
 
 enum class VideoCodec { H264, Hevc, Av1, Ffv1, ProRes };

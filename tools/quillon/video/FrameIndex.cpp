@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "tools/quillon/ExitCodes.h"
+#include "tools/quillon/process/ExitCodes.h"
 
 namespace {
 

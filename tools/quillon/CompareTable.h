@@ -1,9 +1,0 @@
-#pragma once
-
-#include <ostream>
-
-#include "tools/quillon/Compare.h"
-
-/// Writes the figures of a comparison for the reader.
-void PrintComparison(std::ostream& out, const Comparison& comparison,
-                     const CompareSettings& settings);

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <ostream>
+
+#include "tools/quillon/compare/Compare.h"
+
+/// Writes the figures of a comparison for the reader.
+void PrintComparison(std::ostream& out, const Comparison& comparison,
+                     const CompareSettings& settings);

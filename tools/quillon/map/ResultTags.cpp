@@ -1,0 +1,39 @@
+#include "tools/quillon/map/ResultTags.h"
+
+#include <algorithm>
+
+#include "refhost/orvmediatypes/H273.h"
+
+using orvmediatypes::color::ColorDescription;
+using orvmediatypes::color::ColorSpace;
+
+namespace {
+
+/// Black of a display that is nowhere described.
+constexpr float kMasteringMinimum = 0.0001F;
+
+void DescribeMastering(const ColorDescription& source, float peak, ColorDescription& result) {
+  const bool told = source.masteringMaxLuminance > 0.0F;
+  const bool samePrimaries = source.primaries == result.primaries;
+  result.masteringMaxLuminance = told ? std::min(source.masteringMaxLuminance, peak) : peak;
+  result.masteringMinLuminance = told ? source.masteringMinLuminance : kMasteringMinimum;
+  if (told && samePrimaries) {
+    result.masteringChromaticities = source.masteringChromaticities;
+  } else if (const auto primaries = H273::ChromaticitiesOf(ColorSpace(result))) {
+    result.masteringChromaticities = *primaries;
+  }
+}
+
+}  // namespace
+
+ClipTags ResultTags(const MapPlan& plan, const MapOptions& options, const ClipTags& source,
+                    const ContentLight& knownLight) {
+  ClipTags result;
+  result.colors = options.destination;
+  result.colors.chromaLocation = source.colors.chromaLocation;
+  if (options.destination.transfer != H273::kTransferPQ) return result;
+  const auto peak = static_cast<float>(plan.destinationPeakNits);
+  DescribeMastering(source.colors, peak, result.colors);
+  result.light = {std::min(knownLight.maxCLL, peak), std::min(knownLight.maxFALL, peak)};
+  return result;
+}

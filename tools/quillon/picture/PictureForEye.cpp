@@ -1,0 +1,43 @@
+#include "tools/quillon/picture/PictureForEye.h"
+
+#include <algorithm>
+
+#include "host/pavix/ColorSpaceUtils.h"
+#include "tools/quillon/ApplyPlan.h"
+#include "tools/quillon/ColorSpaceNames.h"
+#include "tools/quillon/MapPlan.h"
+#include "tools/quillon/picture/BitmapFrame.h"
+#include "tools/quillon/picture/LightLevels.h"
+#include "tools/quillon/picture/PictureLight.h"
+
+namespace {
+bool IsSdr(const PX::VideoFrameRef& frame) {
+  return PX::ColorSpaceUtils::IsSDRColorSpace(frame->GetColorSpace());
+}
+}  // namespace
+
+std::optional<double> CommonHdrPeak(const PX::VideoFrameRef& a, const PX::VideoFrameRef& b,
+                                    int white) {
+  std::optional<double> peak;
+  for (const PX::VideoFrameRef& frame : {a, b}) {
+    if (IsSdr(frame)) continue;
+    const double own = MeasureLightLevels(LightOf(frame, white).light, white).peakNits;
+    peak = std::max(peak.value_or(0.0), own);
+  }
+  return peak;
+}
+
+Bitmap PictureForEye(const PX::VideoFrameRef& frame, std::optional<double> hdrPeakNits, int white,
+                     const std::string& name) {
+  MapOptions options;
+  options.input = name;
+  options.destination = ColorSpaceOfName("srgb");
+  options.white = white;
+  if (!IsSdr(frame) && hdrPeakNits.has_value()) {
+    options.peakSource = PeakSource::Number;
+    options.peakNits = *hdrPeakNits;
+  }
+  Still still;
+  still.frame = frame;
+  return BitmapOfFrame(ApplyPlan(PlanMap(options, still), name));
+}
