@@ -3,8 +3,6 @@
 #include "base/DefaultFloatingPoint.h"
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
-#include "curves/GamutDesaturation.h"
-#include "curves/GamutReinhard.h"
 #include "tonemap/PeakLuminance.h"
 #include "tonemap/SupportParams.h"
 
@@ -15,12 +13,12 @@ using PX::GamutMappingUtils::GamutCompressionSettings;
 
 void GamutCompressionReinhard::operator()(float* pixel, const SupportVector& params,
                                           const GamutCompressionSettings& /*settings*/) const {
-  CompressGamutReinhard(pixel, params[0]);
+  MapPixel(*this, pixel, params.data());
 }
 
 void GamutCompressionDesaturation::operator()(float* pixel, const SupportVector& params,
                                               const GamutCompressionSettings& /*settings*/) const {
-  CompressGamutDesaturation(pixel, params[0], params[1], params[2]);
+  MapPixel(*this, pixel, params.data());
 }
 
 int GetGamutCompressionSupportParams(const PX::GamutMappingUtils::GamutMappingSettings& settings,
@@ -47,19 +45,15 @@ int GetGamutCompressionSupportParams(const PX::GamutMappingUtils::GamutMappingSe
 }
 
 int GetGamutCompressionSupportParamsSize(GamutCompressionAlgorithmType algorithmType) {
-  switch (algorithmType) {
-    case GamutCompressionAlgorithmType::Reinhard:
-      return 1;
-    case GamutCompressionAlgorithmType::Desaturation:
-      return 3;
-    default:
-      // Deliberate: the message names the size query of the tone map.
-      TraceFailure([&](auto& message) {
-        message << "GetToneMappingSupportParamsSize : Invalid Tone Map Method Algorithm Type : "
-                << PX::GamutMappingUtils::GetGamutCompressionMethodName(algorithmType, 1);
-      });
-      return kUnknownAlgorithmSize;
+  if (const GamutCurveFacts* curve = FindGamutCurve(algorithmType)) {
+    return static_cast<int>(curve->entries.size());
   }
+  // Deliberate: the message names the size query of the tone map.
+  TraceFailure([&](auto& message) {
+    message << "GetToneMappingSupportParamsSize : Invalid Tone Map Method Algorithm Type : "
+            << PX::GamutMappingUtils::GetGamutCompressionMethodName(algorithmType, 1);
+  });
+  return kUnknownAlgorithmSize;
 }
 
 }  // namespace Quillon

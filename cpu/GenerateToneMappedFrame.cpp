@@ -17,6 +17,7 @@ int QuillonImpl::GenerateToneMappedFrame(
   void* fromPixels = from.Data();
   void* toPixels = to.Data();
 
+  // Deliberate: without a message of its own, which the pipeline traces.
   if (fromFormat != toFormat) return kInvalidFrame;
   if (destination->GetBounds() != bounds) return kInvalidFrame;
   if (fromPixels == nullptr || toPixels == nullptr) return kInvalidFrame;

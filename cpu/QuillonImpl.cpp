@@ -41,7 +41,7 @@ int PrepareGamutCompression(const GamutMappingSettings& settings, FrameSteps& st
   if (settings.GamutCompressionSettings::algorithmType ==
       GamutCompressionAlgorithmType::Desaturation) {
     steps.compressGamut = GamutCompressionDesaturation{};
-  } else if (steps.gamutParams[0] > 1.0F) {
+  } else if (GamutCompressionReinhard::HasLimit(steps.gamutParams)) {
     steps.compressGamut = GamutCompressionReinhard{};
   }
   return kSuccess;
@@ -52,8 +52,9 @@ int PrepareToneMap(PX::ToneMappingUtils::ToneMapSettings& settings, FrameSteps& 
   if (!CHR::IsToneMappingApplicable(settings)) return kSuccess;
   GetToneMappingSupportParams(settings, steps.toneMapParams);
   const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
+  // Deliberate: without a message of its own.
   if (algorithm == nullptr) return kNotSupported;
-  if (steps.toneMapParams.size() < algorithm->paramsRead) return kDegenerateParameters;
+  if (steps.toneMapParams.size() < algorithm->facts.entries.size()) return kDegenerateParameters;
   steps.toneMap =
       algorithm->bind != nullptr ? algorithm->bind(steps.toneMapParams) : algorithm->curve;
   return steps.toneMap ? kSuccess : kDegenerateParameters;
@@ -61,6 +62,7 @@ int PrepareToneMap(PX::ToneMappingUtils::ToneMapSettings& settings, FrameSteps& 
 
 }  // namespace
 
+// Deliberate: the source is accepted and not looked at.
 int QuillonImpl::GenerateGamutMappedFrame(float* /*source*/, float* destination, int height,
                                           int width, int /*sourceStride*/, int destinationStride,
                                           const GamutMappingSettings& settings) {
@@ -72,6 +74,7 @@ int QuillonImpl::GenerateGamutMappedFrame(float* /*source*/, float* destination,
   if (result < 0) return result;
 
   const int bands = std::min(height, kMaxBands);
+  // Deliberate: threads are asked for even where no step applies.
   const std::shared_ptr<orvcore::threads::AsyncThreadedSubExecutor> executor =
       orvcore::threads::CreateSubExecutor(orvcore::threads::CreateCPUBoundExecutor(), bands);
   if (!steps.toneMap && !steps.compressGamut) return kSuccess;
@@ -98,6 +101,7 @@ int QuillonImpl::GenerateGamutMappedFrame(float* /*source*/, float* destination,
         },
         0);
   }
+  // Deliberate: also where nothing was queued.
   executor->WaitForAll();
   return kSuccess;
 }

@@ -30,7 +30,7 @@ QUILLON_CURVE void CompressGamutReinhard(Real* pixel, float limit) {
   d2 = limit < d2 ? Uniform(limit, d2) : d2;
   const QUILLON_MASK isNear = (d0 <= 0.98f) & (d1 <= 0.92f) & (d2 <= 0.98f);
   if (limit > 1.0f && !IsWorthSkipping(isNear)) {
-    // 1 - 0.98 and 1 - 0.92 as single precision has them.
+    // Deliberate: 1 - 0.98 and 1 - 0.92 as single precision has them.
     d0 = CompressGamutDistance(d0, limit, 0.98f, 1.0f - 0.98f);
     d1 = CompressGamutDistance(d1, limit, 0.92f, 1.0f - 0.92f);
     d2 = CompressGamutDistance(d2, limit, 0.98f, 1.0f - 0.98f);

@@ -21,6 +21,7 @@ int ApplyGamutMapping(const PX::VideoFrameRef& source,
   if (!source.IsUsable() || !destination.IsUsable()) return kInvalidFrame;
   const DefaultFloatingPoint mode;
 
+  // Deliberate: each test asks anew, a source in system memory twice.
   if (IsOnGPU(source) && IsOnGPU(destination)) {
     return ApplyGamutMappingGPU(source, settings, destination);
   }

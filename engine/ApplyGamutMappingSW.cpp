@@ -35,6 +35,7 @@ int ConvertInPlace(const PX::VideoFrameRef& frame, const ColorSpace& sourceColor
                    const ColorManagementSettings& colorManagement) {
   const FrameMemory memory(frame);
   const std::int32_t rowBytes = memory.RowBytes();
+  // Deliberate: the format is read once for each side of the conversion.
   const orvmediatypes::PixelFormat fromFormat = frame->GetPixelFormat();
   const orvmediatypes::PixelFormat toFormat = frame->GetPixelFormat();
   const ColorSpace linear = CHR::ORVColorSpaceToEquivalentLinearColorSpace(sourceColorSpace);
@@ -54,6 +55,7 @@ int Deliver(const PX::VideoFrameRef& working, const ColorSpace& sourceColorSpace
   }
   const int result =
       ConvertInPlace(working, sourceColorSpace, destinationColorSpace, colorManagement);
+  // Deliberate: whatever the conversion returned.
   working->SetColorSpace(destinationColorSpace);
   destination = working;
   return result;
@@ -82,6 +84,7 @@ int ApplyGamutMappingSW(const PX::VideoFrameRef& source,
     return result;
   }
 
+  // Deliberate: the working frame is source and destination.
   result = QuillonImpl().GenerateToneMappedFrame(working, settings, working);
   if (result < 0) {
     TraceFailure(
@@ -91,6 +94,7 @@ int ApplyGamutMappingSW(const PX::VideoFrameRef& source,
 
   result = Deliver(working, sourceColorSpace, destinationColorSpace, colorManagement, destination);
   if (result < 0) {
+    // Deliberate: "aspace changed", as hosts know the text.
     TraceFailure([](auto& message) {
       message << "ApplyGamutMappingSW : Conversion to destination non-linear color aspace changed";
     });

@@ -45,6 +45,7 @@ int LineariseIntoNewFrame(const PX::VideoFrameRef& source, const ColorSpace& sou
                                     linear, false, false);
   if (result < 0) return result;
   result = KS::VideoFrameManipulators::CopyFrame(source, frame, kCopyQuality, colorManagement);
+  // Deliberate: handed out whatever the copy returned.
   working = std::move(frame);
   return result;
 }
@@ -59,6 +60,7 @@ int GetLinearSrcAndDestFrames(const PX::VideoFrameRef& source, const PX::VideoFr
   int result = 0;
   if (source->GetPixelFormat() == kLinearFloatBGRA &&
       destination->GetPixelFormat() == kLinearFloatBGRA) {
+    // Deliberate: handed out whatever the conversion returned, and with the tag that it had.
     result = LineariseIntoDestination(source, destination, sourceColorSpace, colorManagement);
     working = destination;
   } else {

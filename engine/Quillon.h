@@ -27,6 +27,9 @@ namespace Quillon {
 ///   0xA00F0001  a GPU kernel could not be loaded
 ///   0xA00F000F  the parameters computed for the curve are degenerate or incomplete
 ///   any other   what a host call returned
+///
+/// Deliberate: the destination's handle may be written; it refers to the same frame afterwards.
+///
 /// After a failure the destination may hold partly processed pixels. Failures of the steps past the
 /// first checks are reported through the host's trace: level 7, category "Quillon".
 QUILLON_EXPORT int ApplyGamutMapping(const orvcore::classref::InterfaceRef<PX::IVideoFrame>& source,

@@ -1,7 +1,5 @@
 #include "gpu/ApplyGamutMappingGPU.h"
 
-#include <optional>
-
 #include "base/CopyQuality.h"
 #include "base/ResultCodes.h"
 #include "base/Trace.h"
@@ -33,22 +31,10 @@ int CopyUnmapped(const PX::VideoFrameRef& source, const PX::VideoFrameRef& desti
   return result;
 }
 
-std::optional<KernelId> KernelOf(GamutCompressionAlgorithmType algorithmType) {
-  switch (algorithmType) {
-    case GamutCompressionAlgorithmType::Reinhard:
-      return KernelId::GamutCompressionReinhard;
-    case GamutCompressionAlgorithmType::Desaturation:
-      return KernelId::GamutCompressionDesaturation;
-    default:
-      return std::nullopt;
-  }
-}
-
-/// Reinhard leaves every pixel alone unless its limit lies above 1. Not a number is no limit.
 bool HasNothingToCompress(GamutCompressionAlgorithmType algorithmType,
                           const SupportVector& params) {
   return algorithmType == GamutCompressionAlgorithmType::Reinhard && !params.empty() &&
-         !(params[0] > 1.0F);
+         !GamutCompressionReinhard::HasLimit(params);
 }
 
 int CompressGamut(const KernelTarget& target, const GamutMappingSettings& settings) {
@@ -67,6 +53,7 @@ int CompressGamut(const KernelTarget& target, const GamutMappingSettings& settin
 int MapInPlace(const PX::VideoFrameRef& working, const GamutMappingSettings& settings,
                const PX::VideoFrameRef& destination) {
   KernelTarget target;
+  // Deliberate: the destination's device, where tone mapping takes the working frame's.
   int result = MakeKernelTarget(working, DeviceOf(destination), target);
   if (result < 0) return result;
   if (CHR::IsGamutCompressionApplicable(settings)) {
@@ -85,8 +72,9 @@ int MapInPlace(const PX::VideoFrameRef& working, const GamutMappingSettings& set
 int RunGamutCompressionKernel(const KernelTarget& target,
                               GamutCompressionAlgorithmType algorithmType,
                               const SupportVector& params) {
-  const std::optional<KernelId> kernelId = KernelOf(algorithmType);
-  if (!kernelId) {
+  const GamutCurveFacts* curve = FindGamutCurve(algorithmType);
+  if (curve == nullptr) {
+    // Deliberate: told here too, though a call ends before, without parameters for it.
     TraceFailure([&](auto& message) {
       message << "ApplyGamutMappingGPU : (Not implemented) Gamut Compression Algorithm Type : "
               << GetGamutCompressionMethodName(algorithmType, 1);
@@ -96,7 +84,7 @@ int RunGamutCompressionKernel(const KernelTarget& target,
   if (HasNothingToCompress(algorithmType, params)) return kSuccess;
 
   PreparedKernel kernel;
-  int result = PrepareKernel(target, *kernelId, params, {}, kernel);
+  int result = PrepareKernel(target, curve->kernel, params, {}, kernel);
   if (result < 0) return result;
   result = RunKernel(target, kernel);
   if (result < 0) {
@@ -117,6 +105,7 @@ int ApplyGamutMappingGPU(const PX::VideoFrameRef& source, const GamutMappingSett
   PX::VideoFrameRef working;
   int result = LinearizeFrame(source, working, colorManagement);
   if (result < 0) {
+    // Deliberate: "changed", as hosts know the text.
     TraceFailure([](auto& message) {
       message << "ApplyGamutMappingGPU : Source or Destination frame linearisation changed";
     });

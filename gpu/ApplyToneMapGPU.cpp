@@ -17,8 +17,8 @@ namespace {
 /// The settings are the working copy that the parameters were computed with.
 int RunToneMapKernel(const KernelTarget& target, const ToneMapSettings& settings,
                      const SupportVector& params) {
-  const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
-  if (algorithm == nullptr) {
+  const ToneCurveFacts* curve = FindToneCurve(settings.algorithmType);
+  if (curve == nullptr) {
     TraceFailure([&](auto& message) {
       message << "ApplyToneMapGPU : (Not implemented) Tone Map Method Algorithm Type : "
               << GetLocalizedToneMappingMethodName(settings.algorithmType, 1);
@@ -27,7 +27,7 @@ int RunToneMapKernel(const KernelTarget& target, const ToneMapSettings& settings
   }
 
   PreparedKernel kernel;
-  int result = PrepareKernel(target, algorithm->kernel, params, settings.controls, kernel);
+  int result = PrepareKernel(target, curve->kernel, params, settings.controls, kernel);
   if (result < 0) return result;
   result = RunKernel(target, kernel);
   if (result < 0) {

@@ -4,10 +4,11 @@
 
 namespace Quillon {
 
-// NVIDIA's CUDA driver interface, found when the program runs. Nothing else of the engine uses it:
-// kernels go through the host's devices.
+// NVIDIA's CUDA driver interface, found when the program runs.
+// Deliberate: nothing else of the engine uses it. Kernels go through the host's devices.
 
-/// Name of the driver's library: "nvcuda.dll", on every system.
+/// Name of the driver's library.
+/// Deliberate: "nvcuda.dll", on every system.
 extern const wchar_t* cudaDriverLibraryName;
 
 using CudaDriverInit = unsigned (*)(unsigned flags);
@@ -19,8 +20,9 @@ extern CudaDriverInit cuInit;
 #define QUILLON_CUDA_OPTIONAL(name) extern FARPROC name;
 #include "gpu/CudaDriverEntryPoints.inc"
 
-/// Opens the driver, initialises it with these flags, and finds its entry points. Every call does
-/// so anew. Not for several threads at once.
+/// Opens the driver, initialises it with these flags, and finds its entry points. Not for several
+/// threads at once.
+/// Deliberate: every call does so anew.
 ///
 /// 0, or what `cuInit` returned where that is not 0: nothing else is looked up then. 999 where
 /// there is no driver, or it lacks `cuInit` or a required entry point: those after it stay as they

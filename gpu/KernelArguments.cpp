@@ -6,18 +6,18 @@ namespace Quillon {
 
 namespace {
 
-float ValueOf(KernelFloat source, const SupportVector& params,
+float ValueOf(const KernelFloat& source, const SupportVector& params,
               const orvmediatypes::color::ToneMapControls& controls) {
-  switch (source) {
-    case KernelFloat::Peak:
+  if (!source.control) return params[source.entry];
+  switch (*source.control) {
+    case KernelControl::Peak:
       return controls.peak;
-    case KernelFloat::PeakGain:
+    case KernelControl::PeakGain:
       return controls.peakGain;
-    case KernelFloat::ColorPreservation:
+    case KernelControl::ColorPreservation:
       return controls.colorPreservation;
-    default:
-      return params[static_cast<std::size_t>(source)];
   }
+  return 0.0F;
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "base/KernelSignatures.h"
+#include "base/KernelSignature.h"
 #include "base/SupportVector.h"
 #include "gpu/GPUFrameDescriptor.h"
 #include "host/orvmediatypes/PixelFormat.h"
@@ -15,7 +15,7 @@ namespace Quillon {
 
 /// Argument block of a kernel: what every kernel is told of the frame, then its own floats.
 struct KernelArguments {
-  GPUFrameDescriptor frame;
+  GPUFrameDescriptor frame{};
   std::uint64_t auxiliaryBuffer = 0;  ///< always null
   std::uint32_t rowPitchPixels = 0;
   /// Kernels get its format flag.
@@ -26,7 +26,7 @@ struct KernelArguments {
 
   /// Bytes of all arguments but the frame and the auxiliary buffer: row pitch, format flag, frame
   /// size and floats.
-  std::uint32_t ByValueBytes() const { return 16 + 4 * floatCount; }
+  std::uint32_t ByValueBytes() const { return kKernelHeadBytes + 4 * floatCount; }
 };
 
 static_assert(std::is_standard_layout_v<KernelArguments>);

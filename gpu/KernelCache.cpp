@@ -1,10 +1,21 @@
 #include "gpu/KernelCache.h"
 
+#include <algorithm>
+
+#include "gpu/Kernels.h"
+
 namespace Quillon {
 
 namespace {
 
-constinit std::array<KernelCache, kKernelCount> caches{};
+constinit std::array<KernelCache, kKernels.size()> caches{};
+
+/// The engine's kernels alone are asked for.
+KernelCache& CacheOf(const KernelSignature& kernel) {
+  const auto* found = std::find_if(kKernels.begin(), kKernels.end(),
+                                   [&](const auto* known) { return known->name == kernel.name; });
+  return caches.at(static_cast<std::size_t>(found - kKernels.begin()));
+}
 
 bool IsBelow(std::int32_t index, std::size_t count) {
   return index >= 0 && static_cast<std::size_t>(index) < count;
@@ -55,10 +66,9 @@ IL::KernelHandle KernelCache::Get(std::string_view kernel,
   return loaded;
 }
 
-IL::KernelHandle GetKernel(KernelId kernel, const std::shared_ptr<IL::Device>& device,
+IL::KernelHandle GetKernel(const KernelSignature& kernel, const std::shared_ptr<IL::Device>& device,
                            const IL::DeviceDescription& description) {
-  return caches[static_cast<std::size_t>(kernel)].Get(SignatureOf(kernel).name, device,
-                                                      description);
+  return CacheOf(kernel).Get(kernel.name, device, description);
 }
 
 }  // namespace Quillon

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string_view>
 
-#include "base/KernelSignatures.h"
+#include "base/KernelSignature.h"
 #include "host/ironlane/Device.h"
 
 namespace Quillon {
@@ -57,8 +57,8 @@ class KernelCache {
   std::array<std::array<Cell, kOrdinals>, kPlatformKinds> cells_{};
 };
 
-/// The kernel's handle from the process-wide caches.
-IL::KernelHandle GetKernel(KernelId kernel, const std::shared_ptr<IL::Device>& device,
+/// The handle of one of the engine's kernels from the process-wide caches.
+IL::KernelHandle GetKernel(const KernelSignature& kernel, const std::shared_ptr<IL::Device>& device,
                            const IL::DeviceDescription& description);
 
 }  // namespace Quillon

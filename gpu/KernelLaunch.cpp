@@ -6,7 +6,6 @@ namespace Quillon {
 
 namespace {
 
-constexpr std::int32_t kPlatformOpenCL = 2;
 constexpr std::int32_t kPlatform3 = 3;
 constexpr std::int32_t kPlatform4 = 4;
 
@@ -14,7 +13,7 @@ LaunchGeometry ChooseBlock(const IL::DeviceDescription& device) {
   constexpr LaunchGeometry kSingle{.blockX = 1, .blockY = 1};
   constexpr LaunchGeometry kRow{.blockX = 64, .blockY = 1};
   constexpr LaunchGeometry kSquare{.blockX = 16, .blockY = 16};
-  if (device.platformKind == kPlatformOpenCL) return kSingle;
+  if (device.platformKind == IL::kPlatformOpenCl) return kSingle;
   if (device.platformKind == kPlatform3) return kSquare;
   switch (device.architectureCode) {
     case 1:
@@ -33,7 +32,7 @@ std::uint32_t DivideRoundingUp(std::uint32_t size, std::uint32_t block) {
 }
 
 bool TakesBuffersAsMemory(std::int32_t platformKind) {
-  return platformKind == kPlatformOpenCL || platformKind == kPlatform3 ||
+  return platformKind == IL::kPlatformOpenCl || platformKind == kPlatform3 ||
          platformKind == kPlatform4;
 }
 
@@ -64,6 +63,7 @@ int PushArguments(IL::IArgumentSet& set, std::int32_t platformKind,
                   const KernelArguments& arguments) {
   ArgumentPusher pusher(set);
   pusher.Frame(arguments.frame);
+  // Deliberate: a buffer that is always null, and then numbers that the frame has.
   if (TakesBuffersAsMemory(platformKind)) {
     pusher.Memory(arguments.auxiliaryBuffer);
   } else {

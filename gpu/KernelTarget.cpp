@@ -41,7 +41,9 @@ int MakeKernelTarget(const PX::VideoFrameRef& frame, std::shared_ptr<IL::Device>
                        .width = width,
                        .height = height,
                        .rowPitchPixels = rowPitchPixels,
-                       .formatFlag = FormatFlag(format)};
+                       .formatFlag = FormatFlag(format),
+                       .reserved = 0,
+                       .padding = 0};
   target.head.rowPitchPixels = rowPitchPixels;
   target.head.pixelFormat = format;
   target.head.frameSize = std::uint64_t{height} << 32U | width;
@@ -51,10 +53,11 @@ int MakeKernelTarget(const PX::VideoFrameRef& frame, std::shared_ptr<IL::Device>
   return kSuccess;
 }
 
-int PrepareKernel(const KernelTarget& target, KernelId kernel, const SupportVector& params,
+int PrepareKernel(const KernelTarget& target, const KernelSignature& kernel,
+                  const SupportVector& params,
                   const orvmediatypes::color::ToneMapControls& controls, PreparedKernel& prepared) {
   prepared.arguments = target.head;
-  const int result = SetKernelFloats(SignatureOf(kernel), params, controls, prepared.arguments);
+  const int result = SetKernelFloats(kernel, params, controls, prepared.arguments);
   if (result < 0) return result;
   prepared.kernel = GetKernel(kernel, target.device, target.description);
   return prepared.kernel != nullptr ? kSuccess : kKernelNotLoaded;

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "base/KernelSignatures.h"
+#include "base/KernelSignature.h"
 #include "base/SupportVector.h"
 #include "gpu/KernelArguments.h"
 #include "gpu/KernelLaunch.h"
@@ -37,7 +37,8 @@ struct PreparedKernel {
 
 /// 0; 0xA00F000F when the support vector is too short for the kernel, which is then not loaded; or
 /// 0xA00F0001 when there is no such kernel.
-int PrepareKernel(const KernelTarget& target, KernelId kernel, const SupportVector& params,
+int PrepareKernel(const KernelTarget& target, const KernelSignature& kernel,
+                  const SupportVector& params,
                   const orvmediatypes::color::ToneMapControls& controls, PreparedKernel& prepared);
 
 /// Runs the kernel over the target's frame; see `LaunchKernel`.

@@ -48,6 +48,7 @@ int LinearizeFrame(const PX::VideoFrameRef& source, PX::VideoFrameRef& working,
     return result;
   }
   result = KS::GPUFrameManipulators::CopyFrame(source, frame, kCopyQuality, colorManagement);
+  // Deliberate: handed out whatever the copy returned.
   working = std::move(frame);
   if (result < 0) {
     TraceFailure([](auto& message) { message << "LinearizeFrame : Copy to output frame failed"; });

@@ -3,17 +3,6 @@
 #include "curves/HalfFloat.h"
 #include "kernels/KernelLanguage.h"
 
-/// A frame as kernels see it: 32 bytes, laid out as the engine has them.
-typedef struct QUILLON_ALIGNED(8) GPUFrameDescriptor {
-  Address pixels;
-  unsigned width;
-  unsigned height;
-  unsigned pitch;      // pixels from row to row
-  unsigned isNotHalf;  // 1: floats; 0: half floats
-  unsigned reserved;
-  unsigned padding;
-} GPUFrameDescriptor;
-
 // Pixels as they are stored, blue, green, red and alpha, read and written whole.
 
 typedef struct QUILLON_ALIGNED(16) FloatPixel {
@@ -29,12 +18,12 @@ QUILLON_FUNCTION int IsInside(GPUFrameDescriptor frame, unsigned column, unsigne
 }
 
 QUILLON_FUNCTION size_t PlaceOf(GPUFrameDescriptor frame, unsigned column, unsigned row) {
-  return (size_t)row * frame.pitch + column;
+  return (size_t)row * frame.rowPitchPixels + column;
 }
 
-QUILLON_FUNCTION void LoadPixel(const QUILLON_GLOBAL void* pixels, int isNotHalf, size_t place,
-                                float* pixel) {
-  if (isNotHalf != 0) {
+QUILLON_FUNCTION void LoadPixel(const QUILLON_GLOBAL void* pixels, unsigned formatFlag,
+                                size_t place, float* pixel) {
+  if (formatFlag != 0) {
     const FloatPixel stored = ((const QUILLON_GLOBAL FloatPixel*)pixels)[place];
     for (int c = 0; c < 4; ++c) pixel[c] = stored.components[c];
   } else {
@@ -43,9 +32,9 @@ QUILLON_FUNCTION void LoadPixel(const QUILLON_GLOBAL void* pixels, int isNotHalf
   }
 }
 
-QUILLON_FUNCTION void StorePixel(QUILLON_GLOBAL void* pixels, int isNotHalf, size_t place,
+QUILLON_FUNCTION void StorePixel(QUILLON_GLOBAL void* pixels, unsigned formatFlag, size_t place,
                                  const float* pixel) {
-  if (isNotHalf != 0) {
+  if (formatFlag != 0) {
     FloatPixel stored;
     for (int c = 0; c < 4; ++c) stored.components[c] = pixel[c];
     ((QUILLON_GLOBAL FloatPixel*)pixels)[place] = stored;

@@ -6,6 +6,7 @@
 // device, it becomes two: the memory, and the descriptor, whose pointer means nothing there.
 
 #include "curves/Language.h"
+#include "host/ironlane/GPUFrameDescriptor.h"
 
 #if defined(__OPENCL_VERSION__)
 
@@ -16,7 +17,7 @@
 #define QUILLON_PIXELS(name) name##Pixels
 #define QUILLON_COLUMN ((unsigned)get_global_id(0))
 #define QUILLON_ROW ((unsigned)get_global_id(1))
-typedef ulong Address;
+typedef ulong FrameSize;
 
 #else
 
@@ -24,9 +25,10 @@ typedef ulong Address;
 #define QUILLON_GLOBAL
 #define QUILLON_ALIGNED(bytes) __attribute__((aligned(bytes)))
 #define QUILLON_FRAME(name) const GPUFrameDescriptor name
-#define QUILLON_PIXELS(name) ((void*)(name).pixels)
+#define QUILLON_PIXELS(name) ((void*)(name).devicePointer)
 #define QUILLON_COLUMN (blockIdx.x * blockDim.x + threadIdx.x)
 #define QUILLON_ROW (blockIdx.y * blockDim.y + threadIdx.y)
-typedef unsigned long long Address;
+typedef unsigned long long FrameSize;
+using Quillon::GPUFrameDescriptor;
 
 #endif

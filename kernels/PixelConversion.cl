@@ -11,8 +11,8 @@ QUILLON_KERNEL ConvertPixels(QUILLON_FRAME(source), QUILLON_FRAME(destination), 
   const unsigned row = QUILLON_ROW;
   if (!IsInside(destination, column, row)) return;
   float pixel[4];
-  LoadPixel(QUILLON_PIXELS(source), source.isNotHalf, PlaceOf(source, column, row), pixel);
+  LoadPixel(QUILLON_PIXELS(source), source.formatFlag, PlaceOf(source, column, row), pixel);
   if (converts != 0) ConvertPixel(params, pixel);
-  StorePixel(QUILLON_PIXELS(destination), destination.isNotHalf, PlaceOf(destination, column, row),
+  StorePixel(QUILLON_PIXELS(destination), destination.formatFlag, PlaceOf(destination, column, row),
              pixel);
 }

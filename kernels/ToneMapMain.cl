@@ -12,21 +12,21 @@
 
 // Of the arguments that all kernels begin with, those after the frame repeat what it says; the
 // auxiliary buffer is null.
-#define QUILLON_HEAD                                                                        \
-  QUILLON_FRAME(frame), QUILLON_GLOBAL void *auxiliary, unsigned pitch, unsigned isNotHalf, \
-      Address size
+#define QUILLON_HEAD                                                             \
+  QUILLON_FRAME(frame), QUILLON_GLOBAL void *auxiliary, unsigned rowPitchPixels, \
+      unsigned formatFlag, FrameSize size
 
 // Applies `curve`, a statement on the floats of `pixel`, to the pixel of this thread. Threads
 // beyond the frame have none.
-#define QUILLON_MAP_PIXEL(curve)                                   \
-  const unsigned column = QUILLON_COLUMN;                          \
-  const unsigned row = QUILLON_ROW;                                \
-  if (!IsInside(frame, column, row)) return;                       \
-  const size_t place = PlaceOf(frame, column, row);                \
-  float pixel[4];                                                  \
-  LoadPixel(QUILLON_PIXELS(frame), frame.isNotHalf, place, pixel); \
-  curve;                                                           \
-  StorePixel(QUILLON_PIXELS(frame), frame.isNotHalf, place, pixel)
+#define QUILLON_MAP_PIXEL(curve)                                    \
+  const unsigned column = QUILLON_COLUMN;                           \
+  const unsigned row = QUILLON_ROW;                                 \
+  if (!IsInside(frame, column, row)) return;                        \
+  const size_t place = PlaceOf(frame, column, row);                 \
+  float pixel[4];                                                   \
+  LoadPixel(QUILLON_PIXELS(frame), frame.formatFlag, place, pixel); \
+  curve;                                                            \
+  StorePixel(QUILLON_PIXELS(frame), frame.formatFlag, place, pixel)
 
 QUILLON_KERNEL GamutCompressionKernelReinhard(QUILLON_HEAD, float limit) {
   QUILLON_MAP_PIXEL(CompressGamutReinhard(pixel, limit));

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "host/orvmediatypes/AlgorithmTypes.h"
 #include "mapper/Colors.h"
@@ -11,6 +13,21 @@ namespace [[gnu::visibility("default")]] Mapper {
 
 using Algorithm = orvmediatypes::color::ToneMapAlgorithmType;
 using GamutAlgorithm = orvmediatypes::color::GamutCompressionAlgorithmType;
+
+/// A value that people know by a name.
+template <class Value>
+struct Named {
+  std::string_view name;
+  Value value;
+};
+
+/// All tone-map algorithms by the names of options: "auto", the curves, "none".
+std::span<const Named<Algorithm>> Algorithms();
+/// The same of gamut compression: "none" and the curves.
+std::span<const Named<GamutAlgorithm>> GamutAlgorithms();
+
+/// The name of an algorithm; empty for a value that has none.
+std::string_view AlgorithmName(Algorithm algorithm);
 
 /// Content light levels (CTA-861.3) in nits; 0: not given.
 struct ContentLight {

@@ -1,35 +1,44 @@
 #pragma once
 
-#include <cstddef>
-#include <functional>
-
-#include "base/KernelSignatures.h"
-#include "base/SupportVector.h"
-#include "host/pavix/ToneMappingUtils.h"
+#include "base/CurveList.h"
+#include "tonemap/CarToneCurve.h"
+#include "tonemap/HuePreservation.h"
+#include "tonemap/Itu2390.h"
+#include "tonemap/Itu2446A.h"
+#include "tonemap/ToneCurve.h"
 
 namespace Quillon {
 
-/// Tone maps one pixel of four floats in place: linear light, 1.0 at reference white, blue, green
-/// and red changed and alpha not. The parameter vector is that of `GetToneMappingSupportParams`.
-using ToneMapPixelFunction =
-    std::function<void(float* pixel, const SupportVector& params,
-                       const PX::ToneMappingUtils::ToneMapSettings& settings)>;
+/// The tone curves, in the order of their algorithms' values. Every choice by algorithm reads this.
+using ToneCurves = CurveList<ITU2390MaxRGBToneMap, ITU2390RGBByChannelToneMap, ITU2446AToneMap,
+                             HuePreservationToneMap, CARToneMap>;
 
-/// What the engine knows of one tone-map algorithm. Every choice by algorithm reads this table.
+/// What is told of each, in the same order.
+inline constexpr auto kToneCurves = FactsOf(ToneCurves{});
+
+/// What is told of an algorithm's curve, or null for a value that names none (the automatic choice
+/// among them).
+constexpr const ToneCurveFacts* FindToneCurve(
+    orvmediatypes::color::ToneMapAlgorithmType algorithmType) {
+  return FindFacts(kToneCurves, algorithmType);
+}
+
+/// The algorithm whose support parameters a request gets: for the automatic choice the
+/// hue-preserving one.
+constexpr orvmediatypes::color::ToneMapAlgorithmType AlgorithmOfParams(
+    orvmediatypes::color::ToneMapAlgorithmType algorithmType) {
+  using enum orvmediatypes::color::ToneMapAlgorithmType;
+  return algorithmType == Automatic ? HuePreservationDesaturation : algorithmType;
+}
+
+/// A tone curve, ready to be called.
 struct ToneMapAlgorithm {
-  orvmediatypes::color::ToneMapAlgorithmType type;
-  /// Declared length of the support parameters: what the size query answers.
-  int paramsSize;
-  /// How many of them the curve reads.
-  std::size_t paramsRead;
-  /// Fills the support parameters.
-  void (*buildParams)(PX::ToneMappingUtils::ToneMapSettings& settings, SupportVector& params);
+  const ToneCurveFacts& facts;
+  ToneMapParamsBuilder buildParams;
   ToneMapPixelFunction curve;
   /// The curve with what it needs for all pixels of a frame with these parameters; empty when they
   /// are degenerate. Null where the curve needs nothing and takes any parameters.
   ToneMapPixelFunction (*bind)(const SupportVector& params);
-  /// The same curve on a GPU.
-  KernelId kernel;
 };
 
 /// The algorithm's entry, or null for a value that names none (the automatic choice among them).

@@ -73,13 +73,16 @@ void GetCARToneCurveSupportParams(const ColorSpace& destination,
 
 void CARToneMap::operator()(float* pixel, const SupportVector& params,
                             const PX::ToneMappingUtils::ToneMapSettings& settings) const {
-  DesaturateHighlight(pixel, settings.controls.peakGain, params[0], settings.controls.peak,
-                      settings.controls.colorPreservation, params[4], params[5], params[6]);
-  ToneMapCar(pixel, params[0], params[1], params[2], params[3]);
+  using P = CarParams;
+  DesaturateHighlight(pixel, settings.controls.peakGain, params[P::kKnee], settings.controls.peak,
+                      settings.controls.colorPreservation, params[P::kWeightRed],
+                      params[P::kWeightGreen], params[P::kWeightBlue]);
+  ToneMapCar(pixel, params[P::kKnee], params[P::kA], params[P::kB], params[P::kDestinationPeak]);
 }
 
 void GetCARToneCurveSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
                                   SupportVector& params) {
+  // Deliberate: the record's own colour management, whatever its version.
   GetCARToneCurveSupportParams(settings.destinationColorSpace, settings.colorManagementSettings,
                                settings.knee, params);
 }

@@ -5,6 +5,7 @@
 
 #include "base/SupportVector.h"
 #include "host/pavix/ToneMappingUtils.h"
+#include "tonemap/ToneCurve.h"
 
 namespace Quillon {
 
@@ -17,10 +18,28 @@ struct CarTables {
 };
 const CarTables& GetCarTables();
 
-/// Support parameters of the CAR curve:
-///   0  knee point in linear light        3       destination peak in linear light
-///   1  coefficient A                     4 to 6  red, green and blue luminance weights
-///   2  coefficient B
+/// Support parameters of the CAR curve.
+struct CarParams {
+  enum Entry : std::size_t {
+    kKnee,
+    kA,
+    kB,
+    kDestinationPeak,
+    kWeightRed,
+    kWeightGreen,
+    kWeightBlue
+  };
+  static constexpr std::array<ParamEntry, 7> kEntries = {
+      {{"knee", "knee point", Unit::Linear},
+       {"a", "coefficient A"},
+       {"b", "coefficient B"},
+       {"destinationPeak", "destination peak", Unit::Linear},
+       {"weightRed", "red luminance weight"},
+       {"weightGreen", "green luminance weight"},
+       {"weightBlue", "blue luminance weight"}}};
+};
+
+/// The knee is 0 to 1 of the destination's peak.
 void GetCARToneCurveSupportParams(
     const orvmediatypes::color::ColorSpace& destination,
     const orvmediatypes::color::ColorManagementSettings& colorManagement, float knee,
@@ -32,6 +51,23 @@ void GetCARToneCurveSupportParams(PX::ToneMappingUtils::ToneMapSettings& setting
 
 /// The curve bound to its parameters.
 struct CARToneMap {
+  // Deliberate: the kernel takes its controls among the parameters.
+  static constexpr ToneCurveFacts kFacts = {
+      .type = orvmediatypes::color::ToneMapAlgorithmType::CARToneCurve,
+      .id = "car",
+      .name = "CAR tone curve",
+      .entries = CarParams::kEntries,
+      .declaredParams = 7,
+      .knee = Knee{.entry = CarParams::kKnee, .isSetting = true},
+      .peakUnit = Unit::Linear,
+      .rowForm = RowForm::Tiles,
+      .kernel = {
+          "ToneMapKernelCARToneCurve",
+          {CarParams::kKnee, KernelControl::PeakGain, CarParams::kA, CarParams::kB,
+           KernelControl::ColorPreservation, KernelControl::Peak, CarParams::kDestinationPeak,
+           CarParams::kWeightRed, CarParams::kWeightGreen, CarParams::kWeightBlue}}};
+  static constexpr ToneMapParamsBuilder kBuildParams = GetCARToneCurveSupportParams;
+
   void operator()(float* pixel, const SupportVector& params,
                   const PX::ToneMappingUtils::ToneMapSettings& settings) const;
 };

@@ -1,7 +1,6 @@
 #include "tonemap/HuePreservation.h"
 
 #include "base/WorkingColorManagement.h"
-#include "curves/HuePreservation.h"
 #include "host/chromant/Conversion.h"
 #include "host/pavix/ColorSpaceUtils.h"
 #include "tonemap/PeakLuminance.h"
@@ -30,8 +29,8 @@ void GetHuePreservationSupportParams(ToneMapSettings& settings, SupportVector& p
   params.push_back(settings.controls.peakGain * settings.controls.peak);
   if (settings.algorithmType == ToneMapAlgorithmType::Automatic) {
     // Deliberate: the vector stays that of the hue-preserving curve whatever is chosen.
-    PX::ToneMappingUtils::GetAdjustedToneMapAlgoAndKnee(params[0], settings.algorithmType,
-                                                        settings.knee);
+    PX::ToneMappingUtils::GetAdjustedToneMapAlgoAndKnee(params[HuePreservationParams::kSourcePeak],
+                                                        settings.algorithmType, settings.knee);
   }
   const float destinationPeak = DestinationPeak(settings);
   params.push_back(destinationPeak * settings.knee);
@@ -40,8 +39,7 @@ void GetHuePreservationSupportParams(ToneMapSettings& settings, SupportVector& p
 
 void HuePreservationToneMap::operator()(float* pixel, const SupportVector& params,
                                         const ToneMapSettings& settings) const {
-  HuePreservingDesaturation(pixel, settings.controls.peakGain, params[0], params[1], params[2],
-                            settings.controls.colorPreservation);
+  MapPixel(*this, pixel, params.data(), settings.controls);
 }
 
 }  // namespace Quillon

@@ -26,6 +26,8 @@ using PX::ToneMappingUtils::ToneMapSettings;
 
 namespace {
 
+using P = Itu2390Params;
+
 constexpr float kOldPeakSignal = 1.09F;      // super-white of a narrow-range SDR signal
 constexpr float kOldHlgPeakSignal = 0.752F;  // PQ code value of 1000 nits
 constexpr float kOldReferenceWhite = 1000.0F;
@@ -67,6 +69,7 @@ bool AppendBlacksAndPeaks(const ToneMapSettings& settings, bool colorManaged,
   }
 
   const float peak = GetPeakSignalFromMetaData(settings.destinationColorSpace, defaultPeak);
+  // Deliberate: on one channel alone below version 3, though with the record's colour management.
   const std::size_t channels = colorManaged ? 3 : 1;
   for (std::size_t channel = 0; channel < channels; ++channel) {
     from[kPeak + channel] = peak;
@@ -76,6 +79,7 @@ bool AppendBlacksAndPeaks(const ToneMapSettings& settings, bool colorManaged,
       ConvertToPQ(from, to, settings.destinationColorSpace, settings.colorManagementSettings) < 0) {
     return false;
   }
+  // Deliberate: unconverted, the black is what the source's conversion left there.
   params.push_back(to[kBlack]);
   params.push_back(to[kPeak]);
   return true;
@@ -99,35 +103,49 @@ float DecodePQ(float signal) {
 /// Highlights desaturated in linear light, then the EETF on PQ code values.
 void ToneMap(Itu2390Form form, float* pixel, const SupportVector& params,
              const ToneMapSettings& settings) {
-  DesaturateHighlight(pixel, settings.controls.peakGain, params[9], settings.controls.peak,
-                      settings.controls.colorPreservation, params[10], params[11], params[12]);
-  const float kneeStart = params[8];
+  DesaturateHighlight(pixel, settings.controls.peakGain, params[P::kKneeStartLight],
+                      settings.controls.peak, settings.controls.colorPreservation,
+                      params[P::kWeightRed], params[P::kWeightGreen], params[P::kWeightBlue]);
+  const float kneeStart = params[P::kKneeStart];
   if (kneeStart >= 1.0F) return;
   ApplyItu2390(form, params.data(), pixel);
 }
 
 bool IsCodeValue(float value) { return value >= 0.0F && value <= 1.0F; }
 
+template <class Curve>
+ToneMapPixelFunction BindTables(const SupportVector& params) {
+  if (!PrepareITU2390(params)) return {};
+  return Curve{MakeItu2390Tables(Curve::kForm, params)};
+}
+
 }  // namespace
 
 bool PrepareITU2390(const SupportVector& params) {
   constexpr float kTolerance = 1e-15F;
-  const float range = params[5];
-  const float kneeStart = params[8];
+  const float range = params[P::kSourceRange];
+  const float kneeStart = params[P::kKneeStart];
   if (range < kTolerance || std::abs(1.0F - kneeStart) < kTolerance) return false;
+  // Deliberate: the tables are built here, before a band is queued.
   return WarmPQTables();
 }
 
 Bt2390Params Itu2390CurveParams(const float* params) {
-  return {.sourceBlack = params[0],
-          .sourceRange = params[5],
-          .kneeStart = params[8],
-          .minLum = params[6],
-          .maxLum = params[7]};
+  return {.sourceBlack = params[P::kSourceBlack],
+          .sourceRange = params[P::kSourceRange],
+          .kneeStart = params[P::kKneeStart],
+          .minLum = params[P::kMinLum],
+          .maxLum = params[P::kMaxLum]};
+}
+
+double Itu2390CodeValue(const SupportVector& params, double share) {
+  const double sourceBlack = params[P::kSourceBlack];
+  const double sourceRange = params[P::kSourceRange];
+  return sourceBlack + share * sourceRange;
 }
 
 void ApplyItu2390(Itu2390Form form, const float* params, float* pixel) {
-  const float white = params[4];
+  const float white = params[P::kReferenceWhite];
   std::array<float, 3> pq = {white * pixel[0], white * pixel[1], white * pixel[2]};
   EncodePQByTable(pq.data());
   if (form == Itu2390Form::MaxRGB) {
@@ -145,7 +163,7 @@ std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
   const DefaultFloatingPoint mode;
   const Bt2390Params curve = Itu2390CurveParams(params.data());
   if (curve.kneeStart >= 1.0F) return nullptr;
-  const float white = params[4];
+  const float white = params[P::kReferenceWhite];
   const auto tables =
       std::allocate_shared<Itu2390Tables>(orvcore::allocator::STLAllocator<Itu2390Tables>());
   tables->params = params;
@@ -174,6 +192,14 @@ std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
   return tables;
 }
 
+ToneMapPixelFunction ITU2390MaxRGBToneMap::Bind(const SupportVector& params) {
+  return BindTables<ITU2390MaxRGBToneMap>(params);
+}
+
+ToneMapPixelFunction ITU2390RGBByChannelToneMap::Bind(const SupportVector& params) {
+  return BindTables<ITU2390RGBByChannelToneMap>(params);
+}
+
 void ITU2390MaxRGBToneMap::operator()(float* pixel, const SupportVector& params,
                                       const ToneMapSettings& settings) const {
   ToneMap(kForm, pixel, params, settings);
@@ -193,7 +219,9 @@ void GetITU2390SupportParams(ToneMapSettings& settings, SupportVector& params) {
   const float referenceWhite = ReferenceWhite(settings, colorManaged);
   params.push_back(referenceWhite);
 
-  const Bt2390Params curve = MakeBt2390Params(params[0], params[1], params[2], params[3]);
+  const Bt2390Params curve =
+      MakeBt2390Params(params[P::kSourceBlack], params[P::kSourcePeak],
+                       params[P::kDestinationBlack], params[P::kDestinationPeak]);
   params.push_back(curve.sourceRange);
   params.push_back(curve.minLum);
   params.push_back(curve.maxLum);

@@ -1,22 +1,49 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <memory>
 
 #include "base/SupportVector.h"
 #include "curves/Bt2390.h"
 #include "host/pavix/ToneMappingUtils.h"
+#include "tonemap/ToneCurve.h"
 
 namespace Quillon {
 
-/// Support parameters of both BT.2390 curves (Report ITU-R BT.2390-11, 5.4), PQ code values where
-/// nothing else is said:
-///   0   source black                      7   normalised destination peak, maxLum
-///   1   source peak                       8   knee start KS
-///   2   destination black                 9   knee start in nits over reference white
-///   3   destination peak                  10  red luminance weight of the destination
-///   4   reference white, nits (or 1.0)    11  green luminance weight
-///   5   source range, [1] - [0]           12  blue luminance weight
-///   6   normalised destination black, minLum
+/// Support parameters of both BT.2390 curves (Report ITU-R BT.2390-11, 5.4).
+struct Itu2390Params {
+  enum Entry : std::size_t {
+    kSourceBlack,
+    kSourcePeak,
+    kDestinationBlack,
+    kDestinationPeak,
+    kReferenceWhite,  ///< or 1.0
+    kSourceRange,     ///< source peak less source black
+    kMinLum,
+    kMaxLum,
+    kKneeStart,
+    kKneeStartLight,
+    kWeightRed,
+    kWeightGreen,
+    kWeightBlue,
+  };
+  static constexpr std::array<ParamEntry, 13> kEntries = {
+      {{"sourceBlack", "source black", Unit::PqCode},
+       {"sourcePeak", "source peak", Unit::PqCode},
+       {"destinationBlack", "destination black", Unit::PqCode},
+       {"destinationPeak", "destination peak", Unit::PqCode},
+       {"referenceWhite", "reference white", Unit::Nits},
+       {"sourceRange", "source range", Unit::PqCode},
+       {"minLum", "normalised destination black, minLum", Unit::PqShare},
+       {"maxLum", "normalised destination peak, maxLum", Unit::PqShare},
+       {"kneeStart", "knee start KS", Unit::PqShare},
+       {"kneeStartLight", "knee start over reference white", Unit::Linear},
+       {"weightRed", "red luminance weight"},
+       {"weightGreen", "green luminance weight"},
+       {"weightBlue", "blue luminance weight"}}};
+};
+
 /// A conversion that fails ends the vector early, with 0 or 2 entries.
 void GetITU2390SupportParams(PX::ToneMappingUtils::ToneMapSettings& settings,
                              SupportVector& params);
@@ -47,17 +74,47 @@ struct Itu2390Tables {
 std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
                                                        const SupportVector& params);
 
-/// What the EETF reads of the 13 support parameters.
+/// PQ code value of a share of the source's range.
+double Itu2390CodeValue(const SupportVector& params, double share);
+
+/// What the EETF reads of the support parameters.
 Bt2390Params Itu2390CurveParams(const float* params);
 
-/// The EETF on a pixel whose highlights have been desaturated, in place. `params` are the 13
-/// support parameters.
+/// The EETF on a pixel whose highlights have been desaturated, in place. `params` are all support
+/// parameters.
 void ApplyItu2390(Itu2390Form form, const float* params, float* pixel);
+
+/// What is told of both curves alike. Deliberate: the kernels take their controls among the
+/// parameters, and not those from the source's range to the knee, which they compute.
+constexpr ToneCurveFacts Itu2390Facts(orvmediatypes::color::ToneMapAlgorithmType type,
+                                      std::string_view id, std::string_view name,
+                                      std::string_view kernel) {
+  using P = Itu2390Params;
+  return {
+      .type = type,
+      .id = id,
+      .name = name,
+      .entries = P::kEntries,
+      .declaredParams = 13,
+      .knee = Knee{.entry = P::kKneeStart, .isSetting = false},
+      .peakUnit = Unit::Linear,
+      .rowForm = RowForm::Tiles,
+      .kernel = {kernel,
+                 {P::kSourceBlack, P::kSourcePeak, P::kDestinationBlack, P::kDestinationPeak,
+                  KernelControl::PeakGain, KernelControl::ColorPreservation, KernelControl::Peak,
+                  P::kReferenceWhite, P::kWeightRed, P::kWeightGreen, P::kWeightBlue}}};
+}
 
 /// The EETF on the largest of red, green and blue, bound to its parameters. Its tables, where it
 /// has any, speed up rows and change no result.
 struct ITU2390MaxRGBToneMap {
   static constexpr Itu2390Form kForm = Itu2390Form::MaxRGB;
+  static constexpr ToneCurveFacts kFacts =
+      Itu2390Facts(orvmediatypes::color::ToneMapAlgorithmType::ITU2390MaxRGB, "bt2390-maxrgb",
+                   "BT.2390 (maximum of RGB)", "ToneMapKernelITU2390MaxRGBMain");
+  static constexpr ToneMapParamsBuilder kBuildParams = GetITU2390SupportParams;
+  static ToneMapPixelFunction Bind(const SupportVector& params);
+
   std::shared_ptr<const Itu2390Tables> tables;
   void operator()(float* pixel, const SupportVector& params,
                   const PX::ToneMappingUtils::ToneMapSettings& settings) const;
@@ -66,6 +123,12 @@ struct ITU2390MaxRGBToneMap {
 /// The EETF on each channel, likewise.
 struct ITU2390RGBByChannelToneMap {
   static constexpr Itu2390Form kForm = Itu2390Form::ByChannel;
+  static constexpr ToneCurveFacts kFacts =
+      Itu2390Facts(orvmediatypes::color::ToneMapAlgorithmType::ITU2390RGBByChannel, "bt2390-rgb",
+                   "BT.2390 (each channel)", "ToneMapKernelITU2390RGBByChannel");
+  static constexpr ToneMapParamsBuilder kBuildParams = GetITU2390SupportParams;
+  static ToneMapPixelFunction Bind(const SupportVector& params);
+
   std::shared_ptr<const Itu2390Tables> tables;
   void operator()(float* pixel, const SupportVector& params,
                   const PX::ToneMappingUtils::ToneMapSettings& settings) const;

@@ -36,6 +36,7 @@ float ReferenceWhite(const ToneMapSettings& settings) {
 float FullScaleInPQ(const ToneMapSettings& settings) {
   std::array<float, 4> pixel = {1.0F, 1.0F, 1.0F, 1.0F};
   if (!MatchesBT2100PQ(settings.destinationColorSpace)) {
+    // Deliberate: the record's colour management in every version, and a failure is no failure.
     CHR::ConvertFrame(pixel.data(), pixel.data(), 1, 1, settings.destinationColorSpace,
                       orvmediatypes::kLinearFloatBGRA, sizeof(pixel), PX::ColorSpaces::OR2100PQ(),
                       orvmediatypes::kLinearFloatBGRA, sizeof(pixel),
@@ -48,7 +49,9 @@ float FullScaleInPQ(const ToneMapSettings& settings) {
 
 void ITU2446AToneMap::operator()(float* pixel, const SupportVector& params,
                                  const ToneMapSettings& settings) const {
-  ToneMapBt2446A(pixel, settings.controls.peakGain, params[0], params[1], params[2], params[3],
+  using P = Itu2446AParams;
+  ToneMapBt2446A(pixel, settings.controls.peakGain, params[P::kRhoHdr], params[P::kRhoSdr],
+                 params[P::kInputScale], params[P::kOutputScale],
                  settings.controls.colorPreservation);
 }
 

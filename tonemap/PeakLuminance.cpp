@@ -7,6 +7,7 @@
 #include "host/chromant/Conversion.h"
 #include "host/pavix/ColorSpaceUtils.h"
 #include "host/pavix/ColorSpaces.h"
+#include "tonemap/Algorithms.h"
 #include "tonemap/ColorSpaceMatch.h"
 #include "tonemap/PqTransfer.h"
 
@@ -15,7 +16,6 @@ namespace Quillon {
 using orvmediatypes::kLinearFloatBGRA;
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ColorSpace;
-using orvmediatypes::color::ToneMapAlgorithmType;
 
 namespace {
 
@@ -30,7 +30,9 @@ int ConvertOnePixel(Pixel& pixel, const ColorSpace& from, const ColorSpace& to, 
 }  // namespace
 
 float AdjustedPeakBasedOnInputColorSpace(const PX::ToneMappingUtils::ToneMapSettings& settings) {
-  if (settings.algorithmType == ToneMapAlgorithmType::ITU2446A) {
+  const ToneCurveFacts* curve = FindToneCurve(settings.algorithmType);
+  // Deliberate: in nits, whatever the colour spaces, an empty source among them.
+  if (curve != nullptr && curve->peakUnit == Unit::Nits) {
     return PX::ToneMappingUtils::ConvertPeakLinearSignalToLuminance(settings);
   }
   if (settings.sourceColorSpace.empty()) {
@@ -39,6 +41,7 @@ float AdjustedPeakBasedOnInputColorSpace(const PX::ToneMappingUtils::ToneMapSett
     });
     return 1.0F;
   }
+  // Deliberate: default colour management, whatever the record holds.
   if (settings.controls.GetVersion() < kColorManagedVersion) {
     return CHR::ConvertSignalToLinearValue(settings.sourceColorSpace, ColorManagementSettings(),
                                            settings.controls.peak);
@@ -49,7 +52,7 @@ float AdjustedPeakBasedOnInputColorSpace(const PX::ToneMappingUtils::ToneMapSett
 
 float ConvertPeakSignalToLinear(const ColorSpace& source, const ColorSpace& destination,
                                 const ColorManagementSettings& colorManagement, float signal) {
-  constexpr int kSingleRowBytes = 1;  // a single row has no pitch
+  constexpr int kSingleRowBytes = 1;  // Deliberate: a single row has no pitch.
   Pixel pixel = {signal, signal, signal, 0.0F};
   if (ConvertOnePixel(pixel, source, destination, kSingleRowBytes, colorManagement) < 0) {
     return signal;
@@ -73,6 +76,7 @@ float GetPeakSignalFromMetaData(const ColorSpace& colorSpace, float defaultSigna
   encode(pixel.data(), 1.0F);
   if (MatchesBT2100PQ(colorSpace)) return pixel[0];
 
+  // Deliberate: default colour management, whatever the record and its version.
   const int result = ConvertOnePixel(pixel, PX::ColorSpaces::OR2100PQ(), colorSpace, sizeof(Pixel),
                                      ColorManagementSettings());
   return result < 0 ? defaultSignal : pixel[0];

@@ -40,6 +40,7 @@ const Table<10000>& EncodeTable() {
 }
 
 const Table<8191>& DecodeTable() {
+  // Deliberate: its function is obtained anew.
   static const Table<8191> kTable = BuildTable<8191>(ObtainPqSignalToLinear(), kDecodeStep);
   return kTable;
 }

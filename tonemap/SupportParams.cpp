@@ -8,7 +8,6 @@
 #include "host/chromant/Conversion.h"
 #include "host/ironlane/ColorConvertParams.h"
 #include "tonemap/Algorithms.h"
-#include "tonemap/HuePreservation.h"
 #include "tonemap/PeakLuminance.h"
 
 namespace Quillon {
@@ -22,11 +21,8 @@ void GetToneMappingSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings
       settings.controls.version);
   settings.controls.peak = AdjustedPeakBasedOnInputColorSpace(settings);
 
-  if (settings.algorithmType == ToneMapAlgorithmType::Automatic) {
-    GetHuePreservationSupportParams(settings, params);
-    return;
-  }
-  const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(settings.algorithmType);
+  const ToneMapAlgorithm* algorithm =
+      FindToneMapAlgorithm(AlgorithmOfParams(settings.algorithmType));
   if (algorithm == nullptr) {
     TraceFailure([&](auto& message) {
       message << "GetToneMappingSupportParams : Not implemented for input algorithms : "
@@ -38,8 +34,8 @@ void GetToneMappingSupportParams(PX::ToneMappingUtils::ToneMapSettings& settings
 }
 
 int GetToneMappingSupportParamsSize(ToneMapAlgorithmType algorithmType) {
-  const ToneMapAlgorithm* algorithm = FindToneMapAlgorithm(algorithmType);
-  if (algorithm != nullptr) return algorithm->paramsSize;
+  if (const ToneCurveFacts* curve = FindToneCurve(algorithmType)) return curve->declaredParams;
+  // Deliberate: the automatic choice has no size either.
   TraceFailure([&](auto& message) {
     message << "GetToneMappingSupportParamsSize : Invalid Tone Map Method Algorithm Type : "
             << PX::ToneMappingUtils::GetLocalizedToneMappingMethodName(algorithmType, 1);
@@ -52,6 +48,7 @@ std::array<float, 3> GetDestinationLuminanceWeights(
     const orvmediatypes::color::ColorManagementSettings& colorManagement) {
   std::shared_ptr<IL::ColorConvertParams> params;
   orvcore::utility::Guid identity;
+  // Deliberate: neither the code nor the identity is looked at.
   CHR::GetColorConverterParamsForColorSpace(destination, true, colorManagement, params, identity);
   return params != nullptr ? params->luminanceCoefficients : std::array<float, 3>{};
 }

@@ -1,33 +1,31 @@
 #include "bench/gpu/KernelBench.h"
 
 #include <algorithm>
+#include <map>
 #include <stdexcept>
+#include <string_view>
 
 #include "bench/Frames.h"
 #include "bench/Timing.h"
 #include "gpu/KernelTarget.h"
+#include "gpu/Kernels.h"
 #include "refhost/kestrel/GpuFrame.h"
 
 namespace {
 
 /// Support parameters such as a picture of 1000 nits gives for a display of 203.
-Quillon::SupportVector ParamsFor(Quillon::KernelId kernel) {
-  using enum Quillon::KernelId;
-  switch (kernel) {
-    case GamutCompressionReinhard:
-      return {1.3F};
-    case GamutCompressionDesaturation:
-      return {0.2126F, 0.7152F, 0.0722F};
-    case HuePreservationDesaturation:
-      return {4.926F, 0.5F, 1.0F};
-    case ITU2446A:
-      return {13.26171F, 7.098651F, 0.396F, 1.0F};
-    case CARToneCurve:
-      return {0.5F, 1.4F, 0.7F, 1.0F, 0.2126F, 0.7152F, 0.0722F};
-    default:
-      return {0.0F,    0.751827F, 0.0F, 0.5806889F, 203.0F,  0.751827F, 0.0F,
-              0.7724F, 0.6586F,   1.9F, 0.2126F,    0.7152F, 0.0722F};
-  }
+Quillon::SupportVector ParamsFor(const Quillon::KernelSignature& kernel) {
+  static const std::map<std::string_view, Quillon::SupportVector> kParams = {
+      {Quillon::GamutCompressionReinhard::kFacts.kernel.name, {1.3F}},
+      {Quillon::GamutCompressionDesaturation::kFacts.kernel.name, {0.2126F, 0.7152F, 0.0722F}},
+      {Quillon::HuePreservationToneMap::kFacts.kernel.name, {4.926F, 0.5F, 1.0F}},
+      {Quillon::ITU2446AToneMap::kFacts.kernel.name, {13.26171F, 7.098651F, 0.396F, 1.0F}},
+      {Quillon::CARToneMap::kFacts.kernel.name,
+       {0.5F, 1.4F, 0.7F, 1.0F, 0.2126F, 0.7152F, 0.0722F}}};
+  const auto found = kParams.find(kernel.name);
+  if (found != kParams.end()) return found->second;
+  return {0.0F,    0.751827F, 0.0F, 0.5806889F, 203.0F,  0.751827F, 0.0F,
+          0.7724F, 0.6586F,   1.9F, 0.2126F,    0.7152F, 0.0722F};
 }
 
 /// As many frames as there is room for, up to 16; on a processor, where one takes long enough, one.
@@ -57,7 +55,7 @@ class Frames {
   }
 
   /// Seconds of the kernel over a frame, done for all.
-  double Run(Quillon::KernelId kernel) {
+  double Run(const Quillon::KernelSignature& kernel) {
     const orvmediatypes::color::ToneMapControls controls{.peak = 4.926F, .colorPreservation = 0.5F};
     return SecondsEach([&](const PX::VideoFrameRef& frame) {
       Quillon::KernelTarget target;
@@ -88,8 +86,8 @@ class Frames {
   std::vector<PX::VideoFrameRef> frames_;
 };
 
-KernelTime TimeKernel(Frames& frames, Quillon::KernelId kernel, const Shape& shape) {
-  const std::string name(Quillon::SignatureOf(kernel).name);
+KernelTime TimeKernel(Frames& frames, const Quillon::KernelSignature& kernel, const Shape& shape) {
+  const std::string name(kernel.name);
   frames.CopyPicture();
   const double once = frames.Run(kernel);
   if (!frames.IsMapped()) throw std::runtime_error(name + " left the picture as it was");
@@ -107,8 +105,8 @@ KernelTime TimeKernel(Frames& frames, Quillon::KernelId kernel, const Shape& sha
 std::vector<KernelTime> TimeKernels(const DeviceRef& device, const Shape& shape) {
   Frames frames(device, shape);
   std::vector<KernelTime> times;
-  for (std::size_t i = 0; i < Quillon::kKernelCount; ++i) {
-    times.push_back(TimeKernel(frames, static_cast<Quillon::KernelId>(i), shape));
+  for (const Quillon::KernelSignature* kernel : Quillon::kKernels) {
+    times.push_back(TimeKernel(frames, *kernel, shape));
   }
   return times;
 }

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "base/KernelSignatures.h"
 #include "bench/gpu/Pictures.h"
 
 /// A kernel over frames that no kernel has touched, and copies of the same bytes within the

@@ -5,9 +5,6 @@
 
 #include "cpu/rows/Lanes.h"
 #include "cpu/rows/RowCurves.h"
-#include "curves/GamutDesaturation.h"
-#include "curves/GamutReinhard.h"
-#include "curves/HuePreservation.h"
 
 namespace Quillon {
 namespace {
@@ -60,36 +57,26 @@ struct NoStep {
   void operator()(Lanes* /*pixel*/) const {}
 };
 
-struct ReinhardStep {
-  explicit ReinhardStep(const RowCurves& curves) : limit(curves.gamutParams[0]) {}
-  void operator()(Lanes* pixel) const { CompressGamutReinhard(pixel, limit); }
-  float limit;
-};
-
-struct DesaturationStep {
-  explicit DesaturationStep(const RowCurves& curves)
-      : red(curves.gamutParams[0]), green(curves.gamutParams[1]), blue(curves.gamutParams[2]) {}
-  void operator()(Lanes* pixel) const { CompressGamutDesaturation(pixel, red, green, blue); }
-  float red;
-  float green;
-  float blue;
-};
-
-struct HuePreservingStep {
-  explicit HuePreservingStep(const RowCurves& curves)
-      : gain(curves.gain),
-        sourcePeak(curves.toneParams[0]),
-        knee(curves.toneParams[1]),
-        destinationPeak(curves.toneParams[2]),
-        colorPreservation(curves.colorPreservation) {}
-  void operator()(Lanes* pixel) const {
-    HuePreservingDesaturation(pixel, gain, sourcePeak, knee, destinationPeak, colorPreservation);
+/// The `MapPixel` of a gamut compression. It has the parameters by itself: what lies beside pixels
+/// in memory would be read anew for each.
+template <class Curve>
+struct GamutStep {
+  explicit GamutStep(const RowCurves& curves) {
+    __builtin_memcpy(params, curves.gamutParams, sizeof params);
   }
-  float gain;
-  float sourcePeak;
-  float knee;
-  float destinationPeak;
-  float colorPreservation;
+  void operator()(Lanes* pixel) const { MapPixel(Curve{}, pixel, params); }
+  float params[Curve::kFacts.entries.size()];
+};
+
+/// The same of a tone curve.
+template <class Curve>
+struct ToneStep {
+  explicit ToneStep(const RowCurves& curves) : controls(curves.controls) {
+    __builtin_memcpy(params, curves.toneParams, sizeof params);
+  }
+  void operator()(Lanes* pixel) const { MapPixel(Curve{}, pixel, params, controls); }
+  orvmediatypes::color::ToneMapControls controls;
+  float params[Curve::kFacts.entries.size()];
 };
 
 /// Calls `map` on blocks of `size` pixels, and `finish` before these leave the memory that they

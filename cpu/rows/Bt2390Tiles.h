@@ -104,7 +104,9 @@ class Bt2390Stages {
   };
 
   explicit Bt2390Stages(const RowCurves& curves)
-      : curves_(curves), highlight_(curves, 9, 10), white_(curves.toneParams[4]) {}
+      : curves_(curves),
+        highlight_(curves, Itu2390Params::kKneeStartLight, Itu2390Params{}),
+        white_(curves.toneParams[Itu2390Params::kReferenceWhite]) {}
 
   void Enter(Lanes* channels, int place, Scratch& scratch) const {
     if (!highlight_.Enter(channels, place, scratch.highlights)) {
@@ -209,7 +211,8 @@ struct MaxRGB {
   static void ApplyEetf(PowerLanes* pq, const Bt2390Params& params) { EetfMaxRGB(pq, params); }
 };
 
-class Bt2390ByChannelTone : public Bt2390Stages<ByChannel> {
+template <>
+class TileForm<ITU2390RGBByChannelToneMap> : public Bt2390Stages<ByChannel> {
  public:
   using Bt2390Stages::Bt2390Stages;
 
@@ -219,7 +222,8 @@ class Bt2390ByChannelTone : public Bt2390Stages<ByChannel> {
   }
 };
 
-class Bt2390MaxRGBTone : public Bt2390Stages<MaxRGB> {
+template <>
+class TileForm<ITU2390MaxRGBToneMap> : public Bt2390Stages<MaxRGB> {
  public:
   using Bt2390Stages::Bt2390Stages;
 

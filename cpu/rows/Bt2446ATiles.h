@@ -8,16 +8,17 @@
 namespace Quillon {
 namespace {
 
-class Bt2446ATone {
+template <>
+class TileForm<ITU2446AToneMap> {
  public:
   struct Scratch {};
 
-  explicit Bt2446ATone(const RowCurves& curves)
-      : scale_(curves.toneParams[2] * curves.gain),
-        rhoHdr_(curves.toneParams[0]),
-        rhoSdr_(curves.toneParams[1]),
-        outputScale_(curves.toneParams[3]),
-        colorPreservation_(curves.colorPreservation) {}
+  explicit TileForm(const RowCurves& curves)
+      : scale_(curves.toneParams[Itu2446AParams::kInputScale] * curves.controls.peakGain),
+        rhoHdr_(curves.toneParams[Itu2446AParams::kRhoHdr]),
+        rhoSdr_(curves.toneParams[Itu2446AParams::kRhoSdr]),
+        outputScale_(curves.toneParams[Itu2446AParams::kOutputScale]),
+        colorPreservation_(curves.controls.colorPreservation) {}
 
   void Enter(Lanes* channels, int /*place*/, Scratch& /*scratch*/) const {
     for (int c = 0; c < 3; ++c) channels[c] = channels[c] * scale_;

@@ -19,17 +19,18 @@ struct Highlights {
 };
 
 /// Highlight desaturation, whose threshold and weights stand at different places of the curves'
-/// parameters.
+/// parameters: weights where `Params` has them.
 class HighlightStage {
  public:
-  HighlightStage(const RowCurves& curves, int threshold, int weights)
-      : gain_(curves.gain),
+  template <class Params>
+  HighlightStage(const RowCurves& curves, std::size_t threshold, Params /*names*/)
+      : gain_(curves.controls.peakGain),
         threshold_(curves.toneParams[threshold]),
-        peak_(curves.peak),
-        colorPreservation_(curves.colorPreservation),
-        red_(curves.toneParams[weights]),
-        green_(curves.toneParams[weights + 1]),
-        blue_(curves.toneParams[weights + 2]) {}
+        peak_(curves.controls.peak),
+        colorPreservation_(curves.controls.colorPreservation),
+        red_(curves.toneParams[Params::kWeightRed]),
+        green_(curves.toneParams[Params::kWeightGreen]),
+        blue_(curves.toneParams[Params::kWeightBlue]) {}
 
   /// The gain. True when the pixels have highlights, which are noted and left to `Finish`.
   bool Enter(Lanes* channels, int place, Highlights& highlights) const {
@@ -74,7 +75,8 @@ class HighlightTone {
  public:
   using Scratch = Highlights;
 
-  explicit HighlightTone(const RowCurves& curves) : highlight_(curves, 9, 10) {}
+  explicit HighlightTone(const RowCurves& curves)
+      : highlight_(curves, Itu2390Params::kKneeStartLight, Itu2390Params{}) {}
 
   void Enter(Lanes* channels, int place, Scratch& scratch) const {
     highlight_.Enter(channels, place, scratch);
@@ -92,16 +94,17 @@ class HighlightTone {
 };
 
 /// The CAR curve, whose knee is the highlights' threshold: what has no highlight lies below it.
-class CarTone {
+template <>
+class TileForm<CARToneMap> {
  public:
   using Scratch = Highlights;
 
-  explicit CarTone(const RowCurves& curves)
-      : highlight_(curves, 0, 4),
-        knee_(curves.toneParams[0]),
-        a_(curves.toneParams[1]),
-        b_(curves.toneParams[2]),
-        destinationPeak_(curves.toneParams[3]) {}
+  explicit TileForm(const RowCurves& curves)
+      : highlight_(curves, CarParams::kKnee, CarParams{}),
+        knee_(curves.toneParams[CarParams::kKnee]),
+        a_(curves.toneParams[CarParams::kA]),
+        b_(curves.toneParams[CarParams::kB]),
+        destinationPeak_(curves.toneParams[CarParams::kDestinationPeak]) {}
 
   void Enter(Lanes* channels, int place, Scratch& scratch) const {
     highlight_.Enter(channels, place, scratch);

@@ -2,21 +2,24 @@
 
 #include <cstddef>
 
+#include "cpu/GamutCompression.h"
 #include "curves/Bt2390.h"
+#include "tonemap/Algorithms.h"
 
 namespace Quillon {
 
-enum class RowGamut { None, Reinhard, Desaturation };
+/// A gamut compression of the engine's by its place among GamutCurves, or none.
+enum class RowGamut : int { None = -1 };
+template <class Curve>
+inline constexpr auto kRowGamutOf = static_cast<RowGamut>(PlaceIn<Curve>(GamutCurves{}));
 
-enum class RowTone {
-  None,
-  HuePreserving,
-  Car,
-  Bt2446A,
-  HighlightOnly,  ///< BT.2390 whose knee lies at or above the source's peak
-  Bt2390ByChannel,
-  Bt2390MaxRGB
+/// A tone curve of the engine's by its place among ToneCurves, or one of these.
+enum class RowTone : int {
+  None = -2,
+  HighlightOnly = -1,  ///< BT.2390 whose knee lies at or above the source's peak
 };
+template <class Curve>
+inline constexpr auto kRowToneOf = static_cast<RowTone>(PlaceIn<Curve>(ToneCurves{}));
 
 /// BT.2390 for every whole number of nits from 0 to 9999, and for every entry of the PQ decoding
 /// table: the curve's own arithmetic on all that the two PQ tables can give.
@@ -35,9 +38,7 @@ struct RowCurves {
   RowTone tone = RowTone::None;
   const float* gamutParams = nullptr;
   const float* toneParams = nullptr;
-  float gain = 1.0F;
-  float peak = 1.0F;
-  float colorPreservation = 0.0F;
+  orvmediatypes::color::ToneMapControls controls;
   Bt2390Params eetf{};
   Bt2390Tables tables{};
   /// Whether the host encodes PQ as curves/St2084.h has it, so that light beyond the tables need

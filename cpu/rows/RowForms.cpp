@@ -6,10 +6,6 @@
 #include <cstddef>
 
 #include "cpu/rows/RowCurves.h"
-#include "tonemap/CarToneCurve.h"
-#include "tonemap/HuePreservation.h"
-#include "tonemap/Itu2390.h"
-#include "tonemap/Itu2446A.h"
 
 namespace Quillon {
 
@@ -31,19 +27,16 @@ MapRunFunction RunOf(InstructionSet set) {
   return MapRunBaseline;
 }
 
-bool BindGamut(const RowSteps& steps, RowCurves& curves) {
+template <class... Curves>
+bool BindGamut(CurveList<Curves...> /*list*/, const RowSteps& steps, RowCurves& curves) {
   const GamutCompressionPixelFunction& function = steps.compressGamut;
   curves.gamutParams = steps.gamutParams.data();
-  if (!function) {
-    curves.gamut = RowGamut::None;
-  } else if (function.target<GamutCompressionReinhard>() != nullptr) {
-    curves.gamut = RowGamut::Reinhard;
-  } else if (function.target<GamutCompressionDesaturation>() != nullptr) {
-    curves.gamut = RowGamut::Desaturation;
-  } else {
-    return false;
-  }
-  return true;
+  if (!function) return true;
+  const auto bindIf = [&]<class Curve>(const Curve* curve) {
+    if (curve != nullptr) curves.gamut = kRowGamutOf<Curve>;
+  };
+  (bindIf(function.target<Curves>()), ...);
+  return curves.gamut != RowGamut::None;
 }
 
 bool HasSameBits(const SupportVector& first, const SupportVector& second) {
@@ -57,16 +50,24 @@ void MapBeyondTables(const RowCurves& curves, float* pixel) {
   ApplyItu2390(form, curves.toneParams, pixel);
 }
 
+/// A curve that needs nothing for its rows.
 template <class Curve>
-bool BindItu2390(const Curve& curve, const SupportVector& params, RowTone tone, RowCurves& curves) {
-  if (params[8] >= 1.0F) {
+bool BindCurve(const Curve& /*curve*/, const SupportVector& /*params*/, RowCurves& curves) {
+  curves.tone = kRowToneOf<Curve>;
+  return true;
+}
+
+template <class Curve>
+  requires requires(Curve curve) { curve.tables; }
+bool BindCurve(const Curve& curve, const SupportVector& params, RowCurves& curves) {
+  if (params[Itu2390Params::kKneeStart] >= 1.0F) {
     curves.tone = RowTone::HighlightOnly;
     return true;
   }
   // None are built here: a band neither allocates nor builds what all bands share.
   const Itu2390Tables* tables = curve.tables.get();
   if (tables == nullptr || !HasSameBits(tables->params, params)) return false;
-  curves.tone = tone;
+  curves.tone = kRowToneOf<Curve>;
   curves.tables = {.mapped = tables->mapped.data(),
                    .encoded = tables->encoded.data(),
                    .ratio = tables->ratio.data(),
@@ -77,31 +78,18 @@ bool BindItu2390(const Curve& curve, const SupportVector& params, RowTone tone, 
   return true;
 }
 
-bool BindTone(const RowSteps& steps, RowCurves& curves) {
+template <class... Curves>
+bool BindTone(CurveList<Curves...> /*list*/, const RowSteps& steps, RowCurves& curves) {
   const ToneMapPixelFunction& function = steps.toneMap;
-  const auto& controls = steps.settings.toneMapSettings.controls;
   curves.toneParams = steps.toneMapParams.data();
-  curves.gain = controls.peakGain;
-  curves.peak = controls.peak;
-  curves.colorPreservation = controls.colorPreservation;
-  if (const auto* curve = function.target<ITU2390MaxRGBToneMap>()) {
-    return BindItu2390(*curve, steps.toneMapParams, RowTone::Bt2390MaxRGB, curves);
-  }
-  if (const auto* curve = function.target<ITU2390RGBByChannelToneMap>()) {
-    return BindItu2390(*curve, steps.toneMapParams, RowTone::Bt2390ByChannel, curves);
-  }
-  if (!function) {
-    curves.tone = RowTone::None;
-  } else if (function.target<HuePreservationToneMap>() != nullptr) {
-    curves.tone = RowTone::HuePreserving;
-  } else if (function.target<CARToneMap>() != nullptr) {
-    curves.tone = RowTone::Car;
-  } else if (function.target<ITU2446AToneMap>() != nullptr) {
-    curves.tone = RowTone::Bt2446A;
-  } else {
-    return false;
-  }
-  return true;
+  curves.controls = steps.settings.toneMapSettings.controls;
+  if (!function) return true;
+  bool isBound = false;
+  const auto bindIf = [&](const auto* curve) {
+    if (curve != nullptr) isBound = BindCurve(*curve, steps.toneMapParams, curves);
+  };
+  (bindIf(function.target<Curves>()), ...);
+  return isBound;
 }
 
 }  // namespace
@@ -132,7 +120,8 @@ bool MapRows(InstructionSet set, const RowSteps& steps, float* pixels, int rowCo
   // From 2^24 on, columns counted in floats do not end where the width says.
   if (!(width < 0x1p24F)) return false;
   RowCurves curves;
-  if (!BindGamut(steps, curves) || !BindTone(steps, curves)) return false;
+  if (!BindGamut(GamutCurves{}, steps, curves) || !BindTone(ToneCurves{}, steps, curves))
+    return false;
   const bool isIdle = curves.gamut == RowGamut::None && curves.tone == RowTone::None;
   if (rowCount <= 0 || width <= 0.0F || isIdle) return true;
   const auto columns = static_cast<std::size_t>(std::ceil(width));

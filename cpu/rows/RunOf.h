@@ -10,35 +10,43 @@
 namespace Quillon {
 namespace {
 
-template <class Gamut>
-void MapRunWith(const RowCurves& curves, float* pixels, std::size_t count) {
-  switch (curves.tone) {
-    case RowTone::None:
-      return MapBlocks<Gamut, NoStep>(curves, pixels, count);
-    case RowTone::HuePreserving:
-      return MapBlocks<Gamut, HuePreservingStep>(curves, pixels, count);
-    case RowTone::Car:
-      return MapTiles<Gamut, CarTone>(curves, pixels, count);
-    case RowTone::Bt2446A:
-      return MapTiles<Gamut, Bt2446ATone>(curves, pixels, count);
-    case RowTone::HighlightOnly:
-      return MapTiles<Gamut, HighlightTone>(curves, pixels, count);
-    case RowTone::Bt2390ByChannel:
-      return MapTiles<Gamut, Bt2390ByChannelTone>(curves, pixels, count);
-    case RowTone::Bt2390MaxRGB:
-      return MapTiles<Gamut, Bt2390MaxRGBTone>(curves, pixels, count);
+template <class Gamut, class Curve>
+void MapRunByCurve(const RowCurves& curves, float* pixels, std::size_t count) {
+  if constexpr (Curve::kFacts.rowForm == RowForm::Vectors) {
+    MapBlocks<Gamut, ToneStep<Curve>>(curves, pixels, count);
+  } else {
+    MapTiles<Gamut, TileForm<Curve>>(curves, pixels, count);
   }
 }
 
-void MapRun(const RowCurves& curves, float* pixels, std::size_t count) {
-  switch (curves.gamut) {
-    case RowGamut::None:
-      return MapRunWith<NoStep>(curves, pixels, count);
-    case RowGamut::Reinhard:
-      return MapRunWith<ReinhardStep>(curves, pixels, count);
-    case RowGamut::Desaturation:
-      return MapRunWith<DesaturationStep>(curves, pixels, count);
+template <class Gamut, class... Curves>
+void MapRunWith(CurveList<Curves...> /*tones*/, const RowCurves& curves, float* pixels,
+                std::size_t count) {
+  if (curves.tone == RowTone::None) return MapBlocks<Gamut, NoStep>(curves, pixels, count);
+  if (curves.tone == RowTone::HighlightOnly) {
+    return MapTiles<Gamut, HighlightTone>(curves, pixels, count);
   }
+  const auto mapIf = [&]<class Curve>(const Curve* /*curve*/) {
+    if (curves.tone == kRowToneOf<Curve>) MapRunByCurve<Gamut, Curve>(curves, pixels, count);
+  };
+  (mapIf(static_cast<const Curves*>(nullptr)), ...);
+}
+
+template <class... Curves>
+void MapRun(CurveList<Curves...> /*gamuts*/, const RowCurves& curves, float* pixels,
+            std::size_t count) {
+  if (curves.gamut == RowGamut::None) {
+    return MapRunWith<NoStep>(ToneCurves{}, curves, pixels, count);
+  }
+  const auto mapIf = [&]<class Curve>(const Curve* /*curve*/) {
+    if (curves.gamut != kRowGamutOf<Curve>) return;
+    MapRunWith<GamutStep<Curve>>(ToneCurves{}, curves, pixels, count);
+  };
+  (mapIf(static_cast<const Curves*>(nullptr)), ...);
+}
+
+void MapRun(const RowCurves& curves, float* pixels, std::size_t count) {
+  MapRun(GamutCurves{}, curves, pixels, count);
 }
 
 }  // namespace

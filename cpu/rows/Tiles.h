@@ -25,9 +25,13 @@ void StorePlanes(const Lanes* channels, Tile& tile, int place) {
   for (int c = 0; c < 3; ++c) Store(tile.plane[c] + place, channels[c]);
 }
 
-/// Both steps on a run in tiles. A tone curve has `Enter`, for each vector of pixels on its way
-/// into the tile, and `Finish` for the tile; a scratch record of its own goes with both, and has
-/// `Flush` for what was put off beyond the tile.
+/// How a tone curve goes over tiles. It has `Enter`, for each vector of pixels on its way into the
+/// tile, and `Finish` for the tile; a scratch record of its own goes with both, and `Flush` is for
+/// what was put off beyond the tile.
+template <class Curve>
+class TileForm;
+
+/// Both steps on a run in tiles.
 template <class Gamut, class Tone>
 void MapTiles(const RowCurves& curves, float* pixels, std::size_t count) {
   const Gamut gamut(curves);

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "cpu/GamutCompression.h"
 #include "host/chromant/Conversion.h"
 #include "refhost/chromant/Primaries.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "refhost/orvmediatypes/PeakLuminance.h"
+#include "tonemap/Algorithms.h"
 
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ColorSpace;
@@ -56,31 +58,17 @@ bool IsSourceGamutOutsideDestination(const ToneMapSettings& settings) {
 }  // namespace
 
 bool IsToneMappingApplicable(const ToneMapSettings& settings) {
-  switch (settings.algorithmType) {
-    case ToneMapAlgorithmType::None:
-      return false;
-    case ToneMapAlgorithmType::Automatic:
-    case ToneMapAlgorithmType::ITU2390MaxRGB:
-    case ToneMapAlgorithmType::ITU2390RGBByChannel:
-    case ToneMapAlgorithmType::ITU2446A:
-    case ToneMapAlgorithmType::HuePreservationDesaturation:
-    case ToneMapAlgorithmType::CARToneCurve:
-      return IsSourcePeakAboveDestination(settings);
-    default:
-      return true;  // left to the engine, which refuses it
-  }
+  if (settings.algorithmType == ToneMapAlgorithmType::None) return false;
+  const bool isKnown = settings.algorithmType == ToneMapAlgorithmType::Automatic ||
+                       Quillon::FindToneCurve(settings.algorithmType) != nullptr;
+  // What is not known is left to the engine, which refuses it.
+  return !isKnown || IsSourcePeakAboveDestination(settings);
 }
 
 bool IsGamutCompressionApplicable(const GamutMappingSettings& settings) {
-  switch (settings.algorithmType) {
-    case GamutCompressionAlgorithmType::None:
-      return false;
-    case GamutCompressionAlgorithmType::Reinhard:
-    case GamutCompressionAlgorithmType::Desaturation:
-      return IsSourceGamutOutsideDestination(settings.toneMapSettings);
-    default:
-      return true;  // left to the engine, which refuses it
-  }
+  if (settings.algorithmType == GamutCompressionAlgorithmType::None) return false;
+  const bool isKnown = Quillon::FindGamutCurve(settings.algorithmType) != nullptr;
+  return !isKnown || IsSourceGamutOutsideDestination(settings.toneMapSettings);
 }
 
 bool IsGamutMappingApplicable(const GamutMappingSettings& settings) {

@@ -6,11 +6,6 @@
 
 namespace IL {
 
-namespace {
-/// Size of a `Quillon::GPUFrameDescriptor`, which begins with the frame's device pointer.
-constexpr std::size_t kFrameDescriptorBytes = 32;
-}  // namespace
-
 std::uint64_t Argument::Pointer() const {
   std::uint64_t pointer = 0;
   std::memcpy(&pointer, bytes.data(), sizeof(pointer));
@@ -35,7 +30,7 @@ int ArgumentSet::SetMemoryArgument(std::uint64_t buffer, int /*flags*/) {
 }
 
 int ArgumentSet::SetFrameArgument(const Quillon::GPUFrameDescriptor* descriptor) {
-  return Push(Argument::Kind::Frame, descriptor, kFrameDescriptorBytes);
+  return Push(Argument::Kind::Frame, descriptor, sizeof(*descriptor));
 }
 
 int ArgumentSet::SetValueArgument(const void* value, std::size_t bytes, std::size_t /*alignment*/) {

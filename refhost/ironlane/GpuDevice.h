@@ -10,10 +10,6 @@
 
 namespace IL {
 
-/// Platform kinds of `DeviceDescription`.
-inline constexpr std::int32_t kPlatformCuda = 1;
-inline constexpr std::int32_t kPlatformOpenCl = 2;
-
 /// What is known of a device before any work is given to it.
 struct DeviceInfo {
   std::int32_t platformKind = 0;

@@ -8,24 +8,12 @@ namespace KS {
 
 namespace {
 
-/// The kernels' descriptor of a frame.
-struct FrameArgument {
-  std::uint64_t pixels;
-  std::uint32_t width;
-  std::uint32_t height;
-  std::uint32_t pitch;
-  std::uint32_t isNotHalf;
-  std::uint32_t reserved;
-  std::uint32_t padding;
-};
-static_assert(sizeof(FrameArgument) == 32);
-
-FrameArgument ArgumentOf(const GpuFrameView& frame) {
-  return {.pixels = frame.pixels,
+Quillon::GPUFrameDescriptor DescriptorOf(const GpuFrameView& frame) {
+  return {.devicePointer = frame.pixels,
           .width = frame.width,
           .height = frame.height,
-          .pitch = frame.rowBytes / frame.pixelBytes,
-          .isNotHalf = frame.IsHalf() ? 0U : 1U,
+          .rowPitchPixels = frame.rowBytes / frame.pixelBytes,
+          .formatFlag = frame.IsHalf() ? 0U : 1U,
           .reserved = 0,
           .padding = 0};
 }
@@ -48,9 +36,8 @@ Blocks BlocksFor(const GpuFrameView& frame) {
 int Push(IL::IArgumentSet& arguments, const GpuFrameView& source, const GpuFrameView& destination,
          std::int32_t converts, const ConversionParams& params) {
   for (const GpuFrameView* frame : {&source, &destination}) {
-    const FrameArgument argument = ArgumentOf(*frame);
-    const int result =
-        arguments.SetFrameArgument(reinterpret_cast<const Quillon::GPUFrameDescriptor*>(&argument));
+    const Quillon::GPUFrameDescriptor descriptor = DescriptorOf(*frame);
+    const int result = arguments.SetFrameArgument(&descriptor);
     if (result < 0) return result;
   }
   int result = arguments.SetValueArgument(&converts, sizeof(converts), alignof(std::int32_t));

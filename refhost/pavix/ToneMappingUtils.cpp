@@ -4,6 +4,7 @@
 
 #include "curves/math64.h"
 #include "host/chromant/Conversion.h"
+#include "tonemap/Algorithms.h"
 
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ToneMapAlgorithmType;
@@ -35,24 +36,10 @@ void GetAdjustedToneMapAlgoAndKnee(float peak, ToneMapAlgorithmType& algorithmTy
 }
 
 std::string GetLocalizedToneMappingMethodName(ToneMapAlgorithmType algorithmType, int /*form*/) {
-  switch (algorithmType) {
-    case ToneMapAlgorithmType::None:
-      return "None";
-    case ToneMapAlgorithmType::Automatic:
-      return "Automatic";
-    case ToneMapAlgorithmType::ITU2390MaxRGB:
-      return "BT.2390 (maximum of RGB)";
-    case ToneMapAlgorithmType::ITU2390RGBByChannel:
-      return "BT.2390 (each channel)";
-    case ToneMapAlgorithmType::ITU2446A:
-      return "BT.2446 method A";
-    case ToneMapAlgorithmType::HuePreservationDesaturation:
-      return "Hue-preserving desaturation";
-    case ToneMapAlgorithmType::CARToneCurve:
-      return "CAR tone curve";
-    default:
-      return "Unknown tone-mapping method " + std::to_string(static_cast<int>(algorithmType));
-  }
+  if (algorithmType == ToneMapAlgorithmType::None) return "None";
+  if (algorithmType == ToneMapAlgorithmType::Automatic) return "Automatic";
+  if (const auto* curve = Quillon::FindToneCurve(algorithmType)) return std::string(curve->name);
+  return "Unknown tone-mapping method " + std::to_string(static_cast<int>(algorithmType));
 }
 
 }  // namespace PX::ToneMappingUtils

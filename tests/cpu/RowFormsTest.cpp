@@ -16,10 +16,9 @@
 #include "cpu/QuillonImpl.h"
 #include "cpu/rows/RowCurves.h"
 #include "cpu/rows/RowForms.h"
-#include "tonemap/CarToneCurve.h"
-#include "tonemap/HuePreservation.h"
-#include "tonemap/Itu2390.h"
-#include "tonemap/Itu2446A.h"
+#include "tests/refhost/Spaces.h"
+#include "tonemap/Algorithms.h"
+#include "tonemap/SupportParams.h"
 
 namespace {
 
@@ -208,6 +207,25 @@ TEST_P(RowForms, GiveTheBitsOfThePixelFunctionsOnSpecialValuesInEveryChannel) {
   CompareAll(pixels);
 }
 
+TEST_P(RowForms, AreThereForEveryCurveOfTheTableAsTheEngineBindsIt) {
+  auto settings = Settings().toneMapSettings;
+  settings.sourceColorSpace = Space(9, 16, 1000);
+  settings.destinationColorSpace = Space(1, 13);
+  for (const Quillon::ToneCurveFacts& curve : Quillon::kToneCurves) {
+    const auto* algorithm = Quillon::FindToneMapAlgorithm(curve.type);
+    auto resolved = settings;
+    resolved.algorithmType = curve.type;
+    Tone tone = {std::string(curve.id), {}, {}};
+    Quillon::GetToneMappingSupportParams(resolved, tone.params);
+    tone.function = algorithm->bind != nullptr ? algorithm->bind(tone.params) : algorithm->curve;
+    tone.peak = resolved.controls.peak;
+    std::vector<float> pixel = {1.0F, 2.0F, 40.0F, 1.0F};
+    tone.function(pixel.data(), tone.params, resolved);
+    EXPECT_LT(pixel[2], 40.0F) << curve.id;
+    EXPECT_TRUE(Compare(Gamuts()[0], tone, Picture(2000))) << curve.id;
+  }
+}
+
 TEST_P(RowForms, GiveTheBitsOfThePixelFunctionsAtEveryWidthTo70) {
   const std::vector<float> picture = Picture(70);
   for (std::size_t width = 1; width <= 70; ++width) {
@@ -353,9 +371,9 @@ TEST(RowFormsOfTheEngine, AskAHostWithAnotherPqForEveryPixelBeyondTheTables) {
   const auto tables = MakeItu2390Tables(Quillon::Itu2390Form::ByChannel, Tones()[11].params);
   const SupportVector params = Tones()[11].params;
   Quillon::RowCurves curves;
-  curves.tone = Quillon::RowTone::Bt2390ByChannel;
+  curves.tone = Quillon::kRowToneOf<ITU2390RGBByChannelToneMap>;
   curves.toneParams = params.data();
-  curves.peak = 5.0F;
+  curves.controls = {.peak = 5.0F, .colorPreservation = 0.0F};
   curves.eetf = Quillon::Itu2390CurveParams(params.data());
   curves.tables.mapped = tables->mapped.data();
   curves.tables.decoded = tables->decoded.data();

@@ -20,6 +20,7 @@
 #include "tests/devices/DeviceFrames.h"
 #include "tests/devices/EveryDevice.h"
 #include "tests/refhost/Spaces.h"
+#include "tonemap/Algorithms.h"
 #include "tonemap/SupportParams.h"
 
 using orvmediatypes::color::ColorSpace;
@@ -29,14 +30,18 @@ using PX::GamutMappingUtils::GamutMappingSettings;
 
 namespace {
 
-constexpr ToneMapAlgorithmType kAlgorithms[] = {
-    ToneMapAlgorithmType::None,          ToneMapAlgorithmType::Automatic,
-    ToneMapAlgorithmType::ITU2390MaxRGB, ToneMapAlgorithmType::ITU2390RGBByChannel,
-    ToneMapAlgorithmType::ITU2446A,      ToneMapAlgorithmType::HuePreservationDesaturation,
-    ToneMapAlgorithmType::CARToneCurve};
-constexpr GamutCompressionAlgorithmType kGamutModes[] = {
-    GamutCompressionAlgorithmType::None, GamutCompressionAlgorithmType::Reinhard,
-    GamutCompressionAlgorithmType::Desaturation};
+std::vector<ToneMapAlgorithmType> AllAlgorithms() {
+  std::vector<ToneMapAlgorithmType> all = {ToneMapAlgorithmType::None,
+                                           ToneMapAlgorithmType::Automatic};
+  for (const Quillon::ToneCurveFacts& curve : Quillon::kToneCurves) all.push_back(curve.type);
+  return all;
+}
+
+std::vector<GamutCompressionAlgorithmType> AllGamutCompressions() {
+  std::vector<GamutCompressionAlgorithmType> all = {GamutCompressionAlgorithmType::None};
+  for (const Quillon::GamutCurveFacts& curve : Quillon::kGamutCurves) all.push_back(curve.type);
+  return all;
+}
 
 using Case = std::tuple<TestDevice, ToneMapAlgorithmType, GamutCompressionAlgorithmType>;
 
@@ -170,8 +175,8 @@ std::string NameOfCase(const testing::TestParamInfo<Case>& info) {
 
 INSTANTIATE_TEST_SUITE_P(EveryAlgorithm, MapOnDevice,
                          testing::Combine(testing::ValuesIn(EveryDevice()),
-                                          testing::ValuesIn(kAlgorithms),
-                                          testing::ValuesIn(kGamutModes)),
+                                          testing::ValuesIn(AllAlgorithms()),
+                                          testing::ValuesIn(AllGamutCompressions())),
                          NameOfCase);
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(MapOnDevice);
 

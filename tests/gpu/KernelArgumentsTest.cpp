@@ -1,13 +1,14 @@
 #include <map>
 
 #include "gpu/KernelTarget.h"
+#include "gpu/Kernels.h"
 #include "tests/gpu/GPUTest.h"
 
 namespace {
 
 using gpu::Lines;
 using gpu::Pushed;
-using Quillon::KernelId;
+using Quillon::KernelSignature;
 using Quillon::SupportVector;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -18,9 +19,14 @@ constexpr float kPeak = 100.0F;
 constexpr float kGain = 200.0F;
 constexpr float kPreservation = 300.0F;
 
+template <class Curve>
+const KernelSignature* KernelOf() {
+  return &Curve::kFacts.kernel;
+}
+
 /// What a kernel is to be given.
 struct Expected {
-  KernelId kernel;
+  const KernelSignature* kernel;
   std::string name;
   std::string byValueBytes;
   std::vector<float> floats;
@@ -28,28 +34,31 @@ struct Expected {
 
 /// Entry n of the vector is n and a quarter.
 const Expected kExpected[] = {
-    {KernelId::GamutCompressionReinhard, "GamutCompressionKernelReinhard", "20", {0.25F}},
-    {KernelId::GamutCompressionDesaturation,
+    {KernelOf<Quillon::GamutCompressionReinhard>(),
+     "GamutCompressionKernelReinhard",
+     "20",
+     {0.25F}},
+    {KernelOf<Quillon::GamutCompressionDesaturation>(),
      "GamutCompressionKernelDesaturation",
      "28",
      {0.25F, 1.25F, 2.25F}},
-    {KernelId::HuePreservationDesaturation,
+    {KernelOf<Quillon::HuePreservationToneMap>(),
      "ToneMapKernelHuePreservationDesaturationMain",
      "36",
      {0.25F, 2.25F, 1.25F, kGain, kPreservation}},
-    {KernelId::ITU2446A,
+    {KernelOf<Quillon::ITU2446AToneMap>(),
      "ToneMapKernelITU2446A",
      "40",
      {kGain, kPreservation, 0.25F, 1.25F, 2.25F, 3.25F}},
-    {KernelId::CARToneCurve,
+    {KernelOf<Quillon::CARToneMap>(),
      "ToneMapKernelCARToneCurve",
      "56",
      {0.25F, kGain, 1.25F, 2.25F, kPreservation, kPeak, 3.25F, 4.25F, 5.25F, 6.25F}},
-    {KernelId::ITU2390RGBByChannel,
+    {KernelOf<Quillon::ITU2390RGBByChannelToneMap>(),
      "ToneMapKernelITU2390RGBByChannel",
      "60",
      {0.25F, 1.25F, 2.25F, 3.25F, kGain, kPreservation, kPeak, 4.25F, 10.25F, 11.25F, 12.25F}},
-    {KernelId::ITU2390MaxRGB,
+    {KernelOf<Quillon::ITU2390MaxRGBToneMap>(),
      "ToneMapKernelITU2390MaxRGBMain",
      "60",
      {0.25F, 1.25F, 2.25F, 3.25F, kGain, kPreservation, kPeak, 4.25F, 10.25F, 11.25F, 12.25F}},
@@ -70,7 +79,7 @@ class KernelArguments : public gpu::GPUTest {
     Quillon::PreparedKernel prepared;
     ASSERT_EQ(
         Quillon::PrepareKernel(
-            target, expected.kernel, SupportVector(kParams.begin(), kParams.end()),
+            target, *expected.kernel, SupportVector(kParams.begin(), kParams.end()),
             {.version = 3, .peak = kPeak, .peakGain = kGain, .colorPreservation = kPreservation},
             prepared),
         0);
@@ -119,32 +128,31 @@ TEST_F(KernelArguments, ArePushedInTheOrderOfEachKernelOnEveryPlatform) {
 
 TEST_F(KernelArguments, Count16BytesAnd4PerFloatByValue) {
   for (const Expected& expected : kExpected) {
-    const Quillon::KernelSignature& signature = Quillon::SignatureOf(expected.kernel);
+    const KernelSignature& signature = *expected.kernel;
     EXPECT_EQ(signature.name, expected.name);
     EXPECT_EQ(std::to_string(16 + 4 * signature.floatCount), expected.byValueBytes);
     EXPECT_EQ(signature.floatCount, expected.floats.size());
   }
-  EXPECT_EQ(std::size(kExpected), Quillon::kKernelCount);
+  EXPECT_EQ(std::size(kExpected), Quillon::kKernels.size());
 }
 
 TEST_F(KernelArguments, NeedEveryEntryUpToTheLastOneRead) {
-  const std::map<KernelId, std::size_t> kEntries = {
-      {KernelId::GamutCompressionReinhard, 1},
-      {KernelId::GamutCompressionDesaturation, 3},
-      {KernelId::HuePreservationDesaturation, 3},
-      {KernelId::ITU2446A, 4},
-      {KernelId::CARToneCurve, 7},
-      {KernelId::ITU2390RGBByChannel, 13},
-      {KernelId::ITU2390MaxRGB, 13},
+  const std::map<const KernelSignature*, std::size_t> kEntries = {
+      {KernelOf<Quillon::GamutCompressionReinhard>(), 1},
+      {KernelOf<Quillon::GamutCompressionDesaturation>(), 3},
+      {KernelOf<Quillon::HuePreservationToneMap>(), 3},
+      {KernelOf<Quillon::ITU2446AToneMap>(), 4},
+      {KernelOf<Quillon::CARToneMap>(), 7},
+      {KernelOf<Quillon::ITU2390RGBByChannelToneMap>(), 13},
+      {KernelOf<Quillon::ITU2390MaxRGBToneMap>(), 13},
   };
   for (const auto& [kernel, entries] : kEntries) {
     Quillon::KernelArguments arguments;
-    const Quillon::KernelSignature& signature = Quillon::SignatureOf(kernel);
-    EXPECT_EQ(Quillon::SetKernelFloats(signature, SupportVector(entries - 1), {}, arguments),
+    EXPECT_EQ(Quillon::SetKernelFloats(*kernel, SupportVector(entries - 1), {}, arguments),
               static_cast<int>(0xA00F000FU));
     EXPECT_EQ(arguments.floatCount, 0U);
-    EXPECT_EQ(Quillon::SetKernelFloats(signature, SupportVector(entries), {}, arguments), 0);
-    EXPECT_EQ(arguments.floatCount, signature.floatCount);
+    EXPECT_EQ(Quillon::SetKernelFloats(*kernel, SupportVector(entries), {}, arguments), 0);
+    EXPECT_EQ(arguments.floatCount, kernel->floatCount);
   }
 }
 
@@ -180,8 +188,8 @@ TEST_F(KernelArguments, TellTheKernelOfEveryFormat) {
     Quillon::KernelTarget target;
     ASSERT_EQ(Quillon::MakeKernelTarget(working, device, target), 0);
     Quillon::PreparedKernel prepared;
-    ASSERT_EQ(Quillon::PrepareKernel(target, KernelId::GamutCompressionReinhard, SupportVector(1),
-                                     {}, prepared),
+    ASSERT_EQ(Quillon::PrepareKernel(target, *KernelOf<Quillon::GamutCompressionReinhard>(),
+                                     SupportVector(1), {}, prepared),
               0);
     EXPECT_EQ(Quillon::RunKernel(target, prepared), 0);
     EXPECT_THAT(host.CallsTo({"arguments.SetFrame"}), ElementsAre(c.frame));

@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "gpu/KernelCache.h"
+#include "gpu/Kernels.h"
 #include "tests/Meeting.h"
 #include "tests/host/HostTest.h"
 
@@ -194,10 +195,9 @@ TEST_F(ProcessWideCaches, KeepEachKernelByItself) {
   const IL::DeviceDescription description = device->GetDescription();
   host.Reset();
   for (int round = 0; round < 2; ++round) {
-    for (std::size_t index = 0; index < Quillon::kKernelCount; ++index) {
-      const auto kernel = static_cast<Quillon::KernelId>(index);
-      const std::string name(Quillon::SignatureOf(kernel).name);
-      EXPECT_EQ(Quillon::GetKernel(kernel, device, description), HandleOfKernel(name));
+    for (const Quillon::KernelSignature* kernel : Quillon::kKernels) {
+      EXPECT_EQ(Quillon::GetKernel(*kernel, device, description),
+                HandleOfKernel(std::string(kernel->name)));
     }
   }
   EXPECT_THAT(
@@ -205,11 +205,11 @@ TEST_F(ProcessWideCaches, KeepEachKernelByItself) {
       ElementsAre(
           "IL::LoadKernel(device, ToneMapMain, GamutCompressionKernelReinhard)",
           "IL::LoadKernel(device, ToneMapMain, GamutCompressionKernelDesaturation)",
-          "IL::LoadKernel(device, ToneMapMain, ToneMapKernelHuePreservationDesaturationMain)",
-          "IL::LoadKernel(device, ToneMapMain, ToneMapKernelITU2446A)",
-          "IL::LoadKernel(device, ToneMapMain, ToneMapKernelCARToneCurve)",
+          "IL::LoadKernel(device, ToneMapMain, ToneMapKernelITU2390MaxRGBMain)",
           "IL::LoadKernel(device, ToneMapMain, ToneMapKernelITU2390RGBByChannel)",
-          "IL::LoadKernel(device, ToneMapMain, ToneMapKernelITU2390MaxRGBMain)"));
+          "IL::LoadKernel(device, ToneMapMain, ToneMapKernelITU2446A)",
+          "IL::LoadKernel(device, ToneMapMain, ToneMapKernelHuePreservationDesaturationMain)",
+          "IL::LoadKernel(device, ToneMapMain, ToneMapKernelCARToneCurve)"));
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 // Kernels with more threads than pixels, on memory with a guard on all four sides of the frame.
 
 #include <array>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "host/ironlane/GPUFrameDescriptor.h"
 #include "kernels/KernelModules.h"
 #include "refhost/ironlane/opencl/OpenClDevices.h"
 #include "refhost/ironlane/opencl/OpenClProgram.h"
@@ -83,11 +83,17 @@ class GuardBands : public testing::TestWithParam<std::tuple<TestDevice, std::siz
   void Launch(const cl::Buffer& frame, cl_uint width, cl_uint height) {
     constexpr cl_uint kFloats = 1;
     const cl_uint pitch = width + kBand;
-    const std::array<cl_uint, 8> descriptor = {0, 0, width, height, pitch, kFloats, 0, 0};
+    const Quillon::GPUFrameDescriptor descriptor = {.devicePointer = 0,
+                                                    .width = width,
+                                                    .height = height,
+                                                    .rowPitchPixels = pitch,
+                                                    .formatFlag = kFloats,
+                                                    .reserved = 0,
+                                                    .padding = 0};
     const cl_ulong size = width | cl_ulong{height} << 32U;
     cl_uint index = 0;
     run_.setArg(index++, frame);
-    run_.setArg(index++, sizeof(descriptor), descriptor.data());
+    run_.setArg(index++, sizeof(descriptor), &descriptor);
     run_.setArg(index++, sizeof(cl_mem), nullptr);
     run_.setArg(index++, pitch);
     run_.setArg(index++, kFloats);

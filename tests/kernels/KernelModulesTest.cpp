@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,17 @@ TEST(KernelModules, NeedNoOtherTextInOpenCl) {
   for (const char* module : {"ToneMapMain", "PixelConversion"}) {
     EXPECT_THAT(OpenClOf(module), Not(HasSubstr("#include \"")));
     EXPECT_THAT(OpenClOf(module), HasSubstr("#pragma OPENCL FP_CONTRACT OFF"));
+  }
+}
+
+TEST(KernelModules, ReadTheFrameDescriptorInTheHostsOwnText) {
+  std::ifstream file(QUILLON_SOURCE_DIR "/host/ironlane/GPUFrameDescriptor.h");
+  const std::string header{std::istreambuf_iterator<char>(file), {}};
+  const auto first = header.find("typedef struct GPUFrameDescriptor {");
+  const auto last = header.find("} GPUFrameDescriptor;");
+  ASSERT_LT(first, last);
+  for (const char* module : {"ToneMapMain", "PixelConversion"}) {
+    EXPECT_THAT(OpenClOf(module), HasSubstr(header.substr(first, last - first)));
   }
 }
 

@@ -1,8 +1,5 @@
 #include "tests/kernels/KernelRun.h"
 
-#include <array>
-#include <cstring>
-
 #include "refhost/kestrel/GpuFrame.h"
 
 namespace {
@@ -14,10 +11,13 @@ int RunOn(const std::shared_ptr<IL::GpuDevice>& device, const std::string& kerne
   const std::uint32_t flag = view.IsHalf() ? 0 : 1;
   const std::uint64_t size = view.width | std::uint64_t{view.height} << 32U;
   const std::uint64_t none = 0;
-  const std::array<std::uint32_t, 6> numbers = {view.width, view.height, pitch, flag, 0, 0};
-  alignas(8) std::array<std::byte, 32> descriptor{};
-  std::memcpy(descriptor.data(), &view.pixels, sizeof(view.pixels));
-  std::memcpy(descriptor.data() + sizeof(view.pixels), numbers.data(), sizeof(numbers));
+  const Quillon::GPUFrameDescriptor frame = {.devicePointer = view.pixels,
+                                             .width = view.width,
+                                             .height = view.height,
+                                             .rowPitchPixels = pitch,
+                                             .formatFlag = flag,
+                                             .reserved = 0,
+                                             .padding = 0};
 
   const IL::KernelHandle handle = IL::LoadKernel(device, "ToneMapMain", kernel);
   orvcore::classref::InterfaceRef<IL::IArgumentSet> arguments;
@@ -25,8 +25,7 @@ int RunOn(const std::shared_ptr<IL::GpuDevice>& device, const std::string& kerne
   if (const int result = device->CreateArguments(handle, bytes, arguments); result < 0) {
     return result;
   }
-  arguments->SetFrameArgument(
-      reinterpret_cast<const Quillon::GPUFrameDescriptor*>(descriptor.data()));
+  arguments->SetFrameArgument(&frame);
   if (device->GetDescription().platformKind == IL::kPlatformOpenCl) {
     arguments->SetMemoryArgument(0, 0);
   } else {

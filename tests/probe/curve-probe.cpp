@@ -90,7 +90,7 @@ Functions FunctionsOf(const Row& row) {
   const auto type = static_cast<orvmediatypes::color::ToneMapAlgorithmType>(row.type);
   const Quillon::ToneMapAlgorithm* algorithm = Quillon::FindToneMapAlgorithm(type);
   if (algorithm == nullptr) throw std::runtime_error("no curve of this type");
-  RequireParams(row, algorithm->paramsRead);
+  RequireParams(row, algorithm->facts.entries.size());
   // As the engine has it, except for parameters that it refuses.
   Functions functions;
   if (algorithm->bind != nullptr) functions.toneMap = algorithm->bind(row.params);

@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "curves/St2084.h"
+#include "mapper/Mapping.h"
 #include "tests/tools/cli/CurveTable.h"
 #include "tests/tools/cli/RunQuillon.h"
-#include "tools/quillon/options/AlgorithmNames.h"
 
 namespace {
 
@@ -48,7 +48,7 @@ std::size_t RowOf(const CurveTable& table, double nits) {
 TEST_F(CurveCommand, ListsAllAlgorithmsUnlessSomeAreChosen) {
   const CurveTable all = Table({});
   std::vector<std::string> expected = {"source_nits", "source_pq"};
-  for (const auto& choice : kAlgorithms) {
+  for (const auto& choice : Quillon::Mapper::Algorithms()) {
     expected.push_back(std::string(choice.name) + "_nits");
     expected.push_back(std::string(choice.name) + "_pq");
   }
@@ -74,7 +74,7 @@ TEST_F(CurveCommand, ListsARisingRampFromBlackPastTheSourcePeak) {
 
 TEST_F(CurveCommand, ListsTheCodeValuesOfItsLuminances) {
   const CurveTable table = Table({});
-  for (const auto& choice : kAlgorithms) {
+  for (const auto& choice : Quillon::Mapper::Algorithms()) {
     const std::string name(choice.name);
     for (std::size_t row = 0; row < table["source_nits"].size(); ++row) {
       ASSERT_NEAR(table[name + "_pq"][row], EncodeSt2084(table[name + "_nits"][row]), 1e-8) << name;
@@ -86,7 +86,7 @@ TEST_F(CurveCommand, ListsTheCodeValuesOfItsLuminances) {
 TEST_F(CurveCommand, NeverFallsWithASourceThatRises) {
   for (const char* peak : {"300", "1000", "4000"}) {
     const CurveTable table = Table({"--peak", peak});
-    for (const auto& choice : kAlgorithms) {
+    for (const auto& choice : Quillon::Mapper::Algorithms()) {
       const auto& result = table[std::string(choice.name) + "_nits"];
       for (std::size_t row = 1; row < result.size(); ++row) {
         // A float's width: the conversions between colour spaces round.
@@ -133,7 +133,7 @@ TEST_F(CurveCommand, StatesWhatWasResolved) {
         "(chosen automatically)", "knee start KS = "}) {
     EXPECT_THAT(comments, HasSubstr(text));
   }
-  for (const auto& choice : kAlgorithms) {
+  for (const auto& choice : Quillon::Mapper::Algorithms()) {
     EXPECT_THAT(comments, HasSubstr("# --algorithm " + std::string(choice.name) + '\n'));
   }
 }

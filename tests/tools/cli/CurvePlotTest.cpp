@@ -8,10 +8,10 @@
 #include <gtest/gtest.h>
 
 #include "host/kestrel/FrameInterfaces.h"
+#include "mapper/Mapping.h"
 #include "tests/tools/cli/RunQuillon.h"
 #include "tests/tools/cli/WellFormed.h"
 #include "tools/quillon/io/Still.h"
-#include "tools/quillon/options/AlgorithmNames.h"
 #include "tools/quillon/plot/CurveStyle.h"
 
 namespace {
@@ -74,11 +74,11 @@ Rgb Bytes(const Color& color) {
 
 TEST_F(CurvePlot, DrawsALineForEachAlgorithmInBothPanelsAndTheLegend) {
   const std::string svg = ReadFile(Plot("a.svg", {}));
-  for (const auto& choice : kAlgorithms) {
+  for (const auto& choice : Quillon::Mapper::Algorithms()) {
     EXPECT_EQ(CountStrokes(svg, StyleOf(choice.name).color), 3) << choice.name;
   }
   const std::string one = ReadFile(Plot("one.svg", {"--algorithm", "hue"}));
-  for (const auto& choice : kAlgorithms) {
+  for (const auto& choice : Quillon::Mapper::Algorithms()) {
     EXPECT_EQ(CountStrokes(one, StyleOf(choice.name).color), choice.name == "hue" ? 3 : 0)
         << choice.name;
   }
@@ -122,7 +122,7 @@ TEST_F(CurvePlot, WritesATaggedPngOfTheSizeOfItsSvg) {
 TEST_F(CurvePlot, PaintsTheSameColoursIntoPng) {
   const std::set<Rgb> colors = ColorsOf(ReadStill(Plot("a.png", {})));
   EXPECT_TRUE(colors.contains(Rgb{255, 255, 255}));
-  for (const auto& choice : kAlgorithms) {
+  for (const auto& choice : Quillon::Mapper::Algorithms()) {
     EXPECT_TRUE(colors.contains(Bytes(StyleOf(choice.name).color))) << choice.name;
   }
 }

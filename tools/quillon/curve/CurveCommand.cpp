@@ -3,10 +3,10 @@
 #include <iostream>
 #include <memory>
 
+#include "mapper/Mapping.h"
 #include "tools/quillon/curve/CurveOptions.h"
 #include "tools/quillon/curve/CurveOutputs.h"
 #include "tools/quillon/curve/CurveRun.h"
-#include "tools/quillon/options/AlgorithmNames.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
@@ -29,12 +29,13 @@ void AddOptions(CLI::App& curve, CurveOptions& options) {
           "--algorithm",
           [&](const std::vector<std::string>& names) {
             for (const std::string& name : names) {
-              AddAlgorithm(options, ParseChoice("--algorithm", kAlgorithms, name));
+              AddAlgorithm(options,
+                           ParseChoice("--algorithm", Quillon::Mapper::Algorithms(), name));
             }
           },
           "Tone-map algorithm to plot; may be given several times (all when not given)")
       ->allow_extra_args(false)
-      ->type_name(ChoiceNames(kAlgorithms));
+      ->type_name(ChoiceNames(Quillon::Mapper::Algorithms()));
   AddPeakNumberOption(curve, options.mapping.peak,
                       "Peak of the source in nits (1000 when not given)");
   AddTargetOptions(curve, options.mapping);
@@ -59,7 +60,8 @@ void Summarise(std::ostream& out, const CurveOptions& options, const CurveData& 
 
 void RunCurve(CurveOptions options) {
   if (options.algorithms.empty()) {
-    for (const auto& choice : kAlgorithms) options.algorithms.push_back(choice.value);
+    for (const auto& choice : Quillon::Mapper::Algorithms())
+      options.algorithms.push_back(choice.value);
   }
   CheckCurveOptions(options);
   PeakOptions& peak = options.mapping.peak;

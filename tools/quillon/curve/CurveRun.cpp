@@ -4,9 +4,9 @@
 #include <optional>
 #include <sstream>
 
+#include "mapper/Mapping.h"
 #include "tools/quillon/curve/GreyRamp.h"
 #include "tools/quillon/curve/HueStrip.h"
-#include "tools/quillon/options/AlgorithmNames.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Explain.h"
 #include "tools/quillon/picture/Frames.h"
@@ -55,7 +55,8 @@ void ReadToneMap(const Decisions& decisions, const std::vector<float>& nits,
                  AlgorithmCurve& curve) {
   if (!decisions.toneMap) return;
   const auto& toneMap = *decisions.toneMap;
-  if (toneMap.chosenAutomatically) curve.resolved = AlgorithmName(toneMap.algorithm);
+  if (toneMap.chosenAutomatically)
+    curve.resolved = Quillon::Mapper::AlgorithmName(toneMap.algorithm);
   if (toneMap.kneeNits) {
     const double source = *toneMap.kneeNits / toneMap.gain;
     curve.knee = CurveKnee{source, Interpolate(nits, curve.resultNits, source)};
@@ -78,7 +79,7 @@ AlgorithmCurve RunCurve(const MappingOptions& options, const PlannedPicture& ram
   constexpr int kGreen = 1;  // in grey the components are equal
   const int white = options.settings.white;
   AlgorithmCurve curve;
-  curve.name = AlgorithmName(options.settings.algorithm);
+  curve.name = Quillon::Mapper::AlgorithmName(options.settings.algorithm);
   curve.resultNits = ComponentNits(MapOrSayWhatElse(ramp, curve.name), kGreen, white);
   ReadToneMap(decisions, nits, curve);
   if (pictures.hues.has_value()) {

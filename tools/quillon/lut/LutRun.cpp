@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "mapper/Frames.h"
+#include "mapper/Mapping.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/lut/CubeFile.h"
 #include "tools/quillon/lut/LutError.h"
 #include "tools/quillon/lut/LutSignals.h"
-#include "tools/quillon/options/AlgorithmNames.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Explain.h"
 #include "tools/quillon/picture/MapPicture.h"
@@ -89,7 +89,7 @@ std::string Comments(const LutOptions& options, const Decisions& decisions, cons
       << ", full range, 0 to 1 in this domain\n"
       << "output: R'G'B' signal of " << DescribeColorSpace(map.target.colors)
       << ", full range, clamped to 0 to 1\n"
-      << "--algorithm " << AlgorithmName(map.settings.algorithm) << '\n';
+      << "--algorithm " << Quillon::Mapper::AlgorithmName(map.settings.algorithm) << '\n';
   Explain(out, decisions);
   DescribeLutError(out, error, "");
   return out.str();

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "mapper/Frames.h"
-#include "tools/quillon/options/AlgorithmNames.h"
+#include "mapper/Mapping.h"
 #include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/plot/NitsAxis.h"
 #include "tools/quillon/process/MapperErrors.h"
@@ -90,6 +90,6 @@ std::string ClipMapper::PeakText() const {
 std::string ClipMapper::Doing() const {
   const Decisions decisions = plan_.Decide();
   if (!decisions.toneMap) return decisions.gamutApplies ? "gamut only" : "conversion only";
-  return std::string(AlgorithmName(decisions.toneMap->algorithm)) + " " + FormatNits(peakNits_) +
-         " -> " + FormatNits(decisions.destinationPeakNits) + " nits";
+  return std::string(Quillon::Mapper::AlgorithmName(decisions.toneMap->algorithm)) + " " +
+         FormatNits(peakNits_) + " -> " + FormatNits(decisions.destinationPeakNits) + " nits";
 }

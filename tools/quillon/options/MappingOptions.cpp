@@ -1,11 +1,27 @@
 #include "tools/quillon/options/MappingOptions.h"
 
+#include <string_view>
+#include <vector>
+
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 using Quillon::Mapper::Algorithm;
 
 namespace {
+
+/// "hue and car"
+std::string AlgorithmsWithKnee() {
+  std::vector<std::string_view> names;
+  for (const auto& algorithm : Quillon::Mapper::Algorithms()) {
+    if (Quillon::Mapper::HasKnee(algorithm.value)) names.push_back(algorithm.name);
+  }
+  std::string list(names.front());
+  for (std::size_t i = 1; i < names.size(); ++i) {
+    list.append(i + 1 < names.size() ? ", " : " and ").append(names[i]);
+  }
+  return list;
+}
 
 void CheckToneMap(const MappingOptions& options) {
   const auto& settings = options.settings;
@@ -19,7 +35,7 @@ void CheckToneMap(const MappingOptions& options) {
               "--knee has no effect with --algorithm auto, which chooses the knee itself; add "
               "--algorithm hue");
   RefuseUsage(settings.knee.has_value() && !Quillon::Mapper::HasKnee(settings.algorithm),
-              "--knee has no effect with this algorithm; it belongs to hue and car");
+              "--knee has no effect with this algorithm; it belongs to " + AlgorithmsWithKnee());
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "tools/quillon/options/AlgorithmNames.h"
+#include "mapper/Mapping.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 
 namespace {
@@ -90,9 +90,9 @@ void AddWhiteOption(CLI::App& app, int& white, const std::string& help) {
 }
 
 void AddAlgorithmOptions(CLI::App& app, MappingOptions& options) {
-  AddChoice(app, "--algorithm", kAlgorithms, options.settings.algorithm,
+  AddChoice(app, "--algorithm", Quillon::Mapper::Algorithms(), options.settings.algorithm,
             "Tone-map algorithm (auto when not given)");
-  AddChoice(app, "--gamut", kGamuts, options.settings.gamut,
+  AddChoice(app, "--gamut", Quillon::Mapper::GamutAlgorithms(), options.settings.gamut,
             "Gamut compression (none when not given)");
 }
 

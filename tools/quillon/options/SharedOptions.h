@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -13,21 +14,20 @@
 /// Options that several commands have, by the same names. The references live as long as `app`.
 
 /// The value of a name. Throws CLI::ValidationError, which names the option, for other names.
-template <class Value, std::size_t Count>
-Value ParseChoice(const std::string& option, const std::array<Choice<Value>, Count>& choices,
-                  const std::string& text) {
+template <class Choices>
+auto ParseChoice(const std::string& option, const Choices& choices, const std::string& text) {
   for (const auto& choice : choices) {
     if (choice.name == text) return choice.value;
   }
   throw CLI::ValidationError(option, "'" + text + "' is none of " + ChoiceNames(choices));
 }
 
-/// An option that takes one of the named values and refuses all others.
-template <class Value, std::size_t Count>
+/// An option that takes one of the named values, which outlive it, and refuses all others.
+template <class Value>
 CLI::Option* AddChoice(CLI::App& app, const std::string& name,
-                       const std::array<Choice<Value>, Count>& choices, Value& value,
+                       std::type_identity_t<std::span<const Choice<Value>>> choices, Value& value,
                        const std::string& help) {
-  const auto assign = [&choices, &value, name](const std::string& text) {
+  const auto assign = [choices, &value, name](const std::string& text) {
     value = ParseChoice(name, choices, text);
   };
   return app.add_option_function<std::string>(name, assign, help)->type_name(ChoiceNames(choices));

@@ -1,20 +1,16 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <string>
-#include <string_view>
+
+#include "mapper/Mapping.h"
 
 /// A value of an option that takes one of several names.
 template <class Value>
-struct Choice {
-  std::string_view name;
-  Value value;
-};
+using Choice = Quillon::Mapper::Named<Value>;
 
 /// The names as help and messages list them: "auto|hue|none".
-template <class Value, std::size_t Count>
-std::string ChoiceNames(const std::array<Choice<Value>, Count>& choices) {
+template <class Choices>
+std::string ChoiceNames(const Choices& choices) {
   std::string names;
   for (const auto& choice : choices) {
     if (!names.empty()) names += '|';

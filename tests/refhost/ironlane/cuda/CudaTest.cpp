@@ -82,14 +82,17 @@ int LaunchOn(IL::GpuDevice& device, std::uint64_t memory) {
   if (kernel == nullptr) return device.IsLost() ? IL::kDeviceLost : IL::kDeviceFailed;
   orvcore::classref::InterfaceRef<IL::IArgumentSet> arguments;
   if (const int code = device.CreateArguments(kernel, 20, arguments); code < 0) return code;
-  struct {
-    std::uint64_t pixels;
-    std::uint32_t width = 4, height = 16, pitch = 4, isNotHalf = 1, reserved = 0, padding = 0;
-  } const frame{memory};
+  const Quillon::GPUFrameDescriptor frame = {.devicePointer = memory,
+                                             .width = 4,
+                                             .height = 16,
+                                             .rowPitchPixels = 4,
+                                             .formatFlag = 1,
+                                             .reserved = 0,
+                                             .padding = 0};
   const std::uint64_t none = 0;
   const std::uint32_t number = 7;
   const float limit = 1.5F;
-  arguments->SetFrameArgument(reinterpret_cast<const Quillon::GPUFrameDescriptor*>(&frame));
+  arguments->SetFrameArgument(&frame);
   arguments->SetValueArgument(&none, 8, 8);
   arguments->SetValueArgument(&number, 4, 4);
   arguments->SetValueArgument(&number, 4, 4);

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <string_view>
 
+#include "host/ironlane/GPUFrameDescriptor.h"
 #include "tests/refhost/ironlane/cuda/ScriptedState.h"
 
 namespace scripted {
@@ -78,21 +79,17 @@ std::string BinaryFor(const Call& call, const std::string& ptx) {
   return std::string(kBinaryStart) + std::to_string(10 * setup.major + setup.minor) + ' ' + ptx;
 }
 
-/// The frames that a launch has: 32 bytes that begin with a pointer.
+/// The frames that a launch has, told from its other parameters by their size.
 bool AreFramesThere(const Context* context, const Launch& launch) {
   for (const auto& bytes : launch.parameters) {
-    if (bytes.size() != 32) continue;
-    struct {
-      std::uint64_t pixels;
-      std::uint32_t width, height, pitch, isNotHalf, reserved, padding;
-    } frame{};
-    static_assert(sizeof(frame) == 32);
+    Quillon::GPUFrameDescriptor frame{};
+    if (bytes.size() != sizeof(frame)) continue;
     std::memcpy(&frame, bytes.data(), sizeof(frame));
     if (frame.width == 0 || frame.height == 0) continue;
-    const std::size_t pixelBytes = frame.isNotHalf != 0 ? 16 : 8;
+    const std::size_t pixelBytes = frame.formatFlag != 0 ? 16 : 8;
     const std::size_t extent =
-        (std::size_t{frame.height - 1} * frame.pitch + frame.width) * pixelBytes;
-    if (There(context, frame.pixels, extent) == nullptr) return false;
+        (std::size_t{frame.height - 1} * frame.rowPitchPixels + frame.width) * pixelBytes;
+    if (There(context, frame.devicePointer, extent) == nullptr) return false;
   }
   return true;
 }
