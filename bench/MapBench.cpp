@@ -35,7 +35,7 @@ struct Algorithm {
   GamutCompressionAlgorithmType gamut = GamutCompressionAlgorithmType::None;
 };
 
-constexpr Algorithm Quillon::Mapper::Algorithms()[] = {
+constexpr Algorithm kAlgorithms[] = {
     {"hue-preserving", ToneMapAlgorithmType::HuePreservationDesaturation},
     {"car", ToneMapAlgorithmType::CARToneCurve},
     {"bt2390-channel", ToneMapAlgorithmType::ITU2390RGBByChannel},
@@ -101,7 +101,7 @@ void MapInPlace(benchmark::State& state, const Algorithm& algorithm, std::size_t
 }
 
 [[maybe_unused]] const int kRegistered = [] {
-  for (const Algorithm& algorithm : Quillon::Mapper::Algorithms()) {
+  for (const Algorithm& algorithm : kAlgorithms) {
     for (const std::size_t threads : {1U, 2U}) {
       benchmark::RegisterBenchmark(
           ("frame/" + std::string(algorithm.name) + "/threads:" + std::to_string(threads)).c_str(),

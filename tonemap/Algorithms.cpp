@@ -24,11 +24,11 @@ std::array<ToneMapAlgorithm, sizeof...(Curves)> AlgorithmsOf(CurveList<Curves...
 }  // namespace
 
 const ToneMapAlgorithm* FindToneMapAlgorithm(ToneMapAlgorithmType algorithmType) {
-  static const auto Quillon::Mapper::Algorithms() = AlgorithmsOf(ToneCurves{});
-  const auto* found = std::find_if(Quillon::Mapper::Algorithms().begin(), Quillon::Mapper::Algorithms().end(), [&](const auto& entry) {
+  static const auto kAlgorithms = AlgorithmsOf(ToneCurves{});
+  const auto* found = std::find_if(kAlgorithms.begin(), kAlgorithms.end(), [&](const auto& entry) {
     return entry.facts.type == algorithmType;
   });
-  return found == Quillon::Mapper::Algorithms().end() ? nullptr : found;
+  return found == kAlgorithms.end() ? nullptr : found;
 }
 
 }  // namespace Quillon
