@@ -29,6 +29,12 @@ using PX::GamutMappingUtils::GamutMappingSettings;
 
 namespace {
 
+/// All other tests of devices run on those there are, and are none where there is none.
+TEST(Devices, AreThere) {
+  EXPECT_FALSE(EveryDevice().empty())
+      << "no device that runs kernels; the Debian package pocl-opencl-icd brings one";
+}
+
 constexpr ToneMapAlgorithmType kAlgorithms[] = {
     ToneMapAlgorithmType::None,          ToneMapAlgorithmType::Automatic,
     ToneMapAlgorithmType::ITU2390MaxRGB, ToneMapAlgorithmType::ITU2390RGBByChannel,

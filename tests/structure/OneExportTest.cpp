@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <sstream>
+#include <string>
 #include <type_traits>
 
 #include <gtest/gtest.h>
@@ -39,3 +41,14 @@ TEST(Exports, OfDevicesHaveNoFunctionOfOpenCl) {
         << symbol.name << " would stand before the one of a program that links OpenCL itself";
   }
 }
+
+#ifdef QUILLON_MODULES
+TEST(Modules, ExportTheirTableAlone) {
+  std::istringstream modules(QUILLON_MODULES);
+  for (std::string module; std::getline(modules, module, ':');) {
+    const std::vector<Symbol> symbols = ReadDynamicSymbols(module);
+    ASSERT_EQ(symbols.size(), 1U) << module;
+    EXPECT_EQ(symbols.front().name, "QuillonModule") << module;
+  }
+}
+#endif

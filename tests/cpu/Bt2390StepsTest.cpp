@@ -10,7 +10,6 @@ using orvmediatypes::color::ToneMapAlgorithmType;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr int kUnknown = static_cast<int>(0xA00F000CU);
 constexpr int kDegenerate = static_cast<int>(0xA00F000FU);
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
@@ -24,7 +23,7 @@ struct Signals {
   float destinationPeak = 0.75F;
 };
 
-class StepsEdgeCases : public scripted::HostTest {
+class Bt2390Steps : public scripted::HostTest {
  protected:
   int Run() {
     pixel = kPixel;
@@ -57,14 +56,14 @@ class StepsEdgeCases : public scripted::HostTest {
   std::vector<float> pixel;
 };
 
-TEST_F(StepsEdgeCases, RefuseBT2390WhenTheKneeStartsAtExactly1) {
+TEST_F(Bt2390Steps, AreRefusedWhenTheKneeStartsAtExactly1) {
   for (const int algorithm : {2, 3}) {
     EXPECT_EQ(RunITU2390(algorithm, {.sourcePeak = 0.5F, .destinationPeak = 0.5F}), kDegenerate);
     ExpectUntouched();
   }
 }
 
-TEST_F(StepsEdgeCases, RefuseBT2390FromPQToPQWithoutMetadata) {
+TEST_F(Bt2390Steps, AreRefusedFromPQToPQWithoutMetadata) {
   // Full scale on both sides: the knee starts at 1.
   record.toneMapSettings.sourceColorSpace = orvmediatypes::color::ColorSpace(scripted::kPQ);
   record.toneMapSettings.destinationColorSpace = orvmediatypes::color::ColorSpace(scripted::kPQ);
@@ -72,7 +71,7 @@ TEST_F(StepsEdgeCases, RefuseBT2390FromPQToPQWithoutMetadata) {
   ExpectUntouched();
 }
 
-TEST_F(StepsEdgeCases, RunBT2390WhenTheKneeStartsOneStepBelow1) {
+TEST_F(Bt2390Steps, RunWhenTheKneeStartsOneStepBelow1) {
   const float justBelow = std::nextafter(1.0F, 0.0F);
   for (const int algorithm : {2, 3}) {
     EXPECT_EQ(RunITU2390(algorithm, {.destinationPeak = justBelow}), 0);
@@ -80,7 +79,7 @@ TEST_F(StepsEdgeCases, RunBT2390WhenTheKneeStartsOneStepBelow1) {
   }
 }
 
-TEST_F(StepsEdgeCases, RunOnlyTheDesaturationWhenTheKneeStartsAbove1) {
+TEST_F(Bt2390Steps, RunOnlyTheDesaturationWhenTheKneeStartsAbove1) {
   // A destination peak of twice the source's: what is left of the curve is the gain of 2.
   for (const int algorithm : {2, 3}) {
     EXPECT_EQ(RunITU2390(algorithm, {.sourcePeak = 0.5F, .destinationPeak = 1.0F}), 0);
@@ -88,7 +87,7 @@ TEST_F(StepsEdgeCases, RunOnlyTheDesaturationWhenTheKneeStartsAbove1) {
   }
 }
 
-TEST_F(StepsEdgeCases, RefuseBT2390WhenTheRangeLiesBelow1e15th) {
+TEST_F(Bt2390Steps, AreRefusedWhenTheRangeLiesBelow1e15th) {
   for (const int algorithm : {2, 3}) {
     for (const float range : {std::nextafter(1e-15F, 0.0F), 0.0F, -0.5F}) {
       EXPECT_EQ(RunITU2390(algorithm, {.sourcePeak = range}), kDegenerate) << range;
@@ -97,53 +96,15 @@ TEST_F(StepsEdgeCases, RefuseBT2390WhenTheRangeLiesBelow1e15th) {
   }
 }
 
-TEST_F(StepsEdgeCases, RunBT2390WhenTheRangeIs1e15th) {
+TEST_F(Bt2390Steps, RunWhenTheRangeIs1e15th) {
   for (const int algorithm : {2, 3}) EXPECT_EQ(RunITU2390(algorithm, {.sourcePeak = 1e-15F}), 0);
 }
 
-TEST_F(StepsEdgeCases, RunBT2390WhenTheRangeIsNaN) {
+TEST_F(Bt2390Steps, RunWhenTheRangeIsNaN) {
   for (const int algorithm : {2, 3}) {
     EXPECT_EQ(RunITU2390(algorithm, {.sourcePeak = kNaN}), 0);
     EXPECT_EQ(pixel[3], 0.25F);
   }
-}
-
-TEST_F(StepsEdgeCases, LeaveReinhardOutForALimitOfExactly1AndToneMapAllTheSame) {
-  cpu::LeaveOnlyTheGain(host);
-  host.results.gamutCompressionApplicable = true;  // the signal of 1 comes back unconverted
-  record.toneMapSettings.controls.version = 2;
-  EXPECT_EQ(Run(), 0);
-  EXPECT_THAT(pixel, ElementsAre(-2.0F, 1.0F, 2.0F, 0.25F));
-}
-
-TEST_F(StepsEdgeCases, RefuseToneMapAlgorithms0And7) {
-  host.results.toneMappingApplicable = true;
-  for (const int algorithm : {0, 7}) {
-    record.toneMapSettings.algorithmType = static_cast<ToneMapAlgorithmType>(algorithm);
-    EXPECT_EQ(Run(), kUnknown);
-    EXPECT_EQ(pixel, kPixel);
-  }
-}
-
-TEST_F(StepsEdgeCases, RefuseGamutAlgorithms0And3) {
-  host.results.gamutCompressionApplicable = true;
-  for (const int algorithm : {0, 3}) {
-    record.GamutCompressionSettings::algorithmType =
-        static_cast<orvmediatypes::color::GamutCompressionAlgorithmType>(algorithm);
-    EXPECT_EQ(Run(), kUnknown);
-    EXPECT_EQ(pixel, kPixel);
-  }
-}
-
-TEST_F(StepsEdgeCases, GiveGamutCompressionTheRecordsColorManagementThoughTheVersionSaysDefault) {
-  // The tone map's peak, asked for by the same rule of versions, is at the default white.
-  record.toneMapSettings.controls.version = 2;
-  host.results.gamutCompressionApplicable = true;
-  host.results.toneMappingApplicable = true;
-  EXPECT_EQ(Run(), 0);
-  EXPECT_THAT(host.CallsTo({"CHR::ConvertFrame(", "CHR::ConvertSignalToLinearValue(9/18"}),
-              ElementsAre(testing::HasSubstr("white 100"), testing::HasSubstr("white 100"),
-                          testing::HasSubstr("white 203")));
 }
 
 }  // namespace

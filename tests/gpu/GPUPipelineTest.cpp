@@ -4,7 +4,7 @@
 #include "engine/Quillon.h"
 #include "tests/gpu/GPUTest.h"
 
-/// The edges of the GPU pipeline, through the engine's one entry.
+/// The GPU pipeline, through the engine's one entry.
 
 namespace {
 
@@ -19,7 +19,7 @@ using testing::Not;
 
 constexpr int kUnsupported = static_cast<int>(0xA00F000CU);
 
-class GPUEdgeCases : public gpu::GPUTest {
+class GPUPipeline : public gpu::GPUTest {
  protected:
   void SetUp() override {
     GPUTest::SetUp();
@@ -53,7 +53,7 @@ class GPUEdgeCases : public gpu::GPUTest {
   }
 };
 
-TEST_F(GPUEdgeCases, OneFrameIsNotTouchedWhenNoMappingApplies) {
+TEST_F(GPUPipeline, OneFrameIsNotTouchedWhenNoMappingApplies) {
   host.results.gamutMappingApplicable = false;
   destination = source;
   host.Reset();
@@ -62,7 +62,7 @@ TEST_F(GPUEdgeCases, OneFrameIsNotTouchedWhenNoMappingApplies) {
   EXPECT_THAT(host.CallsTo({"source.Get", "source.Set", "KS::", "IL::", "device"}), IsEmpty());
 }
 
-TEST_F(GPUEdgeCases, ReinhardWithALimitOfNoMoreThan1LaunchesNothingAndToneMappingStillRuns) {
+TEST_F(GPUPipeline, ReinhardWithALimitOfNoMoreThan1LaunchesNothingAndToneMappingStillRuns) {
   host.results.gamutCompressionApplicable = true;
   for (const float limit : {1.0F, 0.5F, -1.0F, std::numeric_limits<float>::quiet_NaN(),
                             -std::numeric_limits<float>::infinity()}) {
@@ -76,7 +76,7 @@ TEST_F(GPUEdgeCases, ReinhardWithALimitOfNoMoreThan1LaunchesNothingAndToneMappin
   }
 }
 
-TEST_F(GPUEdgeCases, ReinhardRunsJustAbove1) {
+TEST_F(GPUPipeline, ReinhardRunsJustAbove1) {
   host.results.gamutCompressionApplicable = true;
   for (const float limit : {std::nextafter(1.0F, 2.0F), std::numeric_limits<float>::infinity()}) {
     ConvertPixelsTo(limit);
@@ -86,7 +86,7 @@ TEST_F(GPUEdgeCases, ReinhardRunsJustAbove1) {
   EXPECT_EQ(Launches().size(), 4U);
 }
 
-TEST_F(GPUEdgeCases, AFrameThatIsNoMultipleOfTheBlockHasAGridRoundedUp) {
+TEST_F(GPUPipeline, AFrameThatIsNoMultipleOfTheBlockHasAGridRoundedUp) {
   UseDevice({.platformKind = 3});
   for (const auto& [width, height, grid] :
        {std::tuple{1, 1, "1, 1"}, {16, 16, "1, 1"}, {17, 16, "2, 1"}, {70, 35, "5, 3"}}) {
@@ -100,13 +100,13 @@ TEST_F(GPUEdgeCases, AFrameThatIsNoMultipleOfTheBlockHasAGridRoundedUp) {
   }
 }
 
-TEST_F(GPUEdgeCases, ADeviceOfPlatformKind2GetsBlocksOfOneThread) {
+TEST_F(GPUPipeline, ADeviceOfPlatformKind2GetsBlocksOfOneThread) {
   UseDevice({.platformKind = 2, .architectureCode = 1});
   EXPECT_EQ(Apply(), 0);
   EXPECT_THAT(Launches(), ElementsAre(HasSubstr("arguments, 3, 2, 1, 1, 0)")));
 }
 
-TEST_F(GPUEdgeCases, AnEmptyFrameHasAnEmptyGrid) {
+TEST_F(GPUPipeline, AnEmptyFrameHasAnEmptyGrid) {
   scripted::FrameSetup setup = SetupOf("source", scripted::kLinear709);
   setup.bounds = {0, 0, 0, 0};
   source = scripted::MakeFrame(setup);
@@ -114,7 +114,7 @@ TEST_F(GPUEdgeCases, AnEmptyFrameHasAnEmptyGrid) {
   EXPECT_THAT(Launches(), ElementsAre(HasSubstr("arguments, 0, 0, 1, 1, 0)")));
 }
 
-TEST_F(GPUEdgeCases, ALinearSourceIsWorkedOnInPlaceAndCopiedOut) {
+TEST_F(GPUPipeline, ALinearSourceIsWorkedOnInPlaceAndCopiedOut) {
   MakeFrames(scripted::kLinear709);
   EXPECT_EQ(Apply(), 0);
   EXPECT_THAT(host.CallsTo({"arguments.SetFrame"}), ElementsAre(HasSubstr("{0x1000,")));
@@ -123,7 +123,7 @@ TEST_F(GPUEdgeCases, ALinearSourceIsWorkedOnInPlaceAndCopiedOut) {
                                     "white 100)"));
 }
 
-TEST_F(GPUEdgeCases, ALinearSourceThatIsTheDestinationIsNotCopied) {
+TEST_F(GPUPipeline, ALinearSourceThatIsTheDestinationIsNotCopied) {
   MakeFrames(scripted::kLinear709);
   destination = source;
   EXPECT_EQ(Apply(), 0);
@@ -131,7 +131,7 @@ TEST_F(GPUEdgeCases, ALinearSourceThatIsTheDestinationIsNotCopied) {
   EXPECT_THAT(Copies(), IsEmpty());
 }
 
-TEST_F(GPUEdgeCases, AFrameThatIsItsOwnDestinationComesBackByTheFinalCopyWhenNotLinear) {
+TEST_F(GPUPipeline, AFrameThatIsItsOwnDestinationComesBackByTheFinalCopyWhenNotLinear) {
   destination = source;
   EXPECT_EQ(Apply(), 0);
   EXPECT_THAT(Copies(),
@@ -139,7 +139,7 @@ TEST_F(GPUEdgeCases, AFrameThatIsItsOwnDestinationComesBackByTheFinalCopyWhenNot
                           "KS::GPUFrameManipulators::CopyFrame(created, source, 4, white 100)"));
 }
 
-TEST_F(GPUEdgeCases, EveryCopyAsksForQuality4WhateverTheSettings) {
+TEST_F(GPUPipeline, EveryCopyAsksForQuality4WhateverTheSettings) {
   for (const int version : {1, 3}) {
     record.toneMapSettings.controls.version = version;
     EXPECT_EQ(Apply(), 0);
@@ -148,14 +148,14 @@ TEST_F(GPUEdgeCases, EveryCopyAsksForQuality4WhateverTheSettings) {
   EXPECT_THAT(Copies(), testing::Each(HasSubstr(", 4, white")));
 }
 
-TEST_F(GPUEdgeCases, ToneMappingThatDoesNotApplyLeavesTheWorkingFrameUntouched) {
+TEST_F(GPUPipeline, ToneMappingThatDoesNotApplyLeavesTheWorkingFrameUntouched) {
   host.results.toneMappingApplicable = false;
   EXPECT_EQ(Apply(), 0);
   EXPECT_THAT(Launches(), IsEmpty());
   EXPECT_EQ(Copies().size(), 2U);
 }
 
-TEST_F(GPUEdgeCases, TheAutomaticChoiceRunsTheKernelThatItResolvesTo) {
+TEST_F(GPUPipeline, TheAutomaticChoiceRunsTheKernelThatItResolvesTo) {
   SetToneMap(1);
   host.results.automaticChoice = [](float, ToneMapAlgorithmType& algorithm, float& knee) {
     algorithm = ToneMapAlgorithmType::HuePreservationDesaturation;
@@ -166,7 +166,7 @@ TEST_F(GPUEdgeCases, TheAutomaticChoiceRunsTheKernelThatItResolvesTo) {
   EXPECT_EQ(ToneMapFloats().at(2), Pushed(0.25F)) << "the knee of the working copy";
 }
 
-TEST_F(GPUEdgeCases, ToneMapAlgorithms0And7AreRefusedAlsoWhenTracingIsOff) {
+TEST_F(GPUPipeline, ToneMapAlgorithms0And7AreRefusedAlsoWhenTracingIsOff) {
   std::int32_t changeCount = 100;
   for (const bool traced : {true, false}) {
     for (const int algorithm : {0, 7}) {
@@ -182,7 +182,7 @@ TEST_F(GPUEdgeCases, ToneMapAlgorithms0And7AreRefusedAlsoWhenTracingIsOff) {
   }
 }
 
-TEST_F(GPUEdgeCases, BothBT2390KernelsTakeTheSameFloatsAndNoneOfEntries5To9) {
+TEST_F(GPUPipeline, BothBT2390KernelsTakeTheSameFloatsAndNoneOfEntries5To9) {
   const auto floatsOf = [&](int algorithm) {
     host.Reset();
     host.results.toneMappingApplicable = true;
@@ -203,14 +203,14 @@ TEST_F(GPUEdgeCases, BothBT2390KernelsTakeTheSameFloatsAndNoneOfEntries5To9) {
                                   Pushed(0.375F), Pushed(0.4375F), Pushed(0.1875F)));
 }
 
-TEST_F(GPUEdgeCases, TheHuePreservingKernelTakesEntry2BeforeEntry1) {
+TEST_F(GPUPipeline, TheHuePreservingKernelTakesEntry2BeforeEntry1) {
   host.results.convertSignalToLinear = [](const auto&, float) { return 8.0F; };
   EXPECT_EQ(Apply(), 0);
   EXPECT_THAT(ToneMapFloats(),
               ElementsAre(Pushed(1.5F), Pushed(8.0F), Pushed(4.0F), Pushed(2.0F), Pushed(0.25F)));
 }
 
-TEST_F(GPUEdgeCases, FramesOfDifferentBoundsAreLeftToTheCopy) {
+TEST_F(GPUPipeline, FramesOfDifferentBoundsAreLeftToTheCopy) {
   scripted::FrameSetup setup = SetupOf("destination", scripted::kSDR);
   setup.bounds = {1, 2, 30, 20};
   destination = scripted::MakeFrame(setup);
@@ -219,7 +219,7 @@ TEST_F(GPUEdgeCases, FramesOfDifferentBoundsAreLeftToTheCopy) {
   EXPECT_THAT(Launches(), ElementsAre(HasSubstr("arguments, 3, 2, 1, 1, 0)")));
 }
 
-TEST_F(GPUEdgeCases, DevicesBeyondTheCacheLoadAtEveryCall) {
+TEST_F(GPUPipeline, DevicesBeyondTheCacheLoadAtEveryCall) {
   for (const auto& [kind, ordinal] :
        {std::pair{5, 0}, {1, 4}, {-1, -1}, {std::numeric_limits<int>::min(), 0}}) {
     UseDevice({.platformKind = kind, .ordinal = ordinal});

@@ -33,23 +33,23 @@ void ExpectNaNColors(const Pixel& pixel, float alpha) {
   EXPECT_EQ(pixel[3], alpha);
 }
 
-TEST(HighlightDesaturationEdgeCases, AppliesTheGainAloneToAPixelAtTheThreshold) {
+TEST(HighlightDesaturation, AppliesTheGainAloneToAPixelAtTheThreshold) {
   ExpectBits(Desaturate({0.5F, 1.0F, 0.25F, 1.0F}, 2.0F, {.peak = 4.0F, .gain = 2.0F}),
              {1.0F, 2.0F, 0.5F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, LooksForNoPlaceBetweenAPeakAndAThresholdThatAreOne) {
+TEST(HighlightDesaturation, LooksForNoPlaceBetweenAPeakAndAThresholdThatAreOne) {
   // At both of them it would be 0 / 0.
   ExpectBits(Desaturate({0.5F, 2.0F, 0.25F, 1.0F}, 2.0F, {.peak = 2.0F}),
              {0.5F, 2.0F, 0.25F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, AppliesTheGainAloneToAPixelBelowTheThreshold) {
+TEST(HighlightDesaturation, AppliesTheGainAloneToAPixelBelowTheThreshold) {
   ExpectBits(Desaturate({-3.0F, 0.25F, 0.125F, 1.0F}, 2.0F, {.peak = 4.0F, .gain = 4.0F}),
              {-12.0F, 1.0F, 0.5F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, StartsOneStepAboveTheThreshold) {
+TEST(HighlightDesaturation, StartsOneStepAboveTheThreshold) {
   // A place of 2^-23 between threshold and peak; its fourth root is 2^-5.75. The luminance is a
   // quarter of red, and dark channels are lifted by that share of it.
   const float justAbove = std::nextafter(1.0F, 2.0F);
@@ -59,77 +59,77 @@ TEST(HighlightDesaturationEdgeCases, StartsOneStepAboveTheThreshold) {
   EXPECT_NEAR(pixel[2], 1.0F - 3.0F * 0.00464534F, 2e-7F);
 }
 
-TEST(HighlightDesaturationEdgeCases, ComparesWithTheThresholdAfterTheGain) {
+TEST(HighlightDesaturation, ComparesWithTheThresholdAfterTheGain) {
   // 0.75 lies below the threshold, its double at the peak: grey of its luminance.
   ExpectWithinUlps(Desaturate({0.0F, 0.0F, 0.75F, 1.0F}, 1.0F, {.peak = 1.5F, .gain = 2.0F}),
                    {0.375F, 0.375F, 0.375F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, TurnsAPixelAtThePeakIntoItsLuminance) {
+TEST(HighlightDesaturation, TurnsAPixelAtThePeakIntoItsLuminance) {
   ExpectWithinUlps(Desaturate({1.0F, 2.0F, 4.0F, 0.5F}, 2.0F, {.peak = 4.0F}),
                    {2.125F, 2.125F, 2.125F, 0.5F});
 }
 
-TEST(HighlightDesaturationEdgeCases, WeighsTheThirdChannelWithTheFirstWeight) {
+TEST(HighlightDesaturation, WeighsTheThirdChannelWithTheFirstWeight) {
   const Pixel pixel = {1.0F, 2.0F, 4.0F, 1.0F};
   EXPECT_FLOAT_EQ(Desaturate(pixel, 2.0F, {.peak = 4.0F}, {1.0F, 0.0F, 0.0F})[0], 4.0F);
   EXPECT_FLOAT_EQ(Desaturate(pixel, 2.0F, {.peak = 4.0F}, {0.0F, 1.0F, 0.0F})[0], 2.0F);
   EXPECT_FLOAT_EQ(Desaturate(pixel, 2.0F, {.peak = 4.0F}, {0.0F, 0.0F, 1.0F})[0], 1.0F);
 }
 
-TEST(HighlightDesaturationEdgeCases, GoesHalfWayAtASixteenthOfTheWayToThePeak) {
+TEST(HighlightDesaturation, GoesHalfWayAtASixteenthOfTheWayToThePeak) {
   ExpectWithinUlps(Desaturate({2.0F, 0.0F, 0.0F, 1.0F}, 1.0F, {.peak = 17.0F}),
                    {1.125F, 0.125F, 0.125F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, GoesHalfWayAtThePeakWhenHalfTheColorIsPreserved) {
+TEST(HighlightDesaturation, GoesHalfWayAtThePeakWhenHalfTheColorIsPreserved) {
   ExpectWithinUlps(Desaturate({1.0F, 2.0F, 4.0F, 1.0F}, 2.0F, {.peak = 4.0F, .preservation = 0.5F}),
                    {1.5625F, 2.0625F, 3.0625F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, ChangesNothingWhenColorIsFullyPreserved) {
+TEST(HighlightDesaturation, ChangesNothingWhenColorIsFullyPreserved) {
   ExpectBits(Desaturate({1.0F, 2.0F, 4.0F, 1.0F}, 2.0F, {.peak = 4.0F, .preservation = 1.0F}),
              {1.0F, 2.0F, 4.0F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, DoesNotPassTheLuminanceAboveThePeak) {
+TEST(HighlightDesaturation, DoesNotPassTheLuminanceAboveThePeak) {
   // The place is 16, its fourth root 2: without the clamp colours would turn round.
   ExpectBits(Desaturate({17.0F, 1.0F, 2.0F, 1.0F}, 1.0F, {.peak = 2.0F}),
              {3.125F, 3.125F, 3.125F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, DoesNotAddColorForAPreservationAbove1) {
+TEST(HighlightDesaturation, DoesNotAddColorForAPreservationAbove1) {
   ExpectBits(Desaturate({1.0F, 2.0F, 4.0F, 1.0F}, 2.0F, {.peak = 4.0F, .preservation = 2.0F}),
              {1.0F, 2.0F, 4.0F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, GivesNaNWhenThePeakLiesBelowTheThreshold) {
+TEST(HighlightDesaturation, GivesNaNWhenThePeakLiesBelowTheThreshold) {
   // The fourth root of a negative number, on an ordinary pixel.
   ExpectNaNColors(Desaturate({0.5F, 1.0F, 4.0F, 0.25F}, 2.0F, {.peak = 1.0F}), 0.25F);
 }
 
-TEST(HighlightDesaturationEdgeCases, GivesNaNInTheCarCurveWhenThePeakLiesBelowTheKnee) {
+TEST(HighlightDesaturation, GivesNaNInTheCarCurveWhenThePeakLiesBelowTheKnee) {
   const Quillon::SupportVector params = {2.0F, 1.0F, 1.0F, 4.0F, 0.25F, 0.5F, 0.125F};
   ExpectNaNColors(tonemap::Map<Quillon::CARToneMap>({0.5F, 1.0F, 4.0F, 0.25F}, params, {}), 0.25F);
 }
 
-TEST(HighlightDesaturationEdgeCases, LeavesPixelsBetweenAPeakAndAHigherThresholdAlone) {
+TEST(HighlightDesaturation, LeavesPixelsBetweenAPeakAndAHigherThresholdAlone) {
   ExpectBits(Desaturate({0.5F, 1.0F, 1.75F, 1.0F}, 2.0F, {.peak = 1.0F}),
              {0.5F, 1.0F, 1.75F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, TurnsIntoLuminanceWhereThePeakIsTheThreshold) {
+TEST(HighlightDesaturation, TurnsIntoLuminanceWhereThePeakIsTheThreshold) {
   // An infinite place.
   ExpectBits(Desaturate({1.0F, 2.0F, 4.0F, 1.0F}, 2.0F, {.peak = 2.0F}),
              {2.125F, 2.125F, 2.125F, 1.0F});
 }
 
-TEST(HighlightDesaturationEdgeCases, GivesNaNForAnInfinitePlaceOfWhichNothingCounts) {
+TEST(HighlightDesaturation, GivesNaNForAnInfinitePlaceOfWhichNothingCounts) {
   ExpectNaNColors(Desaturate({1.0F, 2.0F, 4.0F, 1.0F}, 2.0F, {.peak = 2.0F, .preservation = 1.0F}),
                   1.0F);
 }
 
-TEST(HighlightDesaturationEdgeCases, LooksPastANaNThatIsNotTheFirstChannel) {
+TEST(HighlightDesaturation, LooksPastANaNThatIsNotTheFirstChannel) {
   const Pixel below = Desaturate({0.5F, kNaN, 0.25F, 1.0F}, 1.0F, {.peak = 4.0F});
   EXPECT_EQ(below[0], 0.5F);
   EXPECT_TRUE(std::isnan(below[1]));
@@ -138,14 +138,14 @@ TEST(HighlightDesaturationEdgeCases, LooksPastANaNThatIsNotTheFirstChannel) {
   ExpectNaNColors(Desaturate({0.5F, kNaN, 2.0F, 1.0F}, 1.0F, {.peak = 4.0F}), 1.0F);
 }
 
-TEST(HighlightDesaturationEdgeCases, TakesANaNInTheFirstChannelForNoHighlight) {
+TEST(HighlightDesaturation, TakesANaNInTheFirstChannelForNoHighlight) {
   const Pixel pixel = Desaturate({kNaN, 8.0F, 2.0F, 1.0F}, 1.0F, {.peak = 4.0F, .gain = 2.0F});
   EXPECT_TRUE(std::isnan(pixel[0]));
   EXPECT_EQ(pixel[1], 16.0F);
   EXPECT_EQ(pixel[2], 4.0F);
 }
 
-TEST(HighlightDesaturationEdgeCases, GivesNaNForInfiniteLight) {
+TEST(HighlightDesaturation, GivesNaNForInfiniteLight) {
   ExpectNaNColors(Desaturate({kInfinity, 1.0F, 1.0F, 1.0F}, 1.0F, {.peak = 4.0F}), 1.0F);
 }
 

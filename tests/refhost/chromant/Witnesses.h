@@ -1,8 +1,20 @@
 #pragma once
 
+// The same pixels (red, green, blue) as OpenColorIO and zimg convert them.
+
 #include <array>
 #include <cstdint>
 #include <vector>
+
+#include "tests/refhost/chromant/Samples.h"
+
+std::vector<Rgb> ThroughOcioBuiltin(std::vector<Rgb> pixels, const char* style);
+
+/// A power, odd about 0.
+std::vector<Rgb> ThroughOcioPower(std::vector<Rgb> pixels, double exponent);
+
+/// ((signal + offset) / (1 + offset)) ^ exponent, with a straight line near 0.
+std::vector<Rgb> ThroughOcioMonitorCurve(std::vector<Rgb> pixels, double exponent, double offset);
 
 /// H.273 code points of an RGB picture.
 struct Cicp {
