@@ -27,4 +27,4 @@ quillon_leave_out("counts every allocation; the C library has no aligned_alloc"
   PROGRAMS no_allocation_test row_walk_allocation_test)
 quillon_leave_out("no Google Benchmark for this system" FOLDERS bench)
 quillon_leave_out("no command line on this system" FOLDERS campaign tools)
-quillon_leave_out("runs programs by the shell" FOLDERS probe)
+quillon_leave_out("runs programs by the shell" FOLDERS probe report)

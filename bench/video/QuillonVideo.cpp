@@ -1,44 +1,49 @@
 #include "bench/video/QuillonVideo.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "bench/Frames.h"
 #include "bench/video/VideoFrames.h"
-#include "engine/Quillon.h"
-#include "host/kestrel/FrameManipulators.h"
+#include "mapper/Frames.h"
+
+using Quillon::Mapper::Algorithm;
+using Quillon::Mapper::Plan;
 
 namespace {
 
-constexpr orvmediatypes::RenderQuality kQuality = 4;
-constexpr float kPeakSignal = 0.751827F;  // of 1000 nits in PQ
+void Check(const Quillon::Mapper::Failure& failure) {
+  if (failure) throw std::runtime_error(failure->message + ": " + failure->trace);
+}
+
+Plan PlanFrom(const PX::VideoFrameRef& source, const PX::VideoFrameRef& destination,
+              Algorithm algorithm) {
+  const auto plan = Plan::Make(
+      {source->GetColorSpace().Description(), {}}, {destination->GetColorSpace().Description()},
+      {.algorithm = algorithm, .white = kWhiteNits}, {kSourceNits, "given"});
+  if (!plan) throw std::runtime_error(plan.error().message);
+  return *plan;
+}
 
 }  // namespace
 
-QuillonVideo::QuillonVideo(orvmediatypes::color::ToneMapAlgorithmType algorithm,
-                           PX::VideoFrameRef source)
+QuillonVideo::QuillonVideo(Algorithm algorithm, PX::VideoFrameRef source)
     : source_(std::move(source)),
       working_(Make4kFrame(orvmediatypes::kLinearFloatBGRA, WorkingColorSpace())),
-      destination_(MakeSdrFrame()) {
-  auto& toneMap = settings_.toneMapSettings;
-  toneMap.sourceColorSpace = source_->GetColorSpace();
-  toneMap.destinationColorSpace = destination_->GetColorSpace();
-  toneMap.controls.peak = kPeakSignal;
-  toneMap.algorithmType = algorithm;
-}
+      destination_(MakeSdrFrame()),
+      plan_(PlanFrom(source_, destination_, algorithm)),
+      planOfLight_(PlanFrom(working_, destination_, algorithm)) {}
 
-void QuillonVideo::MapFrame() {
-  Check(Quillon::ApplyGamutMapping(source_, settings_, destination_), "ApplyGamutMapping");
-}
+void QuillonVideo::MapFrame() { Check(Quillon::Mapper::MapFrame(plan_, source_, destination_)); }
 
 void QuillonVideo::CopyIn() {
-  Check(KS::VideoFrameManipulators::CopyFrame(source_, working_, kQuality, {}), "CopyFrame");
+  Check(Quillon::Mapper::CopyConverted(source_, working_, kWhiteNits));
 }
 
 void QuillonVideo::MapWorkingFrame() {
-  PX::VideoFrameRef working = working_;
-  Check(Quillon::ApplyGamutMapping(working_, settings_, working), "ApplyGamutMapping");
+  Check(Quillon::Mapper::MapFrame(planOfLight_, working_, working_));
 }
 
 void QuillonVideo::CopyOut() {
-  Check(KS::VideoFrameManipulators::CopyFrame(working_, destination_, kQuality, {}), "CopyFrame");
+  Check(Quillon::Mapper::CopyConverted(working_, destination_, kWhiteNits));
 }

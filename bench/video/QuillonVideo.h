@@ -1,14 +1,12 @@
 #pragma once
 
-#include <string>
-
-#include "host/pavix/GamutMappingUtils.h"
 #include "host/pavix/IVideoFrame.h"
+#include "mapper/Plan.h"
 
-/// The engine's mapping of a frame by MakeHdr10Frame to one by MakeSdrFrame.
+/// The mapping of a frame by MakeHdr10Frame to one by MakeSdrFrame.
 class QuillonVideo {
  public:
-  QuillonVideo(orvmediatypes::color::ToneMapAlgorithmType algorithm, PX::VideoFrameRef source);
+  QuillonVideo(Quillon::Mapper::Algorithm algorithm, PX::VideoFrameRef source);
 
   /// One call: the engine itself copies out of the source and into the destination.
   void MapFrame();
@@ -21,8 +19,9 @@ class QuillonVideo {
   const PX::VideoFrameRef& Result() const { return destination_; }
 
  private:
-  PX::GamutMappingUtils::GamutMappingSettings settings_;
   PX::VideoFrameRef source_;
   PX::VideoFrameRef working_;
   PX::VideoFrameRef destination_;
+  Quillon::Mapper::Plan plan_;
+  Quillon::Mapper::Plan planOfLight_;  ///< the same from linear light
 };

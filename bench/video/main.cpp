@@ -15,7 +15,7 @@
 #include "bench/video/QuillonVideo.h"
 #include "bench/video/VideoFrames.h"
 
-using orvmediatypes::color::ToneMapAlgorithmType;
+using Quillon::Mapper::Algorithm;
 
 namespace {
 
@@ -64,9 +64,9 @@ void RunOn(int threads, int frames) {
   const tbb::global_control limit(tbb::global_control::max_allowed_parallelism,
                                   static_cast<std::size_t>(threads));
   const PX::VideoFrameRef source = MakeHdr10Frame();
-  QuillonVideo hue(ToneMapAlgorithmType::HuePreservationDesaturation, source);
-  QuillonVideo bt2446a(ToneMapAlgorithmType::ITU2446A, source);
-  QuillonVideo bt2390(ToneMapAlgorithmType::ITU2390MaxRGB, source);
+  QuillonVideo hue(Algorithm::HuePreservationDesaturation, source);
+  QuillonVideo bt2446a(Algorithm::ITU2446A, source);
+  QuillonVideo bt2390(Algorithm::ITU2390MaxRGB, source);
   FfmpegVideo hable("hable", threads, source);
   FfmpegVideo mobius("mobius", threads, source);
   FfmpegVideo reinhard("reinhard", threads, source);

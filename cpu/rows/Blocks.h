@@ -11,18 +11,6 @@ namespace {
 
 constexpr int kFloatsPerPixel = 4;
 
-template <class Vector, class Element>
-Vector Load(const Element* from) {
-  Vector vector;
-  __builtin_memcpy(&vector, from, sizeof vector);
-  return vector;
-}
-
-template <class Vector, class Element>
-void Store(Element* to, Vector vector) {
-  __builtin_memcpy(to, &vector, sizeof vector);
-}
-
 /// Four vectors of interleaved pixels to one vector a channel, or back. The order of the pixels
 /// within a vector is what the registers' own unpacking makes it.
 void Transpose(Lanes* v) {

@@ -6,11 +6,7 @@
 // Included by the files of one instruction set only, before any curve. Everything is local to the
 // file: nothing that is built for one processor may be linked into code for another.
 
-#if defined(__SSE2__)
-#include <immintrin.h>
-#endif
-
-#include "curves/Language.h"
+#include "curves/lanes/Vectors.h"
 
 namespace {
 
@@ -54,14 +50,7 @@ static inline PowerLanes Uniform(float value, PowerLanes /*like*/) { return valu
 static inline PowerLanes Narrow(WideLanes x, PowerLanes /*like*/) {
   return __builtin_convertvector(x, PowerLanes);
 }
-static inline WideLanes Widen(PowerLanes x) {
-#if defined(__AVX512F__)
-  // The masked form, all lanes in: GCC 12 warns of the plain one's own undefined register.
-  return __builtin_bit_cast(WideLanes, _mm512_maskz_cvtps_pd(0xff, __builtin_bit_cast(__m256, x)));
-#else
-  return __builtin_convertvector(x, WideLanes);
-#endif
-}
+static inline WideLanes Widen(PowerLanes x) { return WidenLanes<WideLanes>(x); }
 
 /// One bit a lane.
 static inline int MaskBits(LaneInts mask) {

@@ -94,28 +94,6 @@ bool BindTone(CurveList<Curves...> /*list*/, const RowSteps& steps, RowCurves& c
 
 }  // namespace
 
-bool CanRun(InstructionSet set) {
-#if defined(__x86_64__)
-  switch (set) {
-    case InstructionSet::Avx512:
-      return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
-             __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vl") != 0;
-    case InstructionSet::Avx2:
-      return __builtin_cpu_supports("avx2") != 0;
-    case InstructionSet::Baseline:
-      return true;
-  }
-#endif
-  return set == InstructionSet::Baseline;
-}
-
-InstructionSet BestInstructionSet() {
-  static const InstructionSet kBest = CanRun(InstructionSet::Avx512) ? InstructionSet::Avx512
-                                      : CanRun(InstructionSet::Avx2) ? InstructionSet::Avx2
-                                                                     : InstructionSet::Baseline;
-  return kBest;
-}
-
 bool MapRows(InstructionSet set, const RowSteps& steps, float* pixels, int rowCount, float width) {
   // From 2^24 on, columns counted in floats do not end where the width says.
   if (!(width < 0x1p24F)) return false;

@@ -2,19 +2,11 @@
 
 #include "base/SupportVector.h"
 #include "cpu/GamutCompression.h"
+#include "curves/lanes/InstructionSet.h"
 #include "host/pavix/GamutMappingUtils.h"
 #include "tonemap/Algorithms.h"
 
 namespace Quillon {
-
-/// Instruction sets that the row forms are built for; the later the wider.
-enum class InstructionSet { Baseline, Avx2, Avx512 };
-
-/// Whether this machine can run them. The baseline always runs.
-bool CanRun(InstructionSet set);
-
-/// The widest that this machine can run.
-InstructionSet BestInstructionSet();
 
 /// The functions of a band and what they are called with.
 struct RowSteps {

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "tests/tools/cli/RunQuillon.h"
+#include "tests/tools/RunQuillon.h"
 
 const std::vector<AttackShare>& AllAttacks() {
   static const std::vector<AttackShare> attacks = {

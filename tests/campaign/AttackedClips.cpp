@@ -4,9 +4,9 @@
 #include <stdexcept>
 
 #include "tests/campaign/Attack.h"
-#include "tests/tools/cli/RunQuillon.h"
-#include "tests/tools/clip/ClipFiles.h"
-#include "tests/tools/clip/FullClips.h"
+#include "tests/tools/RunQuillon.h"
+#include "tests/tools/video/ClipFiles.h"
+#include "tests/tools/video/FullClips.h"
 #include "tools/quillon/video/ClipInput.h"
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/ClipWriter.h"

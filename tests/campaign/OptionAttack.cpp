@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "tests/campaign/Attack.h"
-#include "tests/tools/cli/RunQuillon.h"
+#include "tests/tools/RunQuillon.h"
 
 namespace fs = std::filesystem;
 

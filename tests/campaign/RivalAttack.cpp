@@ -4,8 +4,8 @@
 #include <thread>
 
 #include "tests/campaign/Attack.h"
-#include "tests/tools/cli/RunQuillon.h"
-#include "tests/tools/clip/ClipFiles.h"
+#include "tests/tools/RunQuillon.h"
+#include "tests/tools/video/ClipFiles.h"
 
 namespace fs = std::filesystem;
 

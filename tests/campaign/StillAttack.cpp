@@ -4,7 +4,7 @@
 #include <zlib.h>
 
 #include "tests/campaign/Attack.h"
-#include "tests/tools/cli/RunQuillon.h"
+#include "tests/tools/RunQuillon.h"
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/StillError.h"
 

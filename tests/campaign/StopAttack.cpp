@@ -2,8 +2,8 @@
 #include <csignal>
 
 #include "tests/campaign/Attack.h"
-#include "tests/tools/cli/RunQuillon.h"
-#include "tests/tools/clip/ClipFiles.h"
+#include "tests/tools/RunQuillon.h"
+#include "tests/tools/video/ClipFiles.h"
 
 namespace fs = std::filesystem;
 

@@ -9,6 +9,7 @@ using orvmediatypes::color::ColorSpace;
 using orvmediatypes::color::ToneMapAlgorithmType;
 using scripted::Message;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr int kUnknown = static_cast<int>(0xA00F000CU);
@@ -319,6 +320,43 @@ TEST_F(Steps, ShareNothingBetweenCalls) {
   host.results.toneMappingApplicable = false;
   EXPECT_EQ(Run(), 0);
   EXPECT_EQ(pixel, kPixel);
+}
+
+TEST_F(Steps, LeaveReinhardOutForALimitOfExactly1AndToneMapAllTheSame) {
+  cpu::LeaveOnlyTheGain(host);
+  host.results.gamutCompressionApplicable = true;  // the signal of 1 comes back unconverted
+  record.toneMapSettings.controls.version = 2;
+  EXPECT_EQ(Run(), 0);
+  EXPECT_THAT(pixel, ElementsAre(-2.0F, 1.0F, 2.0F, 0.25F));
+}
+
+TEST_F(Steps, RefuseToneMapAlgorithms0And7) {
+  host.results.toneMappingApplicable = true;
+  for (const int algorithm : {0, 7}) {
+    record.toneMapSettings.algorithmType = static_cast<ToneMapAlgorithmType>(algorithm);
+    EXPECT_EQ(Run(), kUnknown);
+    EXPECT_EQ(pixel, kPixel);
+  }
+}
+
+TEST_F(Steps, RefuseGamutAlgorithms0And3) {
+  host.results.gamutCompressionApplicable = true;
+  for (const int algorithm : {0, 3}) {
+    record.GamutCompressionSettings::algorithmType =
+        static_cast<orvmediatypes::color::GamutCompressionAlgorithmType>(algorithm);
+    EXPECT_EQ(Run(), kUnknown);
+    EXPECT_EQ(pixel, kPixel);
+  }
+}
+
+TEST_F(Steps, GiveGamutCompressionTheRecordsColorManagementThoughTheVersionSaysDefault) {
+  // The tone map's peak, asked for by the same rule of versions, is at the default white.
+  record.toneMapSettings.controls.version = 2;
+  host.results.gamutCompressionApplicable = true;
+  host.results.toneMappingApplicable = true;
+  EXPECT_EQ(Run(), 0);
+  EXPECT_THAT(host.CallsTo({"CHR::ConvertFrame(", "CHR::ConvertSignalToLinearValue(9/18"}),
+              ElementsAre(HasSubstr("white 100"), HasSubstr("white 100"), HasSubstr("white 203")));
 }
 
 }  // namespace

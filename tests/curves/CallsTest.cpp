@@ -20,6 +20,7 @@ TEST(CurveCalls, IncludeEveryHeaderOfTheCurves) {
   const std::set<std::string> lines = LinesOf(QUILLON_SOURCE_DIR "/tests/curves/CurveCalls.h");
   std::size_t headers = 0;
   for (const auto& entry : std::filesystem::directory_iterator(QUILLON_SOURCE_DIR "/curves")) {
+    if (entry.is_directory()) continue;  // for C++ alone
     const std::string include = "#include \"curves/" + entry.path().filename().string() + "\"";
     EXPECT_TRUE(lines.contains(include)) << include;
     ++headers;

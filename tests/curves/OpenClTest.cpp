@@ -100,6 +100,7 @@ void ExpectTheSameInOpenCl(const CurveCall<Number>& call, const Domain<Number>& 
 TEST(CurvesInOpenCl, CompileEachHeaderOnItsOwn) {
   std::size_t headers = 0;
   for (const auto& entry : std::filesystem::directory_iterator(QUILLON_SOURCE_DIR "/curves")) {
+    if (entry.is_directory()) continue;  // for C++ alone
     const std::string header = "curves/" + entry.path().filename().string();
     EXPECT_NO_THROW(OpenClProgram("#include \"" + header + "\"\n")) << header;
     ++headers;

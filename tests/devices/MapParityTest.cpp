@@ -30,6 +30,12 @@ using PX::GamutMappingUtils::GamutMappingSettings;
 
 namespace {
 
+/// All other tests of devices run on those there are, and are none where there is none.
+TEST(Devices, AreThere) {
+  EXPECT_FALSE(EveryDevice().empty())
+      << "no device that runs kernels; the Debian package pocl-opencl-icd brings one";
+}
+
 std::vector<ToneMapAlgorithmType> AllAlgorithms() {
   std::vector<ToneMapAlgorithmType> all = {ToneMapAlgorithmType::None,
                                            ToneMapAlgorithmType::Automatic};

@@ -1,9 +1,8 @@
-#include <algorithm>
 #include <new>
 
 #include "engine/Quillon.h"
 #include "tests/engine/Pipeline.h"
-#include "tests/host/Places.h"
+#include "tests/host/EveryFailure.h"
 #include "tonemap/PqTables.h"
 
 /// Every single host call of whole runs, made to throw, to yield nothing or to fail, in turn.
@@ -12,11 +11,7 @@ namespace {
 
 using pipeline::Frames;
 using scripted::CanThrow;
-using scripted::Inventory;
-using scripted::IsRelease;
 using scripted::Place;
-using scripted::Recycler;
-using scripted::TakeInventory;
 
 constexpr int kCode = -4;
 
@@ -120,64 +115,33 @@ scripted::HostException MakeException() {
 }
 
 TYPED_TEST(HostExceptions, PassFromAnyCallWithNothingLeaked) {
-  int tried = 0;
-  for (const Road& road : kRoads) {
-    for (const Place& place : this->PlacesOf(road)) {
-      if (!CanThrow(place.operation)) continue;
-      SCOPED_TRACE(std::string(road.name) + ", " + place.operation + " " +
-                   std::to_string(place.nth));
-      const Inventory before = TakeInventory();
-      const auto plan = [&] {
-        this->host.FailWithException(place.operation, place.nth,
-                                     std::make_exception_ptr(MakeException<TypeParam>()));
-      };
-      EXPECT_THROW(this->Run(road, plan), TypeParam);
-      EXPECT_EQ(TakeInventory(), before);
-      ++tried;
-    }
-  }
-  EXPECT_GT(tried, 300);
+  const auto attempt = [&](const Road& road, const Place& place) {
+    const auto plan = [&] {
+      this->host.FailWithException(place.operation, place.nth,
+                                   std::make_exception_ptr(MakeException<TypeParam>()));
+    };
+    EXPECT_THROW(this->Run(road, plan), TypeParam);
+  };
+  EXPECT_GT(scripted::AtEveryPlace(
+                kRoads, [&](const Road& road) { return this->PlacesOf(road); }, CanThrow, attempt),
+            300);
 }
 
 TEST_F(HostFailures, NothingFromAnyCallNeitherCrashesNorLeaks) {
-  int tried = 0;
-  for (const Road& road : kRoads) {
-    for (const Place& place : PlacesOf(road)) {
-      if (IsRelease(place.operation)) continue;
-      SCOPED_TRACE(std::string(road.name) + ", " + place.operation + " " +
-                   std::to_string(place.nth));
-      const Inventory before = TakeInventory();
-      try {
-        Run(road, [&] { host.FailWithNothing(place.operation, place.nth); });
-      } catch (const scripted::NullHandleException&) {
-        // What dereferencing the empty handle raises.
-      }
-      EXPECT_EQ(TakeInventory(), before);
-      ++tried;
-    }
-  }
-  EXPECT_GT(tried, 200);
+  EXPECT_GT(scripted::WithNothingFromEveryPlace(
+                host, kRoads, [&](const Road& road) { return PlacesOf(road); },
+                [&](const Road& road, const auto& plan) { Run(road, plan); }),
+            200);
 }
 
 TEST_F(HostFailures, AFailedAllocationPassesWithNothingLeaked) {
   int withMessages = 0;
   for (const Road& road : kRoads) {
-    Run(road, [] { Recycler::Instance().FailAllocation(0); });
-    const int allocations = Recycler::Instance().Allocations();
-    const std::vector<scripted::Message> messages = host.Messages();
+    const scripted::Undisturbed whole = scripted::WithEveryAllocationFailing(
+        host, road, [&](const Road& r, const auto& plan) { Run(r, plan); });
     const bool copies = !road.applicable && road.result == 0;
-    EXPECT_EQ(allocations > 0, !copies) << road.name;
-    withMessages += messages.empty() ? 0 : 1;
-    for (int nth = 1; nth <= allocations; ++nth) {
-      SCOPED_TRACE(std::string(road.name) + ", allocation " + std::to_string(nth));
-      const Inventory before = TakeInventory();
-      EXPECT_THROW(Run(road, [&] { Recycler::Instance().FailAllocation(nth); }), std::bad_alloc);
-      Recycler::Instance().FailAllocation(0);
-      EXPECT_EQ(TakeInventory(), before);
-      // Those before it, whole; not the one that it ended.
-      ASSERT_LE(host.Messages().size(), messages.size());
-      EXPECT_TRUE(std::equal(host.Messages().begin(), host.Messages().end(), messages.begin()));
-    }
+    EXPECT_EQ(whole.allocations > 0, !copies) << road.name;
+    withMessages += whole.messages.empty() ? 0 : 1;
   }
   EXPECT_EQ(withMessages, 5);
 }

@@ -1,8 +1,6 @@
-#include <algorithm>
-
 #include "engine/Quillon.h"
 #include "tests/gpu/GPUTest.h"
-#include "tests/host/Places.h"
+#include "tests/host/EveryFailure.h"
 
 /// Every single host call of whole runs on a GPU, made to throw, to yield nothing or to fail with
 /// a code, in turn.
@@ -67,64 +65,33 @@ class GPUHostFailures : public gpu::GPUTest {
     return scripted::PlacesIn(host.Operations());
   }
 
-  static std::string TextOf(const Road& road, const Place& place) {
-    return std::string(road.name) + ", " + place.operation + " " + std::to_string(place.nth);
-  }
-
  private:
   std::int32_t changeCount_ = 10000;
 };
 
 TEST_F(GPUHostFailures, AnExceptionFromAnyCallPassesWithNothingLeaked) {
-  int tried = 0;
-  for (const Road& road : kRoads) {
-    for (const Place& place : PlacesOf(road)) {
-      if (!scripted::CanThrow(place.operation)) continue;
-      SCOPED_TRACE(TextOf(road, place));
-      const Inventory before = TakeInventory();
-      const auto plan = [&] { host.FailWithException(place.operation, place.nth); };
-      EXPECT_THROW(Run(road, plan), scripted::HostException);
-      EXPECT_EQ(TakeInventory(), before);
-      ++tried;
-    }
-  }
-  EXPECT_GT(tried, 250);
+  const auto attempt = [&](const Road& road, const Place& place) {
+    const auto plan = [&] { host.FailWithException(place.operation, place.nth); };
+    EXPECT_THROW(Run(road, plan), scripted::HostException);
+  };
+  EXPECT_GT(
+      scripted::AtEveryPlace(
+          kRoads, [&](const Road& road) { return PlacesOf(road); }, scripted::CanThrow, attempt),
+      250);
 }
 
 TEST_F(GPUHostFailures, NothingFromAnyCallNeitherCrashesNorLeaks) {
-  int tried = 0;
-  for (const Road& road : kRoads) {
-    for (const Place& place : PlacesOf(road)) {
-      if (scripted::IsRelease(place.operation)) continue;
-      SCOPED_TRACE(TextOf(road, place));
-      const Inventory before = TakeInventory();
-      try {
-        Run(road, [&] { host.FailWithNothing(place.operation, place.nth); });
-      } catch (const scripted::NullHandleException&) {
-        // What dereferencing the empty handle raises.
-      }
-      EXPECT_EQ(TakeInventory(), before);
-      ++tried;
-    }
-  }
-  EXPECT_GT(tried, 300);
+  EXPECT_GT(scripted::WithNothingFromEveryPlace(
+                host, kRoads, [&](const Road& road) { return PlacesOf(road); },
+                [&](const Road& road, const auto& plan) { Run(road, plan); }),
+            300);
 }
 
 TEST_F(GPUHostFailures, AFailedAllocationPassesWithNothingLeaked) {
   for (const Road& road : kRoads) {
-    Run(road, [] { scripted::Recycler::Instance().FailAllocation(0); });
-    const int allocations = scripted::Recycler::Instance().Allocations();
-    const std::vector<scripted::Message> messages = host.Messages();
-    EXPECT_EQ(allocations > 0, road.applicable) << road.name;
-    for (int nth = 1; nth <= allocations; ++nth) {
-      const Inventory before = TakeInventory();
-      const auto plan = [&] { scripted::Recycler::Instance().FailAllocation(nth); };
-      EXPECT_THROW(Run(road, plan), std::bad_alloc) << road.name << ", allocation " << nth;
-      scripted::Recycler::Instance().FailAllocation(0);
-      EXPECT_EQ(TakeInventory(), before);
-      ASSERT_LE(host.Messages().size(), messages.size());
-      EXPECT_TRUE(std::equal(host.Messages().begin(), host.Messages().end(), messages.begin()));
-    }
+    const scripted::Undisturbed whole = scripted::WithEveryAllocationFailing(
+        host, road, [&](const Road& r, const auto& plan) { Run(r, plan); });
+    EXPECT_EQ(whole.allocations > 0, road.applicable) << road.name;
   }
 }
 
@@ -177,7 +144,7 @@ TEST_P(GPUFailureCodes, FromAnyDeviceCallComeBackUnchangedWithTheirMessagesAndEn
       const bool compressing = road.gamutAlgorithm != 0 && launchesBefore == 0;
       if (place.operation == "device.Launch") ++launchesBefore;
       if (!ReturnsACode(place.operation)) continue;
-      SCOPED_TRACE(TextOf(road, place));
+      SCOPED_TRACE(scripted::TextOf(road.name, place));
       const Inventory before = TakeInventory();
       EXPECT_EQ(Run(road, [&] { host.FailWithCode(place.operation, kCode, place.nth); }), kCode);
       EXPECT_EQ(TakeInventory(), before);
@@ -203,7 +170,7 @@ TEST_F(GPUHostFailures, APositiveCodeFromAnyDeviceCallIsSuccess) {
     const Lines operations = host.Operations();
     for (const Place& place : places) {
       if (!ReturnsACode(place.operation)) continue;
-      SCOPED_TRACE(TextOf(road, place));
+      SCOPED_TRACE(scripted::TextOf(road.name, place));
       EXPECT_GE(Run(road, [&] { host.FailWithCode(place.operation, 1, place.nth); }), 0);
       EXPECT_EQ(host.Operations(), operations);
       EXPECT_THAT(Texts(), IsEmpty());

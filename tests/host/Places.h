@@ -12,6 +12,10 @@ struct Place {
   int nth;
 };
 
+inline std::string TextOf(const std::string& run, const Place& place) {
+  return run + ", " + place.operation + " " + std::to_string(place.nth);
+}
+
 /// Every call of a run, in order.
 inline std::vector<Place> PlacesIn(const std::vector<std::string>& operations) {
   std::map<std::string, int> counts;

@@ -121,7 +121,7 @@ TEST(IncludeOrder, RefusesIncludesNotWrittenFromTheRoot) {
 TEST(IncludeOrder, HasOneSystemHeaderInTheCurvesForTheSquareRoot) {
   std::vector<std::string> includes;
   for (const Include& include : ReadSystemIncludes(QUILLON_SOURCE_DIR)) {
-    if (include.file.starts_with("curves/")) {
+    if (include.file.starts_with("curves/") && !include.file.starts_with("curves/lanes/")) {
       includes.push_back(include.file + " includes " + include.target);
     }
   }

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <sstream>
+#include <string>
 #include <type_traits>
 
 #include <gtest/gtest.h>
@@ -31,6 +33,17 @@ TEST(OneExport, IsSoughtAmongAllDynamicSymbols) {
   }));
 }
 
+TEST(Exports, OfTheMapperAreItsInterface) {
+  const std::vector<Symbol> symbols = ReadDynamicSymbols(QUILLON_MAPPER_LIBRARY);
+  EXPECT_GT(symbols.size(), 1U);
+  for (const Symbol& symbol : symbols) {
+    EXPECT_TRUE(symbol.name.starts_with("Quillon::Mapper::")) << symbol.name;
+  }
+  EXPECT_TRUE(std::any_of(symbols.begin(), symbols.end(), [](const Symbol& symbol) {
+    return symbol.type == 'T' && symbol.name.starts_with("Quillon::Mapper::Plan::Map(");
+  }));
+}
+
 TEST(Exports, OfDevicesHaveNoFunctionOfOpenCl) {
   const std::vector<Symbol> symbols = ReadDynamicSymbols(QUILLON_IRONLANE_LIBRARY);
   EXPECT_GT(symbols.size(), 1U);
@@ -39,3 +52,14 @@ TEST(Exports, OfDevicesHaveNoFunctionOfOpenCl) {
         << symbol.name << " would stand before the one of a program that links OpenCL itself";
   }
 }
+
+#ifdef QUILLON_MODULES
+TEST(Modules, ExportTheirTableAlone) {
+  std::istringstream modules(QUILLON_MODULES);
+  for (std::string module; std::getline(modules, module, ':');) {
+    const std::vector<Symbol> symbols = ReadDynamicSymbols(module);
+    ASSERT_EQ(symbols.size(), 1U) << module;
+    EXPECT_EQ(symbols.front().name, "QuillonModule") << module;
+  }
+}
+#endif

@@ -28,28 +28,6 @@ bool HasRowForm(int transfer) {
 
 }  // namespace
 
-bool CanRun(InstructionSet set) {
-#if defined(__x86_64__)
-  switch (set) {
-    case InstructionSet::Avx512:
-      return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
-             __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vl") != 0;
-    case InstructionSet::Avx2:
-      return __builtin_cpu_supports("avx2") != 0;
-    case InstructionSet::Baseline:
-      return true;
-  }
-#endif
-  return set == InstructionSet::Baseline;
-}
-
-InstructionSet BestInstructionSet() {
-  static const InstructionSet kBest = CanRun(InstructionSet::Avx512) ? InstructionSet::Avx512
-                                      : CanRun(InstructionSet::Avx2) ? InstructionSet::Avx2
-                                                                     : InstructionSet::Baseline;
-  return kBest;
-}
-
 RowFunctions RowFunctionsOf(InstructionSet set) {
 #if defined(__x86_64__)
   if (set == InstructionSet::Avx512) return RowFunctionsAvx512();

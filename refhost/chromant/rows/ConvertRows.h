@@ -2,19 +2,15 @@
 
 #include <cstddef>
 
+#include "curves/lanes/InstructionSet.h"
 #include "refhost/chromant/ConversionParams.h"
 #include "refhost/chromant/rows/RowFunctions.h"
 
 namespace CHR {
 
-/// Instruction sets that conversions of rows are built for; the later the wider.
-enum class InstructionSet { Baseline, Avx2, Avx512 };
-
-/// Whether this machine can run them. The baseline always runs.
-bool CanRun(InstructionSet set);
-
-/// The widest that this machine can run.
-InstructionSet BestInstructionSet();
+using Quillon::BestInstructionSet;
+using Quillon::CanRun;
+using Quillon::InstructionSet;
 
 /// `set` must be one that can run.
 RowFunctions RowFunctionsOf(InstructionSet set);

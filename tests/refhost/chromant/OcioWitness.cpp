@@ -1,6 +1,6 @@
-#include "tests/refhost/chromant/OcioWitness.h"
-
 #include <OpenColorIO/OpenColorIO.h>
+
+#include "tests/refhost/chromant/Witnesses.h"
 
 namespace OCIO = OCIO_NAMESPACE;
 

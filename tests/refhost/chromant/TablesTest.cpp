@@ -1,10 +1,15 @@
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "curves/Matrix3.h"
 #include "host/chromant/TransferFunctions.h"
 #include "refhost/chromant/Primaries.h"
 #include "refhost/orvmediatypes/H273.h"
-#include "tests/refhost/chromant/Csv.h"
 #include "tests/refhost/chromant/Samples.h"
 
 // Held against tables computed from the formulas of the standards.
@@ -14,6 +19,27 @@ using orvmediatypes::color::Chromaticities;
 namespace {
 
 constexpr double kTolerance = 1e-5;
+
+/// Rows of a table beside these tests, each cut at its commas; comments and the heading left out.
+std::vector<std::vector<std::string>> ReadTable(const std::string& fileName) {
+  std::ifstream file(std::string(QUILLON_TEST_DATA) + '/' + fileName);
+  if (!file) throw std::runtime_error("cannot read " + fileName);
+  std::vector<std::vector<std::string>> rows;
+  bool pastHeading = false;
+  for (std::string line; std::getline(file, line);) {
+    if (line.starts_with('#')) continue;
+    if (!pastHeading) {
+      pastHeading = true;
+      continue;
+    }
+    std::vector<std::string> cells;
+    std::istringstream stream(line);
+    for (std::string cell; std::getline(stream, cell, ',');) cells.push_back(cell);
+    rows.push_back(cells);
+  }
+  if (rows.empty()) throw std::runtime_error("nothing in " + fileName);
+  return rows;
+}
 
 float Grey(const CHR::TransferFunction& function, double value) {
   Rgb pixel = {static_cast<float>(value), static_cast<float>(value), static_cast<float>(value)};

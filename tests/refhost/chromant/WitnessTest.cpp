@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "refhost/orvmediatypes/H273.h"
-#include "tests/refhost/chromant/OcioWitness.h"
 #include "tests/refhost/chromant/Samples.h"
-#include "tests/refhost/chromant/ZimgWitness.h"
+#include "tests/refhost/chromant/Witnesses.h"
 
 // zimg and OpenColorIO know nothing of this code: where all agree, all are right.
 

@@ -1,11 +1,11 @@
-#include "tests/refhost/chromant/ZimgWitness.h"
-
 #include <cstddef>
 #include <memory>
 #include <new>
 #include <stdexcept>
 
 #include <zimg.h>
+
+#include "tests/refhost/chromant/Witnesses.h"
 
 namespace {
 

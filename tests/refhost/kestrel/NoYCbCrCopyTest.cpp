@@ -5,6 +5,8 @@
 #include "refhost/kestrel/ResultCodes.h"
 #include "tests/refhost/kestrel/Frames.h"
 
+std::vector<std::vector<NamedFormat>> ConvertedFormats() { return {InterleavedFormats()}; }
+
 namespace {
 
 TEST(NoYCbCrCopy, SaysThatNoConversionOfYCbCrFramesIsSupported) {

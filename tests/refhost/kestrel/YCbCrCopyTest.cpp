@@ -8,6 +8,10 @@
 
 using KS::ChromaFormat;
 
+std::vector<std::vector<NamedFormat>> ConvertedFormats() {
+  return {InterleavedFormats(), YCbCrFormats()};
+}
+
 namespace {
 
 constexpr std::array kChromaFormats{ChromaFormat::C420, ChromaFormat::C422, ChromaFormat::C444};

@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/tools/clip/ClipFiles.h"
 #include "tests/tools/clip/FileWatch.h"
+#include "tests/tools/video/ClipFiles.h"
 
 namespace fs = std::filesystem;
 

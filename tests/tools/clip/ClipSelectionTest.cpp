@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "tests/tools/clip/ClipFiles.h"
+#include "tests/tools/video/ClipFiles.h"
 
 namespace {
 

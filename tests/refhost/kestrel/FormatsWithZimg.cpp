@@ -1,5 +1,0 @@
-#include "tests/refhost/kestrel/Frames.h"
-
-std::vector<std::vector<NamedFormat>> ConvertedFormats() {
-  return {InterleavedFormats(), YCbCrFormats()};
-}
