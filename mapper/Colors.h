@@ -36,5 +36,8 @@ constexpr bool Tells(std::uint8_t codePoint) { return codePoint != 0 && codePoin
 /// Whether transfer and primaries are told, the latter by a code point or by coordinates.
 bool TellsColors(const ColorDescription& description);
 
+/// Whether light in these colours can be had from its signal: transfer and primaries are known here.
+bool IsConvertible(const ColorDescription& description);
+
 }  // namespace Mapper
 }  // namespace Quillon

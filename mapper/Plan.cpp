@@ -103,6 +103,13 @@ ColorSpace MappingColorSpace(const ColorDescription& tagged, Algorithm algorithm
   return ColorSpace(source);
 }
 
+bool IsConvertible(const ColorDescription& description) {
+  ColorDescription light = *ColorSpaceOfName("bt709");
+  light.transfer = H273::kTransferLinear;
+  constexpr int kAnyWhite = 203;
+  return ConvertGrey(0.0F, ColorSpace(description), ColorSpace(light), kAnyWhite).has_value();
+}
+
 Result<Plan> Plan::Make(const Source& source, const Target& target, const Settings& settings,
                         std::shared_ptr<Device> device) {
   if (!TellsColors(source.colors)) return UntoldColors(source);
@@ -120,6 +127,9 @@ Result<Plan> Plan::Make(const Source& source, const Target& target, const Settin
 Result<Plan> Plan::Make(const Source& source, const Target& target, const Settings& settings,
                         const SourcePeak& peak, std::shared_ptr<Device> device) {
   if (!TellsColors(source.colors)) return UntoldColors(source);
+  if (!IsConvertible(source.colors)) {
+    return Error{Code::NotSupported, "no conversion from " + DescribeColorSpace(source.colors), {}};
+  }
   const ColorSpace from = MappingColorSpace(source.colors, settings.algorithm);
   const ColorSpace to = DestinationSpace(target);
   if (!ConvertGrey(0.0F, from, to, settings.white)) {

@@ -76,6 +76,8 @@ void PrintWrong(const std::string& attack, int number, const AttackedCase& attac
   std::cout << std::flush;
 }
 
+constexpr int kCasesBetweenSigns = 500;
+
 /// Runs this process' share of one attack. How many cases went wrong.
 int RunAttack(const CampaignOptions& options, const AttackShare& share, int cases) {
   const auto attack = share.make();
@@ -88,7 +90,9 @@ int RunAttack(const CampaignOptions& options, const AttackShare& share, int case
     const ScratchFolder folder;
     const AttackedCase attacked = attack->Run(dice, folder / "");
     ++exitCodes[attacked.exitCode];
-    ++done;
+    if (++done % kCasesBetweenSigns == 0) {
+      std::cerr << share.name << ": " << done << " of " << cases / options.parts << '\n';
+    }
     if (attacked.verdict.IsGood()) continue;
     ++wrong;
     PrintWrong(share.name, number, attacked);

@@ -52,6 +52,13 @@ TEST(APlan, NeedsColoursThatAreTold) {
   EXPECT_THAT(plan.error().message, HasSubstr("CICP 2/2/2"));
 }
 
+TEST(APlan, BlamesASourceThatCannotBeConvertedAndNotTheDestination) {
+  const auto plan = Plan::Make({*ColorSpaceOfCicp("9/200/9"), {}}, kSrgb, {}, {1000.0, "given"});
+  ASSERT_FALSE(plan);
+  EXPECT_EQ(plan.error().code, Code::NotSupported);
+  EXPECT_EQ(plan.error().message, "no conversion from CICP 9/200/9");
+}
+
 TEST(APlan, NamesADestinationThatCannotBeReached) {
   const auto plan = Plan::Make(kPQ, {*ColorSpaceOfCicp("9/200/9"), {}}, {});
   ASSERT_FALSE(plan);

@@ -170,7 +170,7 @@ TEST(WriteStill, NamesTheFormatsItWrites) {
     const auto failure = FailureOf([&] { WriteStill(SmallOutput(), folder / name); });
     ASSERT_TRUE(failure) << name;
     EXPECT_EQ(failure->kind, StillErrorKind::NotSupported);
-    EXPECT_THAT(failure->message, HasSubstr(".png, .exr or .avif"));
+    EXPECT_THAT(failure->message, HasSubstr(".exr, .png or .avif"));
   }
   EXPECT_THAT(folder.Names(), IsEmpty());
 }

@@ -36,6 +36,15 @@ std::array<int, 3> PixelAt(const std::string& path, int x, int y) {
   return {pixel[2], pixel[1], pixel[0]};
 }
 
+TEST_F(MapCommand, BlamesTheFileForColoursThatHaveNoConversion) {
+  ASSERT_EQ(RunQuillon({"chart", "--size", "32x32", folder_ / "odd.png"}).exitCode, 0);
+  const RunResult run =
+      RunQuillon({"map", "--from-cicp", "9/200/9", folder_ / "odd.png", folder_ / "o.png"});
+  EXPECT_EQ(run.exitCode, 4);
+  EXPECT_THAT(run.err, HasSubstr("odd.png: there is no conversion from CICP 9/200/9; tell with"));
+  EXPECT_THAT(run.err, HasSubstr("--from NAME"));
+}
+
 TEST_F(MapCommand, MapsALinearPictureToATaggedSdrPng) {
   const RunResult run = RunQuillon({"map", Chart("c.exr"), folder_ / "c.png"});
   EXPECT_EQ(run.exitCode, 0) << run.err;

@@ -11,6 +11,7 @@
 #include "tools/quillon/compare/CompareOutputs.h"
 #include "tools/quillon/compare/CompareTable.h"
 #include "tools/quillon/io/Still.h"
+#include "tools/quillon/io/StillFormats.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/Json.h"
@@ -139,8 +140,7 @@ Subcommand AddCompareCommand(CLI::App& app) {
   const auto options = std::make_shared<CompareOptions>();
   CLI::App& compare =
       *app.add_subcommand("compare", "Tell how far two pictures or clips of one size lie apart");
-  compare
-      .add_option("A", options->a.path, "EXR, Radiance HDR, PNG or AVIF picture, clip, or sequence")
+  compare.add_option("A", options->a.path, ReadStillNames() + " picture, clip, or sequence")
       ->required();
   compare.add_option("B", options->b.path, "What to compare it with, picture by picture")
       ->required();

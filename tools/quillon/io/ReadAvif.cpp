@@ -17,6 +17,7 @@
 #include "tools/quillon/io/FramePixels.h"
 #include "tools/quillon/io/Reorient.h"
 #include "tools/quillon/io/StillError.h"
+#include "tools/quillon/io/StillFormats.h"
 #include "tools/quillon/io/StillReaders.h"
 
 using orvmediatypes::color::ColorDescription;
@@ -280,7 +281,7 @@ Still ReadAvif(const StillSource& source) {
   if (!avifPeekCompatibleFileType(&head)) {
     throw StillError(StillErrorKind::CannotRead, source.path,
                      "it is of the family of AVIF, but no AVIF file",
-                     "convert it to EXR, PNG or AVIF");
+                     "convert it to " + WrittenStillNames());
   }
   for (const AvifSize& size : boxes.sizes) CheckDimensions(source, size.width, size.height);
   const Decoder decoder = OpenDecoder(source);

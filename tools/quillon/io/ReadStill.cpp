@@ -8,28 +8,10 @@
 
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/StillError.h"
-#include "tools/quillon/io/StillReaders.h"
+#include "tools/quillon/io/StillFormats.h"
 #include "tools/quillon/io/StillSource.h"
 
 namespace {
-
-/// Bytes at a place by which files of a format are known.
-struct Mark {
-  std::size_t offset;
-  std::string_view bytes;
-};
-
-struct Signature {
-  Mark mark;
-  Still (*read)(const StillSource&);
-};
-
-constexpr std::array<Signature, 4> kSignatures{{
-    {{0, {"\x76\x2f\x31\x01", 4}}, ReadExr},
-    {{0, {"\x89PNG\r\n\x1a\n", 8}}, ReadPng},
-    {{0, {"#?", 2}}, ReadRadiance},
-    {{4, {"ftyp", 4}}, ReadAvif},
-}};
 
 constexpr std::array<std::pair<Mark, std::string_view>, 12> kOtherFormats{{
     {{0, {"\xff\x0a", 2}}, "JPEG XL"},
@@ -46,45 +28,39 @@ constexpr std::array<std::pair<Mark, std::string_view>, 12> kOtherFormats{{
     {{4, {"ftyphevc", 8}}, "HEIC"},
 }};
 
-bool Matches(const Mark& mark, std::span<const std::uint8_t> bytes) {
-  return bytes.size() >= mark.offset + mark.bytes.size() &&
-         std::equal(mark.bytes.begin(), mark.bytes.end(),
-                    bytes.begin() + static_cast<std::ptrdiff_t>(mark.offset),
-                    [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
-}
-
-bool MatchesAnyStill(std::span<const std::uint8_t> head) {
-  return std::any_of(kSignatures.begin(), kSignatures.end(),
-                     [head](const Signature& signature) { return Matches(signature.mark, head); });
+const StillFormat* FindFormat(std::span<const std::uint8_t> head) {
+  for (const StillFormat& format : StillFormats()) {
+    if (format.mark.IsIn(head)) return &format;
+  }
+  return nullptr;
 }
 
 /// Throws where the bytes begin as a picture of a format that is not read.
 void RefuseOtherFormats(const std::filesystem::path& path, std::span<const std::uint8_t> head) {
   for (const auto& [mark, name] : kOtherFormats) {
-    if (!Matches(mark, head)) continue;
+    if (!mark.IsIn(head)) continue;
     throw StillError(StillErrorKind::CannotRead, path,
                      "it is a " + std::string(name) + " picture, which is not read",
-                     "convert it to EXR, PNG or AVIF");
+                     "convert it to " + WrittenStillNames());
   }
 }
 
 Still ReadKnown(const StillSource& source) {
   RefuseOtherFormats(source.path, source.bytes);
-  for (const Signature& signature : kSignatures) {
-    if (Matches(signature.mark, source.bytes)) return signature.read(source);
-  }
+  if (const StillFormat* format = FindFormat(source.bytes)) return format->read(source);
   if (source.bytes.size() < 12) FailDamaged(source, "it is too short for a picture");
   throw StillError(StillErrorKind::CannotRead, source.path,
-                   "it is no EXR, Radiance HDR, PNG or AVIF file",
-                   "convert it to one of these formats");
+                   "it is no " + ReadStillNames() + " file", "convert it to one of these formats");
 }
 
-/// Movie files begin like AVIF, with other brands.
+/// Movie files are boxes like AVIF, of other brands.
 bool IsMovie(std::span<const std::uint8_t> head) {
-  if (!Matches(kSignatures.back().mark, head) || head.size() < 12) return false;
-  const std::string_view brand(reinterpret_cast<const char*>(head.data()) + 8, 4);
-  constexpr std::array<std::string_view, 4> kPictureBrands = {"avif", "avis", "mif1", "msf1"};
-  return std::find(kPictureBrands.begin(), kPictureBrands.end(), brand) == kPictureBrands.end();
+  constexpr Mark kBoxes{4, {"ftyp", 4}};
+  constexpr std::array<Mark, 4> kPictures{
+      {{8, {"avif", 4}}, {8, {"avis", 4}}, {8, {"mif1", 4}}, {8, {"msf1", 4}}}};
+  return kBoxes.IsIn(head) && head.size() >= 12 &&
+         std::none_of(kPictures.begin(), kPictures.end(),
+                      [head](const Mark& brand) { return brand.IsIn(head); });
 }
 
 }  // namespace
@@ -92,7 +68,7 @@ bool IsMovie(std::span<const std::uint8_t> head) {
 bool IsStill(const std::filesystem::path& path) {
   const std::vector<std::uint8_t> head = LoadHead(path, 16);
   RefuseOtherFormats(path, head);
-  return !IsMovie(head) && MatchesAnyStill(head);
+  return !IsMovie(head) && FindFormat(head) != nullptr;
 }
 
 Still ReadStill(const std::filesystem::path& path, std::int64_t maxPixels) {

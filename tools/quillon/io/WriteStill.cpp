@@ -1,40 +1,28 @@
 #include "tools/quillon/io/WriteStill.h"
 
-#include <algorithm>
-#include <array>
 #include <new>
 #include <string>
-#include <string_view>
 
-#include "tools/quillon/io/StillEncoders.h"
 #include "tools/quillon/io/StillError.h"
+#include "tools/quillon/io/StillFormats.h"
 #include "tools/quillon/io/TargetFile.h"
 
 namespace {
 
-using Encoder = std::vector<std::uint8_t> (*)(const StillOutput&, const std::filesystem::path&);
-
-struct Format {
-  std::string_view extension;
-  Encoder encode;
-};
-
-constexpr std::array<Format, 3> kFormats{
-    {{".png", EncodePng}, {".exr", EncodeExr}, {".avif", EncodeAvif}}};
-
-const Format* FindFormat(const std::string& extension) {
-  const auto* found =
-      std::find_if(kFormats.begin(), kFormats.end(),
-                   [&extension](const Format& format) { return format.extension == extension; });
-  return found == kFormats.end() ? nullptr : found;
+/// Null for an extension that no format has that is written.
+const StillFormat* FindFormat(const std::string& extension) {
+  for (const StillFormat& format : StillFormats()) {
+    if (format.encode != nullptr && format.extension == extension) return &format;
+  }
+  return nullptr;
 }
 
-const Format& FormatOf(const std::filesystem::path& path) {
+const StillFormat& FormatOf(const std::filesystem::path& path) {
   const std::string extension = LowerCaseExtension(path);
-  if (const Format* format = FindFormat(extension)) return *format;
+  if (const StillFormat* format = FindFormat(extension)) return *format;
   throw StillError(StillErrorKind::NotSupported, path,
                    "the extension \"" + extension + "\" names no format that is written",
-                   "choose .png, .exr or .avif");
+                   "choose " + WrittenStillExtensions());
 }
 
 }  // namespace

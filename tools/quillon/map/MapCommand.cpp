@@ -8,6 +8,7 @@
 
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/SameFiles.h"
+#include "tools/quillon/io/StillFormats.h"
 #include "tools/quillon/io/WriteStill.h"
 #include "tools/quillon/map/AddClipOptions.h"
 #include "tools/quillon/map/MapClip.h"
@@ -65,7 +66,8 @@ void RequireFittingOutput(const MapOptions& options, InputKind kind) {
   const std::string out = options.output.string();
   if (kind == InputKind::Still && NamesClip(options.output)) {
     throw CommandError(ExitCode::NotSupported, out + ": this is the name of a clip, and " + in +
-                                                   " is a still; choose .png, .exr or .avif");
+                                                   " is a still; choose " +
+                                                   WrittenStillExtensions());
   }
   const bool single = kind != InputKind::Still && !SequenceName::Parse(options.output);
   if (single && NamesStill(options.output)) {
@@ -107,14 +109,15 @@ Subcommand AddMapCommand(CLI::App& app) {
   const auto inPlace = std::make_shared<bool>(false);
   CLI::App& map =
       *app.add_subcommand("map", "Map an HDR picture or clip to a lower peak or smaller gamut");
-  map.add_option(
-         "INPUT", options->input,
-         "EXR, Radiance HDR, PNG or AVIF picture, a clip, or a sequence of pictures such as "
-         "frame.%05d.exr")
+  map.add_option("INPUT", options->input,
+                 ReadStillNames() +
+                     " picture, a clip, or a sequence of pictures such as "
+                     "frame.%05d.exr")
       ->required();
   map.add_option("OUTPUT", options->output,
-                 "PNG, EXR or AVIF picture to write; for a clip MP4, MOV, MKV or WebM, or a "
-                 "sequence of pictures")
+                 WrittenStillNames() +
+                     " picture to write; for a clip MP4, MOV, MKV or WebM, or a "
+                     "sequence of pictures")
       ->required();
   AddColorSpaceOptions(map, options->mapping,
                        "Colour space of the input, in place of what its tags say");

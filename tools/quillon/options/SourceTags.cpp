@@ -25,10 +25,14 @@ ColorDescription Override(const ColorDescription& file, const SourceOverride& gi
 ColorDescription TaggedColors(const std::filesystem::path& path, const ColorDescription& file,
                               const SourceOverride& given, const std::string& optionSuffix) {
   ColorDescription tagged = Override(file, given);
-  if (Quillon::Mapper::TellsColors(tagged)) return tagged;
-  throw CommandError(ExitCode::CannotRead, path.string() +
-                                               " does not say which colour space it is in (" +
-                                               DescribeColorSpace(tagged) + "); tell with --from" +
-                                               optionSuffix + " NAME (" + ColorSpaceNames() +
-                                               ") or --from-cicp" + optionSuffix + " P/T/M");
+  const std::string remedy = "tell with --from" + optionSuffix + " NAME (" + ColorSpaceNames() +
+                             ") or --from-cicp" + optionSuffix + " P/T/M";
+  if (!Quillon::Mapper::TellsColors(tagged)) {
+    throw CommandError(ExitCode::CannotRead, path.string() +
+                                                 " does not say which colour space it is in (" +
+                                                 DescribeColorSpace(tagged) + "); " + remedy);
+  }
+  if (Quillon::Mapper::IsConvertible(tagged)) return tagged;
+  throw CommandError(ExitCode::NotSupported, path.string() + ": there is no conversion from " +
+                                                 DescribeColorSpace(tagged) + "; " + remedy);
 }
