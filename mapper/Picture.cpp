@@ -69,7 +69,7 @@ Result<PX::VideoFrameRef> WrapPicture(const Picture& picture, const ColorDescrip
                  {}};
   }
   // 0 bytes a row would let the frame choose.
-  const int planes = KS::DescribeFormat(*format)->planeCount;
+  const int planes = KS::DescribeFormat(*format).value_or(KS::FormatInfo{}).planeCount;
   bool whole = true;
   for (int i = 0; i < planes; ++i) {
     whole = whole && picture.rowBytes[static_cast<std::size_t>(i)] > 0;
@@ -94,10 +94,11 @@ Result<PX::VideoFrameRef> WrapPicture(const Picture& picture, const ColorDescrip
 Result<OwnPicture> MakePicture(const PixelFormat& format, int width, int height,
                                const ColorDescription& colors) {
   OwnPicture made{.frame = {}, .picture = {.format = format, .width = width, .height = height}};
-  if (KS::CreateSystemFrame(made.frame, {.format = *HostFormat(format),
-                                         .width = width,
-                                         .height = height,
-                                         .colorSpace = ColorSpace(colors)}) < 0) {
+  if (KS::CreateSystemFrame(made.frame,
+                            {.format = HostFormat(format).value_or(orvmediatypes::PixelFormat{}),
+                             .width = width,
+                             .height = height,
+                             .colorSpace = ColorSpace(colors)}) < 0) {
     return Error{Code::NotSupported, "no frame of " + SizeText(made.picture) + " can be made", {}};
   }
   const auto access = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(made.frame);

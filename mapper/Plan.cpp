@@ -104,7 +104,8 @@ ColorSpace MappingColorSpace(const ColorDescription& tagged, Algorithm algorithm
 }
 
 bool IsConvertible(const ColorDescription& description) {
-  ColorDescription light = *ColorSpaceOfName("bt709");
+  ColorDescription light;
+  light.primaries = H273::kPrimariesBT709;
   light.transfer = H273::kTransferLinear;
   constexpr int kAnyWhite = 203;
   return ConvertGrey(0.0F, ColorSpace(description), ColorSpace(light), kAnyWhite).has_value();
