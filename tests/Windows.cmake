@@ -2,7 +2,8 @@
 
 quillon_leave_out("no device: there is no OpenCL for this system, and no driver of NVIDIA's"
   FOLDERS devices kernels
-  PROGRAMS ironlane_test kestrel_gpu_test)
+  PROGRAMS ironlane_test kestrel_gpu_test
+  TESTS EveryDevice.GivesTheBitsOfTheProcessor)
 quillon_leave_out("a file that is being replaced may be nothing for an instant"
   TESTS BinaryCache.LetsSeveralStoreAtOnce)
 quillon_leave_out("no OpenCL for this system" PROGRAMS opencl_curves_test)
@@ -10,12 +11,15 @@ quillon_leave_out("compiles with the CUDA compiler of this machine" PROGRAMS cud
 quillon_leave_out("compiles with the compiler of this machine" PROGRAMS curve_refusal_test)
 quillon_leave_out("no MPFR for this system" PROGRAMS mpfr_test)
 quillon_leave_out("no zimg and OpenColorIO for this system" PROGRAMS chromant_witness_test)
+quillon_leave_out("the linker exports all of this library here"
+  TESTS Exports.OfTheMapperAreItsInterface)
 quillon_leave_out("no zimg for this system"
   TESTS
     CopyFrame.IsRightOnMemorySharedWithAYCbCrFrame
     CopyFrame.MakesNoPictureBetweenYCbCrAndInterleavedFrames
     CopyFrame.MakesNoPictureBetweenYCbCrFrames
   SOURCES
+    mapper/MapRowsTest.cpp
     refhost/kestrel/YCbCrCopyTest.cpp
     refhost/kestrel/YCbCrPatchTest.cpp
     refhost/kestrel/YCbCrWitnessTest.cpp)
