@@ -152,6 +152,15 @@ TEST_F(OptionValues, NameTheDepthsThatAnEncoderTakes) {
   }
 }
 
+TEST_F(OptionValues, ThatTheEncoderRefusesAreRefusedByADryRunToo) {
+  const RunResult dry = RunQuillon({"map", "--preset", "xyz", "--dry-run", clip_, mp4_});
+  const RunResult run = RunQuillon({"map", "--preset", "xyz", clip_, mp4_});
+  EXPECT_NE(dry.exitCode, 0);
+  EXPECT_EQ(dry.exitCode, run.exitCode);
+  EXPECT_EQ(dry.err, run.err);
+  EXPECT_EQ(dry.out, "");
+}
+
 TEST_F(OptionValues, AreRefusedWhereTheyHaveNoEffect) {
   const std::string cube = folder_ / "o.cube";
   ExpectRefused({"map", "--quiet", "--explain", still_, png_}, "--explain prints and --quiet");

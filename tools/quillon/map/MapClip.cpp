@@ -130,6 +130,9 @@ void Summarise(std::ostream& out, const MapOptions& options, const ClipRun& run,
 void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) {
   const auto begin = std::chrono::steady_clock::now();
   ClipRun run = PrepareClipRun(options, notes);
+  // Whether it takes its options only the encoder tells.
+  if (options.clip.dryRun && run.encoding)
+    const Encoder opened(*run.encoding, false, options.output);
   if (options.explain || options.clip.dryRun) {
     Explain(out, run.mapper->Plan().Decide());
     ExplainClip(out, run);
