@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -31,12 +30,13 @@ std::optional<ColorDescription> ColorSpaceOfCicp(std::string_view text);
 std::string DescribeColorSpace(const ColorDescription& description);
 
 /// Whether a code point says anything.
-constexpr bool Tells(std::uint8_t codePoint) { return codePoint != 0 && codePoint != 2; }
+constexpr bool Tells(unsigned codePoint) { return codePoint != 0 && codePoint != 2; }
 
 /// Whether transfer and primaries are told, the latter by a code point or by coordinates.
 bool TellsColors(const ColorDescription& description);
 
-/// Whether light in these colours can be had from its signal: transfer and primaries are known here.
+/// Whether light in these colours can be had from its signal: transfer and primaries are known
+/// here.
 bool IsConvertible(const ColorDescription& description);
 
 }  // namespace Mapper

@@ -43,8 +43,6 @@ ToneMapDecision DecideToneMap(const Plan::Content& content) {
       PX::ToneMappingUtils::GetLocalizedToneMappingMethodName(resolved.algorithmType, 1);
   decision.chosenAutomatically = resolved.algorithmType != content.asked.algorithm;
   if (HasKnee(resolved.algorithmType)) decision.knee = resolved.knee;
-  decision.gain = resolved.controls.peakGain;
-  decision.colorPreservation = resolved.controls.colorPreservation;
   decision.adjustedPeak = resolved.controls.peak;
   const ToneCurveFacts* const curve = FindToneCurve(resolved.algorithmType);
   if (curve == nullptr) return decision;
@@ -64,8 +62,11 @@ Decisions Plan::Decide() const {
   decisions.destination = content_->DestinationSpace().Description();
   decisions.device = DeviceName(content_->device.get());
   decisions.settings = content_->asked;
+  const auto& controls = content_->settings.toneMapSettings.controls;
+  decisions.gain = controls.peakGain;
+  decisions.colorPreservation = controls.colorPreservation;
   decisions.sourcePeak = content_->peak;
-  decisions.sourcePeakSignal = content_->settings.toneMapSettings.controls.peak;
+  decisions.sourcePeakSignal = controls.peak;
   decisions.destinationPeakNits = content_->destinationPeakNits;
   decisions.gamut =
       PX::GamutMappingUtils::GetGamutCompressionMethodName(content_->settings.algorithmType, 1);

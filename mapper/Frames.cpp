@@ -2,12 +2,19 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <new>
+#include <utility>
 #include <vector>
 
+#include "base/CopyQuality.h"
 #include "host/chromant/Conversion.h"
 #include "host/kestrel/CreateFrames.h"
 #include "host/kestrel/FrameInterfaces.h"
 #include "host/kestrel/FrameManipulators.h"
+#include "mapper/WrapPicture.h"
+#include "refhost/kestrel/PixelFormats.h"
+#include "refhost/kestrel/SystemFrame.h"
 
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ColorSpace;
@@ -15,8 +22,6 @@ using orvmediatypes::color::ColorSpace;
 namespace Quillon::Mapper {
 
 namespace {
-
-constexpr orvmediatypes::RenderQuality kQuality = 4;
 
 float CountedLight(float value) { return std::isfinite(value) ? std::max(value, 0.0F) : 0.0F; }
 
@@ -32,14 +37,12 @@ Result<PX::VideoFrameRef> MakeFloatFrame(int width, int height, const ColorSpace
                            false, false) >= 0) {
     return frame;
   }
-  return Error{
-      Code::NotSupported,
-      "no frame of " + std::to_string(width) + "x" + std::to_string(height) + " can be made",
-      {}};
+  return NoFrame(width, height);
 }
 
 Failure CopyConverted(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to, int white) {
-  if (KS::VideoFrameManipulators::CopyFrame(from, to, kQuality, ColorManagementFor(white)) >= 0) {
+  if (KS::VideoFrameManipulators::CopyFrame(from, to, kCopyQuality, ColorManagementFor(white)) >=
+      0) {
     return std::nullopt;
   }
   return Error{Code::NotSupported,
@@ -55,6 +58,28 @@ Result<PX::VideoFrameRef> ConvertToFloat(const PX::VideoFrameRef& frame,
   if (!converted) return converted;
   if (auto failure = CopyConverted(frame, *converted, white)) return *std::move(failure);
   return converted;
+}
+
+PX::VideoFrameRef ShowRows(const PX::VideoFrameRef& frame, int first, int last) {
+  const auto access = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(frame);
+  const auto info = KS::DescribeFormat(frame->GetPixelFormat()).value_or(KS::FormatInfo{});
+  const orvcore::geom::Bounds bounds = frame->GetBounds();
+  KS::SystemFrameLayout layout{.format = frame->GetPixelFormat(),
+                               .width = bounds.width,
+                               .height = last - first,
+                               .colorSpace = frame->GetColorSpace()};
+  KS::BorrowedMemory memory;
+  for (int i = 0; i < access->GetPlaneCount(); ++i) {
+    const KS::Plane plane = access->GetPlane(i);
+    const std::ptrdiff_t row = i == 0 ? first : first >> info.ChromaShiftY();
+    const auto index = static_cast<std::size_t>(i);
+    memory.planes[index] = static_cast<std::byte*>(plane.data) + row * plane.rowBytes;
+    layout.rowBytes[index] = plane.rowBytes;
+  }
+  layout.borrowed = std::move(memory);
+  PX::VideoFrameRef rows;
+  if (KS::CreateSystemFrame(rows, layout) < 0) throw std::bad_alloc();
+  return rows;
 }
 
 Result<std::int64_t> ForEachLight(const PX::VideoFrameRef& frame, int white,

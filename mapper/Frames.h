@@ -27,6 +27,11 @@ Result<PX::VideoFrameRef> ConvertToFloat(const PX::VideoFrameRef& frame,
                                          const orvmediatypes::color::ColorSpace& colorSpace,
                                          int white);
 
+/// Rows `first` to before `last` of a frame in system memory, as a frame over the same memory,
+/// which lives no longer. They are rows of the frame; where chroma has half as many, `first` is
+/// even. Throws std::bad_alloc.
+PX::VideoFrameRef ShowRows(const PX::VideoFrameRef& frame, int first, int last);
+
 /// Gives the light of every pixel of a frame in system memory, row by row: the largest of R, G and
 /// B in linear light, 1.0 being `white` nits; what is not finite or lies below 0 is 0. The number
 /// of pixels.

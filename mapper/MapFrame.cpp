@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "base/CopyQuality.h"
 #include "engine/Quillon.h"
 #include "host/kestrel/CreateFrames.h"
 #include "host/kestrel/FrameManipulators.h"
@@ -14,8 +15,6 @@ using orvmediatypes::color::ColorSpace;
 namespace Quillon::Mapper {
 
 namespace {
-
-constexpr orvmediatypes::RenderQuality kQuality = 4;
 
 std::string HexCode(int code) {
   char text[16];
@@ -51,7 +50,7 @@ Result<PX::VideoFrameRef> MakeFloatFrameOn(const std::shared_ptr<Device>& device
 /// Pixels between system memory and a device, colours left alone.
 Failure MovePixels(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to) {
   const EngineMessages messages;
-  if (KS::GPUFrameManipulators::CopyFrame(from, to, kQuality, {}) >= 0) return std::nullopt;
+  if (KS::GPUFrameManipulators::CopyFrame(from, to, kCopyQuality, {}) >= 0) return std::nullopt;
   return Error{Code::DeviceFailed, "the device failed", messages.Joined()};
 }
 

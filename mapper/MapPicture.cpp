@@ -1,6 +1,5 @@
 #include <algorithm>
-#include <cstddef>
-#include <type_traits>
+#include <utility>
 
 #include "mapper/Content.h"
 #include "mapper/Frames.h"
@@ -17,20 +16,6 @@ bool HalvesRows(const PixelFormat& format) {
   return format.layout != PixelFormat::Layout::BGRA && format.chroma == PixelFormat::Chroma::C420;
 }
 
-/// Rows from `first` to before `last`. Where the format halves them, `first` is even.
-template <class Byte>
-BasicPicture<Byte> Cut(const BasicPicture<Byte>& picture, int first, int last) {
-  using Address = std::conditional_t<std::is_const_v<Byte>, const std::byte*, std::byte*>;
-  BasicPicture<Byte> cut = picture;
-  cut.height = last - first;
-  for (std::size_t i = 0; i < cut.planes.size(); ++i) {
-    const int row = i > 0 && HalvesRows(picture.format) ? first / 2 : first;
-    if (cut.planes[i] == nullptr) continue;
-    cut.planes[i] = static_cast<Address>(cut.planes[i]) + std::ptrdiff_t{row} * picture.rowBytes[i];
-  }
-  return cut;
-}
-
 Failure CheckRows(const Picture& destination, int first, int last) {
   const bool within = first >= 0 && first < last && last <= destination.height;
   const bool whole = !HalvesRows(destination.format) ||
@@ -43,41 +28,46 @@ Failure CheckRows(const Picture& destination, int first, int last) {
                {}};
 }
 
+/// Frames over two pictures of one size, a source and a destination.
+struct WrappedPair {
+  PX::VideoFrameRef source;
+  PX::VideoFrameRef destination;
+};
+
+Result<WrappedPair> Wrap(const Plan::Content& plan, const ConstPicture& source,
+                         const Picture& destination) {
+  const auto from = WrapPicture(Writable(source), plan.source.colors);
+  if (!from) return from.error();
+  const auto to = WrapPicture(destination, plan.DestinationSpace().Description());
+  if (!to) return to.error();
+  if (auto failure = CheckSameSize(source, destination)) return *std::move(failure);
+  return WrappedPair{*from, *to};
+}
+
 }  // namespace
 
 Failure Plan::Map(const ConstPicture& source, const Picture& destination) const {
-  const auto from = WrapPicture(Writable(source), content_->source.colors);
-  if (!from) return from.error();
-  auto to = WrapPicture(destination, content_->DestinationSpace().Description());
-  if (!to) return to.error();
-  if (auto failure = CheckSameSize(source, destination)) return failure;
-  return MapFrame(*this, *from, *to);
+  auto frames = Wrap(*content_, source, destination);
+  if (!frames) return frames.error();
+  return MapFrame(*this, frames->source, frames->destination);
 }
 
 Failure Plan::MapRows(const ConstPicture& source, const Picture& destination, int first,
                       int last) const {
-  const ColorDescription& colors = content_->DestinationSpace().Description();
-  for (const Picture& picture : {Writable(source), destination}) {
-    if (const auto whole = WrapPicture(picture, colors); !whole) return whole.error();
-  }
-  if (auto failure = CheckSameSize(source, destination)) return failure;
+  const auto frames = Wrap(*content_, source, destination);
+  if (!frames) return frames.error();
   if (auto failure = CheckRows(destination, first, last)) return failure;
+  PX::VideoFrameRef rows = ShowRows(frames->destination, first, last);
   if (!HalvesRows(source.format) && !HalvesRows(destination.format)) {
-    return Map(Cut(source, first, last), Cut(destination, first, last));
+    return MapFrame(*this, ShowRows(frames->source, first, last), rows);
   }
 
   const int from = std::max(0, first / 2 * 2 - kMargin);
   const int to = std::min(source.height, (last + 1) / 2 * 2 + kMargin);
-  const auto window = WrapPicture(Writable(Cut(source, from, to)), content_->source.colors);
-  if (!window) return window.error();
-  auto mapped = MakePicture(destination.format, source.width, to - from, colors);
+  auto mapped = MakeFrameLike(rows, to - from);
   if (!mapped) return mapped.error();
-  if (auto failure = MapFrame(*this, *window, mapped->frame)) return failure;
-  const auto wanted = WrapPicture(Cut(mapped->picture, first - from, last - from), colors);
-  if (!wanted) return wanted.error();
-  const auto rows = WrapPicture(Cut(destination, first, last), colors);
-  if (!rows) return rows.error();
-  return CopyConverted(*wanted, *rows, content_->asked.white);
+  if (auto failure = MapFrame(*this, ShowRows(frames->source, from, to), *mapped)) return failure;
+  return CopyConverted(ShowRows(*mapped, first - from, last - from), rows, content_->asked.white);
 }
 
 }  // namespace Quillon::Mapper

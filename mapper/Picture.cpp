@@ -44,8 +44,8 @@ std::optional<orvmediatypes::PixelFormat> HostFormat(const PixelFormat& format) 
   return KS::DescribeFormat(known) ? std::optional(known) : std::nullopt;
 }
 
-std::string SizeText(const Picture& picture) {
-  return std::to_string(picture.width) + "x" + std::to_string(picture.height);
+std::string SizeText(int width, int height) {
+  return std::to_string(width) + "x" + std::to_string(height);
 }
 
 }  // namespace
@@ -85,37 +85,34 @@ Result<PX::VideoFrameRef> WrapPicture(const Picture& picture, const ColorDescrip
                                         .borrowed = KS::BorrowedMemory{.planes = picture.planes}});
   if (made >= 0) return frame;
   return Error{Code::InvalidArgument,
-               "a picture of " + SizeText(picture) +
+               "a picture of " + SizeText(picture.width, picture.height) +
                    " cannot be one: its sides are at least 1, its planes are not null, and a row "
                    "holds its samples",
                {}};
 }
 
-Result<OwnPicture> MakePicture(const PixelFormat& format, int width, int height,
-                               const ColorDescription& colors) {
-  OwnPicture made{.frame = {}, .picture = {.format = format, .width = width, .height = height}};
-  if (KS::CreateSystemFrame(made.frame,
-                            {.format = HostFormat(format).value_or(orvmediatypes::PixelFormat{}),
-                             .width = width,
-                             .height = height,
-                             .colorSpace = ColorSpace(colors)}) < 0) {
-    return Error{Code::NotSupported, "no frame of " + SizeText(made.picture) + " can be made", {}};
+Error NoFrame(int width, int height) {
+  return {Code::NotSupported, "no frame of " + SizeText(width, height) + " can be made", {}};
+}
+
+Result<PX::VideoFrameRef> MakeFrameLike(const PX::VideoFrameRef& frame, int height) {
+  const int width = frame->GetBounds().width;
+  PX::VideoFrameRef made;
+  if (KS::CreateSystemFrame(made, {.format = frame->GetPixelFormat(),
+                                   .width = width,
+                                   .height = height,
+                                   .colorSpace = frame->GetColorSpace()}) >= 0) {
+    return made;
   }
-  const auto access = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(made.frame);
-  for (std::int32_t i = 0; i < access->GetPlaneCount(); ++i) {
-    const KS::Plane plane = access->GetPlane(i);
-    made.picture.planes[static_cast<std::size_t>(i)] = plane.data;
-    made.picture.rowBytes[static_cast<std::size_t>(i)] = plane.rowBytes;
-  }
-  return made;
+  return NoFrame(width, height);
 }
 
 Failure CheckSameSize(const ConstPicture& one, const Picture& other) {
   if (one.width == other.width && one.height == other.height) return std::nullopt;
-  return Error{
-      Code::InvalidArgument,
-      "the pictures differ in size: " + SizeText(Writable(one)) + " and " + SizeText(other),
-      {}};
+  return Error{Code::InvalidArgument,
+               "the pictures differ in size: " + SizeText(one.width, one.height) + " and " +
+                   SizeText(other.width, other.height),
+               {}};
 }
 
 Result<LightLevels> MeasureLight(const ConstPicture& picture, const ColorDescription& colors,

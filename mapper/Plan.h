@@ -25,8 +25,6 @@ struct ToneMapDecision {
   bool chosenAutomatically = false;
   /// Share of the destination's peak; nothing for curves that have no such dial.
   std::optional<float> knee;
-  float gain = 1.0F;
-  float colorPreservation = 0.5F;
   /// The source's peak in the curve's own scale.
   float adjustedPeak = 0.0F;
   /// What the curve reads for every pixel.
@@ -43,6 +41,8 @@ struct Decisions {
   ColorDescription destination;  ///< with its peak where one was given
   std::string device;            ///< "cpu", "opencl:0"
   Settings settings;             ///< as the caller gave them
+  float gain = 0.0F;             ///< those of the settings, or what stands for them
+  float colorPreservation = 0.0F;
   SourcePeak sourcePeak;
   float sourcePeakSignal = 0.0F;  ///< the same as a signal of `mappedFrom`
   double destinationPeakNits = 0.0;

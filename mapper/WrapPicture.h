@@ -8,13 +8,11 @@ namespace Quillon::Mapper {
 /// A frame that shows the caller's memory.
 Result<PX::VideoFrameRef> WrapPicture(const Picture& picture, const ColorDescription& colors);
 
-/// A picture in memory of its own, which lives as long as the frame.
-struct OwnPicture {
-  PX::VideoFrameRef frame;
-  Picture picture;
-};
-Result<OwnPicture> MakePicture(const PixelFormat& format, int width, int height,
-                               const ColorDescription& colors);
+/// There is no memory for a frame, or it is too large.
+Error NoFrame(int width, int height);
+
+/// A frame in memory of its own, of another one's format, width and colour space.
+Result<PX::VideoFrameRef> MakeFrameLike(const PX::VideoFrameRef& frame, int height);
 
 /// The same memory, for frames that are only read.
 Picture Writable(const ConstPicture& picture);

@@ -101,8 +101,8 @@ TEST(APlan, TellsTheDialsThatItWasGiven) {
   ASSERT_TRUE(decisions.toneMap);
   EXPECT_FALSE(decisions.toneMap->chosenAutomatically);
   EXPECT_EQ(decisions.toneMap->knee, 0.25F);
-  EXPECT_EQ(decisions.toneMap->gain, 1.5F);
-  EXPECT_EQ(decisions.toneMap->colorPreservation, 0.75F);
+  EXPECT_EQ(decisions.gain, 1.5F);
+  EXPECT_EQ(decisions.colorPreservation, 0.75F);
   EXPECT_TRUE(decisions.gamutApplies);
   EXPECT_EQ(decisions.destinationPeakNits, 100.0);
 }

@@ -12,7 +12,7 @@
 #include "tools/quillon/options/SharedOptions.h"
 #include "tools/quillon/picture/Frames.h"
 #include "tools/quillon/picture/LightLevels.h"
-#include "tools/quillon/process/Counted.h"
+#include "tools/quillon/process/Words.h"
 
 namespace {
 

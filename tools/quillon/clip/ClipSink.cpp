@@ -5,8 +5,8 @@
 #include <system_error>
 
 #include "tools/quillon/io/TargetFile.h"
-#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
+#include "tools/quillon/process/Words.h"
 
 extern "C" {
 #include <libavutil/frame.h>

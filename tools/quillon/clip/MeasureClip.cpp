@@ -2,9 +2,9 @@
 
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
-#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
+#include "tools/quillon/process/Words.h"
 
 using orvmediatypes::color::ColorSpace;
 

@@ -6,7 +6,7 @@
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/picture/Frames.h"
 #include "tools/quillon/picture/LightLevels.h"
-#include "tools/quillon/process/Counted.h"
+#include "tools/quillon/process/Words.h"
 
 SequenceSink::SequenceSink(SequenceName name, int width, int height,
                            const orvmediatypes::color::ColorSpace& colorSpace, StillOutput still,

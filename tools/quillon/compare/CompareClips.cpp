@@ -14,9 +14,9 @@
 #include "tools/quillon/compare/CompareOutputs.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Json.h"
-#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
+#include "tools/quillon/process/Words.h"
 
 using nlohmann::ordered_json;
 using orvmediatypes::color::ColorSpace;

@@ -58,7 +58,7 @@ void ReadToneMap(const Decisions& decisions, const std::vector<float>& nits,
   if (toneMap.chosenAutomatically)
     curve.resolved = Quillon::Mapper::AlgorithmName(toneMap.algorithm);
   if (toneMap.kneeNits) {
-    const double source = *toneMap.kneeNits / toneMap.gain;
+    const double source = *toneMap.kneeNits / decisions.gain;
     curve.knee = CurveKnee{source, Interpolate(nits, curve.resultNits, source)};
   }
 }
@@ -95,14 +95,13 @@ AlgorithmCurve RunCurve(const MappingOptions& options, const PlannedPicture& ram
 
 /// What all the plans agree on.
 void Describe(const MappingOptions& options, const Decisions& decisions, CurveData& data) {
-  const Quillon::Mapper::Settings& settings = options.settings;
-  data.whiteNits = settings.white;
+  data.whiteNits = options.settings.white;
   data.sourcePeakNits = decisions.sourcePeak.nits;
   data.targetPeakNits = decisions.destinationPeakNits;
   data.source = DescribeColorSpace(decisions.source);
   data.destination = DescribeColorSpace(options.target.colors);
-  data.gain = settings.gain.value_or(1.0F);
-  data.colorPreservation = settings.colorPreservation.value_or(0.5F);
+  data.gain = decisions.gain;
+  data.colorPreservation = decisions.colorPreservation;
 }
 
 }  // namespace

@@ -49,5 +49,3 @@ ColorDescription RgbDescription(std::uint8_t primaries, std::uint8_t transfer) {
   description.transfer = transfer;
   return description;
 }
-
-bool NamesColors(unsigned codePoint) { return codePoint != 0 && codePoint != H273::kUnspecified; }

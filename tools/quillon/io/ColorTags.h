@@ -13,6 +13,3 @@ bool SetPrimaries(orvmediatypes::color::ColorDescription& description,
 /// A description of full-range RGB.
 orvmediatypes::color::ColorDescription RgbDescription(std::uint8_t primaries,
                                                       std::uint8_t transfer);
-
-/// The code point is neither 0 nor `unspecified`.
-bool NamesColors(unsigned codePoint);

@@ -9,6 +9,7 @@
 
 #include "host/kestrel/CreateFrames.h"
 #include "host/kestrel/FrameManipulators.h"
+#include "mapper/Colors.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 #include "refhost/orvmediatypes/H273.h"
@@ -99,7 +100,8 @@ bool HoldsRgb(const avifImage& image) {
 
 /// 0 where a code point says nothing.
 std::uint8_t SpokenCodePoint(unsigned codePoint) {
-  return NamesColors(codePoint) && codePoint < 256 ? static_cast<std::uint8_t>(codePoint) : 0;
+  return Quillon::Mapper::Tells(codePoint) && codePoint < 256 ? static_cast<std::uint8_t>(codePoint)
+                                                              : 0;
 }
 
 /// Encoders that do not say where chroma lies take the mean of the luma samples it covers.

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "mapper/Colors.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/io/ColorTags.h"
@@ -136,7 +137,8 @@ void RemarkOnIccProfile(PngHandle& handle, std::vector<std::string>& remarks) {
 
 ColorDescription ReadColors(PngHandle& handle, const PngTags& tags,
                             std::vector<std::string>& remarks) {
-  if (tags.cicp && NamesColors((*tags.cicp)[0]) && NamesColors((*tags.cicp)[1])) {
+  if (tags.cicp && Quillon::Mapper::Tells((*tags.cicp)[0]) &&
+      Quillon::Mapper::Tells((*tags.cicp)[1])) {
     if (const int matrix = (*tags.cicp)[2]; matrix != 0) {
       remarks.push_back("matrix " + std::to_string(matrix) +
                         " of the cICP chunk ignored: PNG holds RGB");

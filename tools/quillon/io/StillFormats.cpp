@@ -5,6 +5,7 @@
 
 #include "tools/quillon/io/StillEncoders.h"
 #include "tools/quillon/io/StillReaders.h"
+#include "tools/quillon/process/Words.h"
 
 namespace {
 
@@ -22,11 +23,7 @@ std::string ListOf(std::string_view StillFormat::*text, Take take) {
   for (const StillFormat& format : kFormats) {
     if (take(format)) texts.push_back(format.*text);
   }
-  std::string list(texts.front());
-  for (std::size_t i = 1; i < texts.size(); ++i) {
-    list.append(i + 1 < texts.size() ? ", " : " or ").append(texts[i]);
-  }
-  return list;
+  return JoinWords(texts, " or ");
 }
 
 bool IsWritten(const StillFormat& format) { return format.encode != nullptr; }

@@ -5,6 +5,7 @@
 
 #include "host/kestrel/CreateFrames.h"
 #include "host/kestrel/FrameManipulators.h"
+#include "mapper/Colors.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/io/ColorTags.h"
 #include "tools/quillon/io/StillError.h"
@@ -55,7 +56,8 @@ ColorDescription RequireCodePoints(const StillOutput& output, const std::filesys
   ColorDescription description = output.frame->GetColorSpace().Description();
   if (description.primaries == H273::kUnspecified)
     SetPrimaries(description, description.chromaticities);
-  if (!NamesColors(description.primaries) || !NamesColors(description.transfer)) {
+  if (!Quillon::Mapper::Tells(description.primaries) ||
+      !Quillon::Mapper::Tells(description.transfer)) {
     Fail(path, "its colours have no CICP code points, which this format needs",
          "choose a named colour space or write EXR");
   }

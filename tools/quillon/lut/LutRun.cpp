@@ -37,8 +37,7 @@ bool IsShaper(const MappingOptions& options) {
 
 void CheckLutOptions(const LutOptions& options) {
   CheckMappingOptions(options.mapping);
-  RefuseUsage(options.quiet && options.explain,
-              "--explain prints and --quiet prints nothing; give one of them");
+  CheckExplainIsSeen(options.explain, options.quiet);
   if (!IsShaper(options.mapping)) {
     throw CommandError(ExitCode::Usage,
                        "--from of a LUT is a PQ or HLG signal, whose steps suit the eye: choose "

@@ -10,9 +10,9 @@
 #include "tools/quillon/map/SamplePeak.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Explain.h"
-#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
+#include "tools/quillon/process/Words.h"
 
 namespace {
 

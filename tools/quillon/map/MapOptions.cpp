@@ -4,8 +4,7 @@
 
 void CheckMapOptions(const MapOptions& options) {
   CheckMappingOptions(options.mapping);
-  RefuseUsage(options.quiet && options.explain,
-              "--explain prints and --quiet prints nothing; give one of them");
+  CheckExplainIsSeen(options.explain, options.quiet);
 }
 
 void CheckClipOptions(const MapOptions& options) {

@@ -20,13 +20,13 @@ void ExplainPeak(std::ostream& out, std::string_view label, double nits, int whi
   Label(out, label) << nits << " nits = " << nits / white << " in linear light";
 }
 
-void ExplainToneMap(std::ostream& out, const ToneMapDecision& toneMap) {
+void ExplainToneMap(std::ostream& out, const Decisions& decisions, const ToneMapDecision& toneMap) {
   Label(out, "tone mapping") << toneMap.name;
   if (toneMap.chosenAutomatically) out << " (chosen automatically)";
   out << '\n';
   if (toneMap.knee) Label(out, "knee") << *toneMap.knee << " of the destination peak\n";
-  Label(out, "gain") << toneMap.gain << '\n';
-  Label(out, "preserve") << toneMap.colorPreservation << '\n';
+  Label(out, "gain") << decisions.gain << '\n';
+  Label(out, "preserve") << decisions.colorPreservation << '\n';
   Label(out, "peak, adjusted") << toneMap.adjustedPeak << '\n';
   int number = 0;
   for (const auto& parameter : toneMap.parameters) {
@@ -51,7 +51,7 @@ void Explain(std::ostream& out, const Decisions& decisions) {
   Label(out, "gamut") << decisions.gamut << (decisions.gamutApplies ? "" : " (does not apply)")
                       << '\n';
   if (decisions.toneMap) {
-    ExplainToneMap(out, *decisions.toneMap);
+    ExplainToneMap(out, decisions, *decisions.toneMap);
     return;
   }
   Label(out, "tone mapping")

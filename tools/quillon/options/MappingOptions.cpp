@@ -5,22 +5,18 @@
 
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/process/ExitCodes.h"
+#include "tools/quillon/process/Words.h"
 
 using Quillon::Mapper::Algorithm;
 
 namespace {
 
-/// "hue and car"
 std::string AlgorithmsWithKnee() {
   std::vector<std::string_view> names;
   for (const auto& algorithm : Quillon::Mapper::Algorithms()) {
     if (Quillon::Mapper::HasKnee(algorithm.value)) names.push_back(algorithm.name);
   }
-  std::string list(names.front());
-  for (std::size_t i = 1; i < names.size(); ++i) {
-    list.append(i + 1 < names.size() ? ", " : " and ").append(names[i]);
-  }
-  return list;
+  return JoinWords(names, " and ");
 }
 
 void CheckToneMap(const MappingOptions& options) {
@@ -48,4 +44,8 @@ void CheckMappingOptions(const MappingOptions& options) {
               "--target-peak is for PQ and HLG destinations; an SDR destination's 1.0 is the white "
               "of --white (" +
                   std::to_string(options.settings.white) + " nits)");
+}
+
+void CheckExplainIsSeen(bool explain, bool quiet) {
+  RefuseUsage(quiet && explain, "--explain prints and --quiet prints nothing; give one of them");
 }

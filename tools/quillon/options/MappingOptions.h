@@ -25,5 +25,8 @@ struct MappingOptions {
   std::string device = "cpu";  ///< one that `IsDeviceName` takes
 };
 
+/// Refuses --explain beside --quiet. Throws CommandError.
+void CheckExplainIsSeen(bool explain, bool quiet);
+
 /// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
 void CheckMappingOptions(const MappingOptions& options);

@@ -1,5 +1,7 @@
 #include "tools/quillon/picture/MapPicture.h"
 
+#include <utility>
+
 #include "mapper/Frames.h"
 #include "tools/quillon/picture/Frames.h"
 #include "tools/quillon/picture/LightLevels.h"
@@ -16,6 +18,14 @@ namespace {
 Source Tagged(const MappingOptions& options, const std::filesystem::path& path,
               const Source& file) {
   return {TaggedColors(path, file.colors, options.source), file.light};
+}
+
+Plan PlanTagged(const MappingOptions& options, const std::filesystem::path& path,
+                const Source& source, std::shared_ptr<Quillon::Mapper::Device> device,
+                const PeakMeasurement& measurePeak) {
+  const SourcePeak peak =
+      ChooseSourcePeak(options.peak, path, source, options.settings.white, measurePeak);
+  return ValueOf(Plan::Make(source, options.target, options.settings, peak, std::move(device)));
 }
 
 }  // namespace
@@ -61,24 +71,20 @@ SourcePeak ChooseSourcePeak(const PeakOptions& options, const std::filesystem::p
 Plan PlanPictures(const MappingOptions& options, const std::filesystem::path& path,
                   const Source& file, const PeakMeasurement& measurePeak) {
   auto device = RequireDevice(options.device);
-  const Source source = Tagged(options, path, file);
-  const SourcePeak peak =
-      ChooseSourcePeak(options.peak, path, source, options.settings.white, measurePeak);
-  return ValueOf(Plan::Make(source, options.target, options.settings, peak, std::move(device)));
+  return PlanTagged(options, path, Tagged(options, path, file), std::move(device), measurePeak);
 }
 
 PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem::path& path,
                            const PX::VideoFrameRef& frame,
                            const Quillon::Mapper::ContentLight& light) {
-  const auto device = RequireDevice(options.device);  // before any work; the plan shares it
-  const Source file{frame->GetColorSpace().Description(), light};
-  const Source source = Tagged(options, path, file);
+  auto device = RequireDevice(options.device);
+  const Source source = Tagged(options, path, {frame->GetColorSpace().Description(), light});
   frame->SetColorSpace(ColorSpace(source.colors));
   const int white = options.settings.white;
   const PX::VideoFrameRef floats = ConvertToFloat(
       frame, Quillon::Mapper::MappingColorSpace(source.colors, options.settings.algorithm), white);
   const auto measurePeak = [&] { return MeasureLightLevels(floats, white).peakNits; };
-  return {PlanPictures(options, path, file, measurePeak), floats};
+  return {PlanTagged(options, path, source, std::move(device), measurePeak), floats};
 }
 
 PX::VideoFrameRef MapPicture(const PlannedPicture& picture, const std::string& name) {

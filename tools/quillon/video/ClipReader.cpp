@@ -4,8 +4,8 @@
 #include <new>
 #include <utility>
 
-#include "tools/quillon/process/Counted.h"
 #include "tools/quillon/process/ExitCodes.h"
+#include "tools/quillon/process/Words.h"
 
 namespace fs = std::filesystem;
 
