@@ -16,8 +16,8 @@ enum class Unit : std::uint8_t {
   None,    ///< weights, coefficients, factors
   Linear,  ///< linear light, 1.0 at reference white
   Nits,
-  PqCode,   ///< PQ code value, 0 to 1
-  PqShare,  ///< share of the source's range of PQ code values
+  PQCode,   ///< PQ code value, 0 to 1
+  PQShare,  ///< share of the source's range of PQ code values
 };
 
 /// One entry of a support vector.

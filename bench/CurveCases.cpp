@@ -6,10 +6,10 @@
 #include <random>
 
 #include "bench/Frames.h"
+#include "tonemap/Bt2390.h"
+#include "tonemap/Bt2446A.h"
 #include "tonemap/CarToneCurve.h"
 #include "tonemap/HuePreservation.h"
-#include "tonemap/Itu2390.h"
-#include "tonemap/Itu2446A.h"
 
 using Quillon::SupportVector;
 
@@ -98,10 +98,10 @@ std::vector<CurveCase> CurveCases() {
   // 1000 to 203 nits; the highlights from the picture's knee on.
   const SupportVector bt2390 = {0.0F,       0.751827F,  0.0F,  0.5806888F, 203.0F,  0.751827F, 0.0F,
                                 0.7723702F, 0.6585553F, kKnee, 0.2126F,    0.7152F, 0.0722F};
-  using Quillon::Itu2390Form;
-  const Quillon::ITU2390MaxRGBToneMap maxRGB{MakeItu2390Tables(Itu2390Form::MaxRGB, bt2390)};
-  const Quillon::ITU2390RGBByChannelToneMap byChannel{
-      MakeItu2390Tables(Itu2390Form::ByChannel, bt2390)};
+  using Quillon::Bt2390Form;
+  const Quillon::Bt2390MaxRGBToneMap maxRGB{MakeBt2390Tables(Bt2390Form::MaxRGB, bt2390)};
+  const Quillon::Bt2390RGBByChannelToneMap byChannel{
+      MakeBt2390Tables(Bt2390Form::ByChannel, bt2390)};
   return {
       {"gamut-desaturation", {}, Quillon::GamutCompressionDesaturation{}, {}, weights, settings},
       {"gamut-reinhard", {}, Quillon::GamutCompressionReinhard{}, {}, reinhard, settings},
@@ -109,7 +109,7 @@ std::vector<CurveCase> CurveCases() {
       {"car", Quillon::CARToneMap{}, {}, car, {}, settings},
       {"bt2390-channel", byChannel, {}, bt2390, {}, settings},
       {"bt2390-max", maxRGB, {}, bt2390, {}, settings},
-      {"bt2446a", Quillon::ITU2446AToneMap{}, {}, bt2446a, {}, inNits},
+      {"bt2446a", Quillon::Bt2446AToneMap{}, {}, bt2446a, {}, inNits},
       {"reinhard+hue-preserving", Quillon::HuePreservationToneMap{},
        Quillon::GamutCompressionReinhard{}, hue, reinhard, settings},
   };

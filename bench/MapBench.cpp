@@ -44,7 +44,7 @@ constexpr Algorithm kAlgorithms[] = {
     {"reinhard+hue-preserving", ToneMapAlgorithmType::HuePreservationDesaturation,
      GamutCompressionAlgorithmType::Reinhard}};
 
-bool IsBT2390(ToneMapAlgorithmType algorithm) {
+bool IsBt2390(ToneMapAlgorithmType algorithm) {
   return algorithm == ToneMapAlgorithmType::ITU2390MaxRGB ||
          algorithm == ToneMapAlgorithmType::ITU2390RGBByChannel;
 }
@@ -54,7 +54,7 @@ bool IsBT2390(ToneMapAlgorithmType algorithm) {
 GamutMappingSettings SettingsOf(const Algorithm& algorithm) {
   GamutMappingSettings settings;
   auto& toneMap = settings.toneMapSettings;
-  const bool needsPQ = IsBT2390(algorithm.toneMap);
+  const bool needsPQ = IsBt2390(algorithm.toneMap);
   toneMap.sourceColorSpace =
       Bt2020(needsPQ ? H273::kTransferPQ : H273::kTransferLinear, kSourceNits);
   toneMap.destinationColorSpace = Bt709(H273::kTransferLinear, kWhiteNits);

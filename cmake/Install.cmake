@@ -27,7 +27,7 @@ if(NOT QUILLON_HOST_DIR)
   foreach(header
       chromant/ResultCodes.h
       ironlane/Devices.h
-      ironlane/GpuDevice.h
+      ironlane/GPUDevice.h
       ironlane/ResultCodes.h
       ironlane/RowTransfer.h
       kestrel/PixelFormats.h

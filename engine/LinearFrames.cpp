@@ -16,7 +16,7 @@ using orvmediatypes::color::ColorSpace;
 
 namespace {
 
-int LineariseIntoDestination(const PX::VideoFrameRef& source, const PX::VideoFrameRef& destination,
+int LinearizeIntoDestination(const PX::VideoFrameRef& source, const PX::VideoFrameRef& destination,
                              const ColorSpace& sourceColorSpace,
                              const ColorManagementSettings& colorManagement) {
   const FrameMemory from(source);
@@ -33,7 +33,7 @@ int LineariseIntoDestination(const PX::VideoFrameRef& source, const PX::VideoFra
                            fromFormat, fromRowBytes, linear, toFormat, toRowBytes, colorManagement);
 }
 
-int LineariseIntoNewFrame(const PX::VideoFrameRef& source, const ColorSpace& sourceColorSpace,
+int LinearizeIntoNewFrame(const PX::VideoFrameRef& source, const ColorSpace& sourceColorSpace,
                           const ColorManagementSettings& colorManagement,
                           PX::VideoFrameRef& working) {
   const ColorSpace linear = CHR::ORVColorSpaceToEquivalentLinearColorSpace(sourceColorSpace);
@@ -61,10 +61,10 @@ int GetLinearSrcAndDestFrames(const PX::VideoFrameRef& source, const PX::VideoFr
   if (source->GetPixelFormat() == kLinearFloatBGRA &&
       destination->GetPixelFormat() == kLinearFloatBGRA) {
     // Deliberate: handed out whatever the conversion returned, and with the tag that it had.
-    result = LineariseIntoDestination(source, destination, sourceColorSpace, colorManagement);
+    result = LinearizeIntoDestination(source, destination, sourceColorSpace, colorManagement);
     working = destination;
   } else {
-    result = LineariseIntoNewFrame(source, sourceColorSpace, colorManagement, working);
+    result = LinearizeIntoNewFrame(source, sourceColorSpace, colorManagement, working);
   }
   if (result < 0) {
     TraceFailure([](auto& message) { message << "GetLinearSrcAndDestFrames : failed"; });

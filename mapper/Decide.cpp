@@ -11,7 +11,7 @@ namespace {
 
 std::string NameWithUnit(const ParamEntry& entry) {
   std::string name(entry.name);
-  if (entry.unit == Unit::PqCode) name += " (PQ)";
+  if (entry.unit == Unit::PQCode) name += " (PQ)";
   if (entry.unit == Unit::Nits) name += " (nits)";
   return name;
 }
@@ -23,9 +23,9 @@ std::optional<double> KneeNits(const ToneCurveFacts& curve, const SupportVector&
   switch (curve.entries[curve.knee->entry].unit) {
     case Unit::Linear:
       return knee * white;
-    case Unit::PqShare:
+    case Unit::PQShare:
       if (!(knee > 0.0 && knee < 1.0)) return std::nullopt;
-      return DecodeSt2084(Itu2390CodeValue(params, knee));
+      return DecodeSt2084(Bt2390CodeValue(params, knee));
     default:
       return std::nullopt;
   }

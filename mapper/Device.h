@@ -7,14 +7,14 @@
 #include "mapper/Result.h"
 
 namespace IL {
-class GpuDevice;
+class GPUDevice;
 }
 
 namespace Quillon {
 namespace [[gnu::visibility("default")]] Mapper {
 
 /// A GPU that plans map on. Shared by all plans that name it; it is let go with the last of them.
-using Device = IL::GpuDevice;
+using Device = IL::GPUDevice;
 
 /// What `IsDeviceName` takes.
 inline constexpr const char* kDeviceSyntax = "cpu|gpu|opencl:N|cuda:N";

@@ -8,7 +8,7 @@
 #include "mapper/Content.h"
 #include "mapper/EngineMessages.h"
 #include "mapper/Frames.h"
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 
 using orvmediatypes::color::ColorSpace;
 

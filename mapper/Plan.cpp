@@ -17,7 +17,7 @@ namespace Quillon::Mapper {
 
 namespace {
 
-bool IsBT2390(Algorithm algorithm) {
+bool IsBt2390(Algorithm algorithm) {
   return algorithm == Algorithm::ITU2390MaxRGB || algorithm == Algorithm::ITU2390RGBByChannel;
 }
 
@@ -99,7 +99,7 @@ ColorSpace MappingColorSpace(const ColorDescription& tagged, Algorithm algorithm
     source.chromaticities = {};
   }
   // BT.2390 takes full scale for the source's peak, which linear light has not.
-  if (linear && IsBT2390(algorithm)) source.transfer = H273::kTransferPQ;
+  if (linear && IsBt2390(algorithm)) source.transfer = H273::kTransferPQ;
   return ColorSpace(source);
 }
 

@@ -1,16 +1,16 @@
 #pragma once
 
 #include "base/CurveList.h"
+#include "tonemap/Bt2390.h"
+#include "tonemap/Bt2446A.h"
 #include "tonemap/CarToneCurve.h"
 #include "tonemap/HuePreservation.h"
-#include "tonemap/Itu2390.h"
-#include "tonemap/Itu2446A.h"
 #include "tonemap/ToneCurve.h"
 
 namespace Quillon {
 
 /// The tone curves, in the order of their algorithms' values. Every choice by algorithm reads this.
-using ToneCurves = CurveList<ITU2390MaxRGBToneMap, ITU2390RGBByChannelToneMap, ITU2446AToneMap,
+using ToneCurves = CurveList<Bt2390MaxRGBToneMap, Bt2390RGBByChannelToneMap, Bt2446AToneMap,
                              HuePreservationToneMap, CARToneMap>;
 
 /// What is told of each, in the same order.

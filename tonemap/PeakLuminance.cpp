@@ -9,7 +9,7 @@
 #include "host/pavix/ColorSpaces.h"
 #include "tonemap/Algorithms.h"
 #include "tonemap/ColorSpaceMatch.h"
-#include "tonemap/PqTransfer.h"
+#include "tonemap/PQTransfer.h"
 
 namespace Quillon {
 
@@ -71,7 +71,7 @@ float GetPeakSignalFromMetaData(const ColorSpace& colorSpace, float defaultSigna
   }
   const auto peak = static_cast<float>(nits);
   Pixel pixel = {peak, peak, peak, 0.0F};
-  const CHR::TransferFunction encode = ObtainPqLinearToSignal();
+  const CHR::TransferFunction encode = ObtainPQLinearToSignal();
   if (!encode) return defaultSignal;
   encode(pixel.data(), 1.0F);
   if (MatchesBT2100PQ(colorSpace)) return pixel[0];

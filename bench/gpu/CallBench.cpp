@@ -37,8 +37,8 @@ PX::GamutMappingUtils::GamutMappingSettings SettingsFor(const PX::VideoFrameRef&
 
 std::vector<CallTime> TimeCalls(const DeviceRef& device, const Shape& shape) {
   constexpr int kRuns = 15;
-  constexpr std::uint8_t kPq = 16;
-  const PX::VideoFrameRef source = MakePicture(device, shape, Bt2020(kPq, 1000));
+  constexpr std::uint8_t kPQ = 16;
+  const PX::VideoFrameRef source = MakePicture(device, shape, Bt2020(kPQ, 1000));
   PX::VideoFrameRef destination = MakeOnDevice(device, shape, Bt709(1, 0));
   std::vector<CallTime> times;
   for (const auto& [algorithm, name] : kToneMaps) {

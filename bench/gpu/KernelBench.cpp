@@ -9,7 +9,7 @@
 #include "bench/Timing.h"
 #include "gpu/KernelTarget.h"
 #include "gpu/Kernels.h"
-#include "refhost/kestrel/GpuFrame.h"
+#include "refhost/kestrel/GPUFrame.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ Quillon::SupportVector ParamsFor(const Quillon::KernelSignature& kernel) {
       {Quillon::GamutCompressionReinhard::kFacts.kernel.name, {1.3F}},
       {Quillon::GamutCompressionDesaturation::kFacts.kernel.name, {0.2126F, 0.7152F, 0.0722F}},
       {Quillon::HuePreservationToneMap::kFacts.kernel.name, {4.926F, 0.5F, 1.0F}},
-      {Quillon::ITU2446AToneMap::kFacts.kernel.name, {13.26171F, 7.098651F, 0.396F, 1.0F}},
+      {Quillon::Bt2446AToneMap::kFacts.kernel.name, {13.26171F, 7.098651F, 0.396F, 1.0F}},
       {Quillon::CARToneMap::kFacts.kernel.name,
        {0.5F, 1.4F, 0.7F, 1.0F, 0.2126F, 0.7152F, 0.0722F}}};
   const auto found = kParams.find(kernel.name);
@@ -39,7 +39,7 @@ class Frames {
  public:
   Frames(const DeviceRef& device, const Shape& shape)
       : device_(device), picture_(MakePicture(device, shape, Bt2020(8, 0))) {
-    Check(KS::ViewGpuFrame(picture_, view_), "viewing a frame");
+    Check(KS::ViewGPUFrame(picture_, view_), "viewing a frame");
     for (std::size_t i = CountOfFrames(device->Info(), view_.Bytes()); i > 0; --i) {
       frames_.push_back(MakeOnDevice(device, shape, picture_->GetColorSpace()));
     }
@@ -48,8 +48,8 @@ class Frames {
   /// Seconds of a copy of the picture into a frame, done for all.
   double CopyPicture() {
     return SecondsEach([&](const PX::VideoFrameRef& frame) {
-      KS::GpuFrameView to;
-      Check(KS::ViewGpuFrame(frame, to), "viewing a frame");
+      KS::GPUFrameView to;
+      Check(KS::ViewGPUFrame(frame, to), "viewing a frame");
       Check(device_->Copy(view_.pixels, to.pixels, view_.Bytes()), "a copy");
     });
   }
@@ -82,7 +82,7 @@ class Frames {
 
   DeviceRef device_;
   PX::VideoFrameRef picture_;
-  KS::GpuFrameView view_;
+  KS::GPUFrameView view_;
   std::vector<PX::VideoFrameRef> frames_;
 };
 

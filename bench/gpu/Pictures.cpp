@@ -4,7 +4,7 @@
 #include "host/kestrel/CreateFrames.h"
 #include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/FrameView.h"
-#include "refhost/kestrel/GpuFrame.h"
+#include "refhost/kestrel/GPUFrame.h"
 #include "refhost/kestrel/PixelFormats.h"
 
 std::string Shape::Name() const {
@@ -46,8 +46,8 @@ PX::VideoFrameRef MakePicture(const DeviceRef& device, const Shape& shape,
 }
 
 std::vector<char> BytesOf(const PX::VideoFrameRef& frame) {
-  KS::GpuFrameView view;
-  Check(KS::ViewGpuFrame(frame, view), "viewing a frame");
+  KS::GPUFrameView view;
+  Check(KS::ViewGPUFrame(frame, view), "viewing a frame");
   std::vector<char> bytes(view.Bytes());
   Check(view.device->Download(view.pixels, bytes.data(), bytes.size()), "a download");
   return bytes;

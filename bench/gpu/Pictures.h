@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "host/pavix/IVideoFrame.h"
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 
-using DeviceRef = std::shared_ptr<IL::GpuDevice>;
+using DeviceRef = std::shared_ptr<IL::GPUDevice>;
 
 /// A size and a format of frames.
 struct Shape {

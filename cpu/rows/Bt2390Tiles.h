@@ -105,8 +105,8 @@ class Bt2390Stages {
 
   explicit Bt2390Stages(const RowCurves& curves)
       : curves_(curves),
-        highlight_(curves, Itu2390Params::kKneeStartLight, Itu2390Params{}),
-        white_(curves.toneParams[Itu2390Params::kReferenceWhite]) {}
+        highlight_(curves, Bt2390Params::kKneeStartLight, Bt2390Params{}),
+        white_(curves.toneParams[Bt2390Params::kReferenceWhite]) {}
 
   void Enter(Lanes* channels, int place, Scratch& scratch) const {
     if (!highlight_.Enter(channels, place, scratch.highlights)) {
@@ -144,7 +144,7 @@ class Bt2390Stages {
     Lanes nits[3];
     for (int c = 0; c < 3; ++c) {
       nits[c] = white_ * channels[c];
-      Store(scratch.indices[c] + place, TableIndex(nits[c], Bt2390Tables::kNits));
+      Store(scratch.indices[c] + place, TableIndex(nits[c], Bt2390Lookups::kNits));
     }
     const auto isBeyond = (LargestOfThree(nits[0], nits[1], nits[2]) > 10000.0F) |
                           (SmallestOfThree(nits[0], nits[1], nits[2]) < 0.0F);
@@ -189,7 +189,7 @@ class Bt2390Stages {
       const auto light = Load<PowerLanes>(nits + c * stride);
       isWithin = isWithin &&
                  AllOf((light <= 1e30F) & (light >= -1e30F) & (pq[c] >= 0.0F) & (pq[c] <= 1.0F));
-      Store(index[c], TableIndex(pq[c] / kDecodeStep, Bt2390Tables::kCodes));
+      Store(index[c], TableIndex(pq[c] / kDecodeStep, Bt2390Lookups::kCodes));
     }
     if (!isWithin) return MapThroughHost(beyond, first, last);
     for (int i = first; i < last; ++i) {
@@ -204,15 +204,15 @@ class Bt2390Stages {
 };
 
 struct ByChannel {
-  static void ApplyEetf(PowerLanes* pq, const Bt2390Params& params) { EetfByChannel(pq, params); }
+  static void ApplyEetf(PowerLanes* pq, const EetfParams& params) { EetfByChannel(pq, params); }
 };
 
 struct MaxRGB {
-  static void ApplyEetf(PowerLanes* pq, const Bt2390Params& params) { EetfMaxRGB(pq, params); }
+  static void ApplyEetf(PowerLanes* pq, const EetfParams& params) { EetfMaxRGB(pq, params); }
 };
 
 template <>
-class TileForm<ITU2390RGBByChannelToneMap> : public Bt2390Stages<ByChannel> {
+class TileForm<Bt2390RGBByChannelToneMap> : public Bt2390Stages<ByChannel> {
  public:
   using Bt2390Stages::Bt2390Stages;
 
@@ -223,7 +223,7 @@ class TileForm<ITU2390RGBByChannelToneMap> : public Bt2390Stages<ByChannel> {
 };
 
 template <>
-class TileForm<ITU2390MaxRGBToneMap> : public Bt2390Stages<MaxRGB> {
+class TileForm<Bt2390MaxRGBToneMap> : public Bt2390Stages<MaxRGB> {
  public:
   using Bt2390Stages::Bt2390Stages;
 
@@ -253,7 +253,7 @@ class TileForm<ITU2390MaxRGBToneMap> : public Bt2390Stages<MaxRGB> {
       const auto ratio = Load<Lanes>(ratios + i);
       for (int c = 0; c < 3; ++c) {
         const Lanes place = ratio * Load<Lanes>(encoded.plane[c] + i) / kDecodeStep;
-        Store(indices[c] + i, TableIndex(place, Bt2390Tables::kCodes));
+        Store(indices[c] + i, TableIndex(place, Bt2390Lookups::kCodes));
       }
     }
   }

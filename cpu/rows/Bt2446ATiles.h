@@ -9,15 +9,15 @@ namespace Quillon {
 namespace {
 
 template <>
-class TileForm<ITU2446AToneMap> {
+class TileForm<Bt2446AToneMap> {
  public:
   struct Scratch {};
 
   explicit TileForm(const RowCurves& curves)
-      : scale_(curves.toneParams[Itu2446AParams::kInputScale] * curves.controls.peakGain),
-        rhoHdr_(curves.toneParams[Itu2446AParams::kRhoHdr]),
-        rhoSdr_(curves.toneParams[Itu2446AParams::kRhoSdr]),
-        outputScale_(curves.toneParams[Itu2446AParams::kOutputScale]),
+      : scale_(curves.toneParams[Bt2446AParams::kInputScale] * curves.controls.peakGain),
+        rhoHdr_(curves.toneParams[Bt2446AParams::kRhoHdr]),
+        rhoSdr_(curves.toneParams[Bt2446AParams::kRhoSdr]),
+        outputScale_(curves.toneParams[Bt2446AParams::kOutputScale]),
         colorPreservation_(curves.controls.colorPreservation) {}
 
   void Enter(Lanes* channels, int /*place*/, Scratch& /*scratch*/) const {

@@ -76,7 +76,7 @@ class HighlightTone {
   using Scratch = Highlights;
 
   explicit HighlightTone(const RowCurves& curves)
-      : highlight_(curves, Itu2390Params::kKneeStartLight, Itu2390Params{}) {}
+      : highlight_(curves, Bt2390Params::kKneeStartLight, Bt2390Params{}) {}
 
   void Enter(Lanes* channels, int place, Scratch& scratch) const {
     highlight_.Enter(channels, place, scratch);

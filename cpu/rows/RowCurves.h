@@ -23,7 +23,7 @@ inline constexpr auto kRowToneOf = static_cast<RowTone>(PlaceIn<Curve>(ToneCurve
 
 /// BT.2390 for every whole number of nits from 0 to 9999, and for every entry of the PQ decoding
 /// table: the curve's own arithmetic on all that the two PQ tables can give.
-struct Bt2390Tables {
+struct Bt2390Lookups {
   static constexpr int kNits = 10000;
   static constexpr int kCodes = 8191;
   const float* mapped;   ///< by channel, by nits: result of the curve, 1.0 at white
@@ -39,8 +39,8 @@ struct RowCurves {
   const float* gamutParams = nullptr;
   const float* toneParams = nullptr;
   orvmediatypes::color::ToneMapControls controls;
-  Bt2390Params eetf{};
-  Bt2390Tables tables{};
+  EetfParams eetf{};
+  Bt2390Lookups tables{};
   /// Whether the host encodes PQ as curves/St2084.h has it, so that light beyond the tables need
   /// not go through the host a pixel at a time.
   bool encodesAsSt2084 = false;

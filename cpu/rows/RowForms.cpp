@@ -45,9 +45,9 @@ bool HasSameBits(const SupportVector& first, const SupportVector& second) {
   });
 }
 
-template <Itu2390Form form>
+template <Bt2390Form form>
 void MapBeyondTables(const RowCurves& curves, float* pixel) {
-  ApplyItu2390(form, curves.toneParams, pixel);
+  ApplyBt2390(form, curves.toneParams, pixel);
 }
 
 /// A curve that needs nothing for its rows.
@@ -60,19 +60,19 @@ bool BindCurve(const Curve& /*curve*/, const SupportVector& /*params*/, RowCurve
 template <class Curve>
   requires requires(Curve curve) { curve.tables; }
 bool BindCurve(const Curve& curve, const SupportVector& params, RowCurves& curves) {
-  if (params[Itu2390Params::kKneeStart] >= 1.0F) {
+  if (params[Bt2390Params::kKneeStart] >= 1.0F) {
     curves.tone = RowTone::HighlightOnly;
     return true;
   }
   // None are built here: a band neither allocates nor builds what all bands share.
-  const Itu2390Tables* tables = curve.tables.get();
+  const Bt2390Tables* tables = curve.tables.get();
   if (tables == nullptr || !HasSameBits(tables->params, params)) return false;
   curves.tone = kRowToneOf<Curve>;
   curves.tables = {.mapped = tables->mapped.data(),
                    .encoded = tables->encoded.data(),
                    .ratio = tables->ratio.data(),
                    .decoded = tables->decoded.data()};
-  curves.eetf = Itu2390CurveParams(params.data());
+  curves.eetf = EetfParamsOf(params.data());
   curves.encodesAsSt2084 = tables->hostEncodesAsSt2084;
   curves.mapBeyondTables = MapBeyondTables<Curve::kForm>;
   return true;

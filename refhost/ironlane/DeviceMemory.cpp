@@ -2,7 +2,7 @@
 
 namespace IL {
 
-int DeviceMemory::Allocate(const std::shared_ptr<GpuDevice>& device, std::size_t bytes,
+int DeviceMemory::Allocate(const std::shared_ptr<GPUDevice>& device, std::size_t bytes,
                            std::unique_ptr<DeviceMemory>& memory) {
   std::uint64_t pointer = 0;
   const int result = device->Allocate(bytes, pointer);

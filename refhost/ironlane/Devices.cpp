@@ -21,7 +21,7 @@ struct BackEnd {
   std::int32_t platformKind;
   std::string_view prefix;  // of its devices' names
   std::vector<DeviceInfo> (*list)();
-  std::shared_ptr<GpuDevice> (*open)(std::int32_t ordinal);
+  std::shared_ptr<GPUDevice> (*open)(std::int32_t ordinal);
 };
 
 constexpr std::array<BackEnd, 2> kBackEnds = {{
@@ -65,14 +65,14 @@ std::vector<DeviceInfo> ListDevices() {
   return devices;
 }
 
-std::shared_ptr<GpuDevice> OpenDevice(std::int32_t platformKind, std::int32_t ordinal) {
+std::shared_ptr<GPUDevice> OpenDevice(std::int32_t platformKind, std::int32_t ordinal) {
   static std::mutex mutex;
-  static std::map<std::pair<std::int32_t, std::int32_t>, std::weak_ptr<GpuDevice>> open;
+  static std::map<std::pair<std::int32_t, std::int32_t>, std::weak_ptr<GPUDevice>> open;
   const BackEnd* const backEnd = FindBackEnd(platformKind);
   if (backEnd == nullptr) return nullptr;
   const std::lock_guard lock(mutex);
-  std::weak_ptr<GpuDevice>& known = open[{platformKind, ordinal}];
-  std::shared_ptr<GpuDevice> device = known.lock();
+  std::weak_ptr<GPUDevice>& known = open[{platformKind, ordinal}];
+  std::shared_ptr<GPUDevice> device = known.lock();
   if (device != nullptr && !device->IsLost()) return device;
   device = backEnd->open(ordinal);
   known = device;
@@ -85,7 +85,7 @@ std::vector<DeviceInfo> InOrderOfChoice(std::vector<DeviceInfo> devices) {
   return devices;
 }
 
-std::shared_ptr<GpuDevice> OpenFirstDevice() {
+std::shared_ptr<GPUDevice> OpenFirstDevice() {
   for (const DeviceInfo& info : InOrderOfChoice(ListDevices())) {
     auto device = OpenDevice(info.platformKind, info.ordinal);
     if (device != nullptr && BuildsKernels(*device)) return device;
@@ -93,7 +93,7 @@ std::shared_ptr<GpuDevice> OpenFirstDevice() {
   return nullptr;
 }
 
-bool BuildsKernels(GpuDevice& device) {
+bool BuildsKernels(GPUDevice& device) {
   return device.LoadKernel("ToneMapMain", "ToneMapKernelITU2446A") != nullptr &&
          device.LoadKernel("PixelConversion", "ConvertPixels") != nullptr;
 }

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 
 namespace IL {
 
@@ -27,17 +27,17 @@ std::vector<DeviceInfo> ListDevices();
 
 /// A device made ready for work; one that is in use already is shared. Null when there is none of
 /// this kind and ordinal, or it cannot be used; the trace then says why.
-std::shared_ptr<GpuDevice> OpenDevice(std::int32_t platformKind, std::int32_t ordinal);
+std::shared_ptr<GPUDevice> OpenDevice(std::int32_t platformKind, std::int32_t ordinal);
 
 /// In the order in which one is chosen: GPUs before processors, else as they are.
 std::vector<DeviceInfo> InOrderOfChoice(std::vector<DeviceInfo> devices);
 
 /// The first device in that order that runs the kernels; null when none does, and the trace then
 /// says why of each.
-std::shared_ptr<GpuDevice> OpenFirstDevice();
+std::shared_ptr<GPUDevice> OpenFirstDevice();
 
 /// Whether the kernels build on a device; the trace says why not.
-bool BuildsKernels(GpuDevice& device);
+bool BuildsKernels(GPUDevice& device);
 
 /// Whether kernels for CUDA are within this library; without them CUDA devices cannot be used.
 bool IsBuiltForCuda();

@@ -8,6 +8,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/StillError.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -5,6 +5,8 @@
 #include "tests/tools/RunQuillon.h"
 #include "tests/tools/video/ClipFiles.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 
 namespace {

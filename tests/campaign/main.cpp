@@ -9,6 +9,8 @@
 #include "tests/tools/ScratchFolder.h"
 #include "tools/quillon/video/AvLog.h"
 
+using namespace Quillon::Cli;
+
 /// Attacks the command line with seeded cases and tells which of them went wrong.
 
 namespace {

@@ -6,8 +6,8 @@
 #include "cpu/QuillonImpl.h"
 #include "tests/cpu/AllocationCount.h"
 #include "tests/host/HostTest.h"
-#include "tonemap/Itu2390.h"
-#include "tonemap/PqTables.h"
+#include "tonemap/Bt2390.h"
+#include "tonemap/PQTables.h"
 
 namespace {
 
@@ -130,8 +130,8 @@ TEST_F(NoAllocation, HasTheTablesOfBt2390BuiltOnceFromTheRecyclerAndBeforeTheFir
 /// The tables of BT.2390 on the maximum that the tests above are about.
 TEST_F(NoAllocation, HasTablesOnlyForTheFirstOfTheSignals) {
   for (const Signals& signals : kSignals) {
-    const Bt2390Params curve = MakeBt2390Params(signals.sourceBlack, signals.sourcePeak,
-                                                signals.destinationBlack, signals.destinationPeak);
+    const EetfParams curve = MakeEetfParams(signals.sourceBlack, signals.sourcePeak,
+                                            signals.destinationBlack, signals.destinationPeak);
     const Quillon::SupportVector params = {signals.sourceBlack,
                                            1.0F,
                                            0.0F,
@@ -145,7 +145,7 @@ TEST_F(NoAllocation, HasTablesOnlyForTheFirstOfTheSignals) {
                                            0.25F,
                                            0.5F,
                                            0.25F};
-    EXPECT_EQ(MakeItu2390Tables(Quillon::Itu2390Form::MaxRGB, params) != nullptr,
+    EXPECT_EQ(MakeBt2390Tables(Quillon::Bt2390Form::MaxRGB, params) != nullptr,
               &signals == kSignals)
         << signals.name;
   }

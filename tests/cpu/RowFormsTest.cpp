@@ -22,9 +22,9 @@
 
 namespace {
 
+using Quillon::Bt2390MaxRGBToneMap;
+using Quillon::Bt2390RGBByChannelToneMap;
 using Quillon::InstructionSet;
-using Quillon::ITU2390MaxRGBToneMap;
-using Quillon::ITU2390RGBByChannelToneMap;
 using Quillon::SupportVector;
 using Settings = PX::GamutMappingUtils::GamutMappingSettings;
 
@@ -46,7 +46,7 @@ struct Gamut {
 /// A BT.2390 curve with what the engine gives it: tables for these parameters, where they can be.
 template <class Curve>
 Curve WithTables(const SupportVector& params) {
-  return Curve{MakeItu2390Tables(Curve::kForm, params)};
+  return Curve{MakeBt2390Tables(Curve::kForm, params)};
 }
 
 /// From 1000 to 203 nits, all values in units of 203 nits; BT.709 weights.
@@ -75,22 +75,17 @@ std::vector<Tone> Tones() {
        0.1F},
       {"car", Quillon::CARToneMap{}, car},
       {"car, threshold above the peak", Quillon::CARToneMap{}, car, 0.3F, 2.0F, 0.0F},
-      {"bt2446a", Quillon::ITU2446AToneMap{}, bt2446a, 1000.0F},
-      {"bt2446a, gained",
-       Quillon::ITU2446AToneMap{},
-       {1.0F, 0.5F, 1.0F, 2.0F},
-       1000.0F,
-       1.3F,
-       1.0F},
-      {"bt2390 max", WithTables<ITU2390MaxRGBToneMap>(bt2390), bt2390},
-      {"bt2390 max, lifted", WithTables<ITU2390MaxRGBToneMap>(lifted), lifted, 5.0F, 1.5F, 0.0F},
-      {"bt2390 max, beyond", WithTables<ITU2390MaxRGBToneMap>(beyond), beyond},
-      {"bt2390 max, knee at peak", WithTables<ITU2390MaxRGBToneMap>(kneeAtPeak), kneeAtPeak},
-      {"bt2390 channel", WithTables<ITU2390RGBByChannelToneMap>(bt2390), bt2390},
-      {"bt2390 channel, lifted", WithTables<ITU2390RGBByChannelToneMap>(lifted), lifted, 5.0F, 1.5F,
+      {"bt2446a", Quillon::Bt2446AToneMap{}, bt2446a, 1000.0F},
+      {"bt2446a, gained", Quillon::Bt2446AToneMap{}, {1.0F, 0.5F, 1.0F, 2.0F}, 1000.0F, 1.3F, 1.0F},
+      {"bt2390 max", WithTables<Bt2390MaxRGBToneMap>(bt2390), bt2390},
+      {"bt2390 max, lifted", WithTables<Bt2390MaxRGBToneMap>(lifted), lifted, 5.0F, 1.5F, 0.0F},
+      {"bt2390 max, beyond", WithTables<Bt2390MaxRGBToneMap>(beyond), beyond},
+      {"bt2390 max, knee at peak", WithTables<Bt2390MaxRGBToneMap>(kneeAtPeak), kneeAtPeak},
+      {"bt2390 channel", WithTables<Bt2390RGBByChannelToneMap>(bt2390), bt2390},
+      {"bt2390 channel, lifted", WithTables<Bt2390RGBByChannelToneMap>(lifted), lifted, 5.0F, 1.5F,
        0.0F},
-      {"bt2390 channel, beyond", WithTables<ITU2390RGBByChannelToneMap>(beyond), beyond},
-      {"bt2390 channel, knee at peak", WithTables<ITU2390RGBByChannelToneMap>(kneeAtPeak),
+      {"bt2390 channel, beyond", WithTables<Bt2390RGBByChannelToneMap>(beyond), beyond},
+      {"bt2390 channel, knee at peak", WithTables<Bt2390RGBByChannelToneMap>(kneeAtPeak),
        kneeAtPeak},
   };
 }
@@ -332,9 +327,9 @@ TEST_P(RowForms, AreNotThereForBt2390WithoutTablesForItsParameters) {
   SupportVector others = params;
   others[8] = 0.4F;
   for (const Quillon::ToneMapPixelFunction& function : std::vector<Quillon::ToneMapPixelFunction>{
-           ITU2390MaxRGBToneMap{}, ITU2390RGBByChannelToneMap{},
-           WithTables<ITU2390MaxRGBToneMap>(others),
-           WithTables<ITU2390RGBByChannelToneMap>(others)}) {
+           Bt2390MaxRGBToneMap{}, Bt2390RGBByChannelToneMap{},
+           WithTables<Bt2390MaxRGBToneMap>(others),
+           WithTables<Bt2390RGBByChannelToneMap>(others)}) {
     EXPECT_FALSE(Compare(Gamuts()[0], {"bt2390", function, params}, Picture(100)));
   }
 }
@@ -367,14 +362,14 @@ std::vector<float>& HandedToTheHost() {
   return kLight;
 }
 
-TEST(RowFormsOfTheEngine, AskAHostWithAnotherPqForEveryPixelBeyondTheTables) {
-  const auto tables = MakeItu2390Tables(Quillon::Itu2390Form::ByChannel, Tones()[11].params);
+TEST(RowFormsOfTheEngine, AskAHostWithAnotherPQForEveryPixelBeyondTheTables) {
+  const auto tables = MakeBt2390Tables(Quillon::Bt2390Form::ByChannel, Tones()[11].params);
   const SupportVector params = Tones()[11].params;
   Quillon::RowCurves curves;
-  curves.tone = Quillon::kRowToneOf<ITU2390RGBByChannelToneMap>;
+  curves.tone = Quillon::kRowToneOf<Bt2390RGBByChannelToneMap>;
   curves.toneParams = params.data();
   curves.controls = {.peak = 5.0F, .colorPreservation = 0.0F};
-  curves.eetf = Quillon::Itu2390CurveParams(params.data());
+  curves.eetf = Quillon::EetfParamsOf(params.data());
   curves.tables.mapped = tables->mapped.data();
   curves.tables.decoded = tables->decoded.data();
   curves.mapBeyondTables = [](const Quillon::RowCurves&, float* pixel) {

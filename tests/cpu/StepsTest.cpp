@@ -284,7 +284,7 @@ TEST_F(Steps, RefuseParametersThatAFailedConversionLeftShort) {
   }
 }
 
-TEST_F(Steps, RefuseBT2390ParametersWithoutRangeOrKnee) {
+TEST_F(Steps, RefuseBt2390ParametersWithoutRangeOrKnee) {
   // PQ code values of source black, source peak, destination black and destination peak.
   struct Case {
     const char* name;

@@ -16,9 +16,9 @@
 #include "host/chromant/TransferFunctions.h"
 #include "tests/Meeting.h"
 #include "tests/host/HostTest.h"
+#include "tonemap/Bt2390.h"
 #include "tonemap/CarToneCurve.h"
-#include "tonemap/Itu2390.h"
-#include "tonemap/PqTables.h"
+#include "tonemap/PQTables.h"
 #include "tonemap/SupportParams.h"
 
 namespace {
@@ -84,14 +84,14 @@ class WarmUp : public scripted::HostTest {
 
 constexpr std::size_t kPlacesBeyond = 989;
 
-TEST_F(WarmUp, BuildsThePqTablesOnceAndBeforeAnyThreadForBothFormsOfBt2390) {
+TEST_F(WarmUp, BuildsThePQTablesOnceAndBeforeAnyThreadForBothFormsOfBt2390) {
   for (const int toneMap : {2, 3}) {
     ExpectToHoldInAChild(
         [&] { ExpectTablesBuiltOnceAndBeforeAnyThread(toneMap, 0.5F, kPlacesBeyond); });
   }
 }
 
-TEST_F(WarmUp, BuildsThePqTablesForAKneeAbove1AndAsksForNoLightBeyondThem) {
+TEST_F(WarmUp, BuildsThePQTablesForAKneeAbove1AndAsksForNoLightBeyondThem) {
   for (const int toneMap : {2, 3}) {
     ExpectToHoldInAChild([&] { ExpectTablesBuiltOnceAndBeforeAnyThread(toneMap, 1.0F, 0); });
   }
@@ -182,11 +182,11 @@ TEST_F(WarmUp, BuildsTheTablesOfACallInTheDefaultFloatingPointMode) {
     const Quillon::SupportVector params = {0.0F,      0.751827F, 0.0F,       0.5806888F, 203.0F,
                                            0.751827F, 0.01F,     0.7723702F, 0.6585553F, 0.3F,
                                            0.2126F,   0.7152F,   0.0722F};
-    for (const auto form : {Quillon::Itu2390Form::MaxRGB, Quillon::Itu2390Form::ByChannel}) {
+    for (const auto form : {Quillon::Bt2390Form::MaxRGB, Quillon::Bt2390Form::ByChannel}) {
       std::fesetround(FE_UPWARD);
-      const auto upward = MakeItu2390Tables(form, params);
+      const auto upward = MakeBt2390Tables(form, params);
       std::fesetround(FE_TONEAREST);
-      const auto nearest = MakeItu2390Tables(form, params);
+      const auto nearest = MakeBt2390Tables(form, params);
       EXPECT_EQ(upward->decoded, nearest->decoded);
       EXPECT_EQ(upward->mapped, nearest->mapped);
       EXPECT_EQ(upward->ratio, nearest->ratio);

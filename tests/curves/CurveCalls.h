@@ -65,8 +65,8 @@ QUILLON_FUNCTION void CallHighlightDesaturation(const float* in, float* out) {
   DesaturateHighlight(out, in[3], in[4], in[5], in[6], in[7], in[8], in[9]);
 }
 
-QUILLON_FUNCTION Bt2390Params Bt2390ParamsOf(const float* in) {
-  Bt2390Params params;
+QUILLON_FUNCTION EetfParams EetfParamsOf(const float* in) {
+  EetfParams params;
   params.sourceBlack = in[0];
   params.sourceRange = in[1];
   params.kneeStart = in[2];
@@ -77,12 +77,12 @@ QUILLON_FUNCTION Bt2390Params Bt2390ParamsOf(const float* in) {
 
 QUILLON_FUNCTION void CallEetfByChannel(const float* in, float* out) {
   CopyPixel(in, out);
-  EetfByChannel(out, Bt2390ParamsOf(in + 3));
+  EetfByChannel(out, EetfParamsOf(in + 3));
 }
 
 QUILLON_FUNCTION void CallEetfMaxRGB(const float* in, float* out) {
   CopyPixel(in, out);
-  EetfMaxRGB(out, Bt2390ParamsOf(in + 3));
+  EetfMaxRGB(out, EetfParamsOf(in + 3));
 }
 
 /// Black and peak of source and destination, reference white, gain, peak, colour preservation.

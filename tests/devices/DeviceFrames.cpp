@@ -14,7 +14,7 @@
 #include "host/kestrel/CreateFrames.h"
 #include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/FrameView.h"
-#include "refhost/kestrel/GpuFrame.h"
+#include "refhost/kestrel/GPUFrame.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 
@@ -72,7 +72,7 @@ void ForEachPlace(const PX::VideoFrameRef& frame, Visit visit) {
 
 }  // namespace
 
-PX::VideoFrameRef MakeGpuFrame(const std::shared_ptr<IL::GpuDevice>& device, PixelFormat format,
+PX::VideoFrameRef MakeGPUFrame(const std::shared_ptr<IL::GPUDevice>& device, PixelFormat format,
                                int width, int height, const ColorSpace& colorSpace) {
   PX::VideoFrameRef frame;
   EXPECT_EQ(KS::CreateGPUVideoFrame(frame, device, format, width, height, {}, {}, {}, colorSpace, 0,
@@ -93,18 +93,18 @@ PX::VideoFrameRef MakeSystemFrame(PixelFormat format, int width, int height,
   return frame;
 }
 
-PX::VideoFrameRef OnGpu(const std::shared_ptr<IL::GpuDevice>& device,
+PX::VideoFrameRef OnGPU(const std::shared_ptr<IL::GPUDevice>& device,
                         const PX::VideoFrameRef& frame) {
   const orvcore::geom::Bounds bounds = frame->GetBounds();
-  PX::VideoFrameRef onGpu = MakeGpuFrame(device, frame->GetPixelFormat(), bounds.width,
+  PX::VideoFrameRef onGPU = MakeGPUFrame(device, frame->GetPixelFormat(), bounds.width,
                                          bounds.height, frame->GetColorSpace());
-  EXPECT_EQ(KS::GPUFrameManipulators::CopyFrame(frame, onGpu, 4, {}), 0);
-  return onGpu;
+  EXPECT_EQ(KS::GPUFrameManipulators::CopyFrame(frame, onGPU, 4, {}), 0);
+  return onGPU;
 }
 
 Pixels PixelsOf(const PX::VideoFrameRef& frame) {
   PX::VideoFrameRef inMemory = frame;
-  if (KS::IsOnGpu(frame)) {
+  if (KS::IsOnGPU(frame)) {
     inMemory = MakeLike(frame);
     EXPECT_EQ(KS::GPUFrameManipulators::CopyFrame(frame, inMemory, 4, {}), 0);
   }
@@ -172,7 +172,7 @@ void ExpectSameBits(const Pixels& actual, const Pixels& expected) {
   }
 }
 
-void ExpectComputed(const IL::GpuDevice& device, const Pixels& actual, const Pixels& expected) {
+void ExpectComputed(const IL::GPUDevice& device, const Pixels& actual, const Pixels& expected) {
   SCOPED_TRACE(testing::Message() << device.Info().name);
   if (device.Info().isExact) return ExpectSameBits(actual, expected);
   ASSERT_EQ(actual.size(), expected.size());

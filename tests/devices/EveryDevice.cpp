@@ -10,7 +10,7 @@ std::string TestDevice::TestName() const {
   return name;
 }
 
-std::shared_ptr<IL::GpuDevice> TestDevice::Open() const {
+std::shared_ptr<IL::GPUDevice> TestDevice::Open() const {
   return IL::OpenDevice(platformKind, ordinal);
 }
 

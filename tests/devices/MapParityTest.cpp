@@ -145,16 +145,16 @@ class MapOnDevice : public testing::TestWithParam<Case> {
     const GamutMappingSettings settings = SettingsFor(from, to, algorithm, gamut);
     const auto source =
         MakeSystemFrame(KS::kBgraFloat, width, height, from, NotablePixels(width, height, 77));
-    const auto onGpu = OnGpu(device_, source);
-    PX::VideoFrameRef result = MakeGpuFrame(device_, KS::kBgraFloat, width, height, to);
-    ASSERT_EQ(Quillon::ApplyGamutMapping(onGpu, settings, result), 0);
+    const auto onGPU = OnGPU(device_, source);
+    PX::VideoFrameRef result = MakeGPUFrame(device_, KS::kBgraFloat, width, height, to);
+    ASSERT_EQ(Quillon::ApplyGamutMapping(onGPU, settings, result), 0);
     ExpectComputed(*device_, PixelsOf(result), Expected(source, settings, width, height));
   }
 
-  const std::shared_ptr<IL::GpuDevice> device_ = std::get<0>(GetParam()).Open();
+  const std::shared_ptr<IL::GPUDevice> device_ = std::get<0>(GetParam()).Open();
 };
 
-TEST_P(MapOnDevice, GivesPqTheBitsOfTheProcessor) {
+TEST_P(MapOnDevice, GivesPQTheBitsOfTheProcessor) {
   for (const auto& [width, height] : {std::pair{1, 1}, {2, 3}, {17, 5}, {64, 1}, {70, 35}}) {
     SCOPED_TRACE(testing::Message() << width << " x " << height);
     ExpectSameAsProcessor(Space(9, 16, 1000), Space(1, 13), width, height);
@@ -186,57 +186,57 @@ INSTANTIATE_TEST_SUITE_P(EveryAlgorithm, MapOnDevice,
                          NameOfCase);
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(MapOnDevice);
 
-class GpuPipeline : public OnDevice {};
+class GPUPipeline : public OnDevice {};
 
-TEST_P(GpuPipeline, RefusesFramesInDifferentPlaces) {
+TEST_P(GPUPipeline, RefusesFramesInDifferentPlaces) {
   const Pixels pixels = NotablePixels(4, 4, 1);
   auto inMemory = MakeSystemFrame(KS::kBgraFloat, 4, 4, Space(9, 16), pixels);
-  auto onGpu = OnGpu(device_, inMemory);
+  auto onGPU = OnGPU(device_, inMemory);
   const auto settings =
       SettingsFor(Space(9, 16), Space(1, 13), ToneMapAlgorithmType::HuePreservationDesaturation,
                   GamutCompressionAlgorithmType::None);
   constexpr int kNotSupported = static_cast<int>(0xA00F000CU);
-  EXPECT_EQ(Quillon::ApplyGamutMapping(inMemory, settings, onGpu), kNotSupported);
-  EXPECT_EQ(Quillon::ApplyGamutMapping(onGpu, settings, inMemory), kNotSupported);
-  ExpectSameBits(PixelsOf(onGpu), pixels);
+  EXPECT_EQ(Quillon::ApplyGamutMapping(inMemory, settings, onGPU), kNotSupported);
+  EXPECT_EQ(Quillon::ApplyGamutMapping(onGPU, settings, inMemory), kNotSupported);
+  ExpectSameBits(PixelsOf(onGPU), pixels);
 }
 
-TEST_P(GpuPipeline, WorksOnALinearSourceInPlace) {
+TEST_P(GPUPipeline, WorksOnALinearSourceInPlace) {
   const auto settings = SettingsFor(Space(9, 8, 4000), Space(9, 8, 600),
                                     ToneMapAlgorithmType::HuePreservationDesaturation,
                                     GamutCompressionAlgorithmType::None);
   const auto inMemory =
       MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 8, 4000), NotablePixels(9, 4, 1));
-  auto frame = OnGpu(device_, inMemory);
+  auto frame = OnGPU(device_, inMemory);
   ASSERT_EQ(Quillon::ApplyGamutMapping(frame, settings, frame), 0);
   PX::VideoFrameRef expected = inMemory;
   ASSERT_EQ(Quillon::ApplyGamutMapping(inMemory, settings, expected), 0);
   ExpectComputed(*device_, PixelsOf(frame), PixelsOf(expected));
 }
 
-TEST_P(GpuPipeline, MapsHalfFramesAndRoundsThemBetweenSteps) {
+TEST_P(GPUPipeline, MapsHalfFramesAndRoundsThemBetweenSteps) {
   const auto settings = SettingsFor(Space(9, 8, 4000), Space(9, 8, 600),
                                     ToneMapAlgorithmType::HuePreservationDesaturation,
                                     GamutCompressionAlgorithmType::None);
   const Pixels pixels = RoundedToHalf(NotablePixels(33, 9, 5));
-  auto half = OnGpu(device_, MakeSystemFrame(KS::kBgraHalf, 33, 9, Space(9, 8, 4000), pixels));
+  auto half = OnGPU(device_, MakeSystemFrame(KS::kBgraHalf, 33, 9, Space(9, 8, 4000), pixels));
   ASSERT_EQ(Quillon::ApplyGamutMapping(half, settings, half), 0);
   auto whole = MakeSystemFrame(KS::kBgraFloat, 33, 9, Space(9, 8, 4000), pixels);
   ASSERT_EQ(Quillon::ApplyGamutMapping(whole, settings, whole), 0);
   ExpectComputed(*device_, PixelsOf(half), RoundedToHalf(PixelsOf(whole)));
 }
 
-TEST_P(GpuPipeline, CopiesWhereNothingApplies) {
+TEST_P(GPUPipeline, CopiesWhereNothingApplies) {
   const auto settings = SettingsFor(Space(9, 16), Space(9, 16), ToneMapAlgorithmType::None,
                                     GamutCompressionAlgorithmType::None);
   const Pixels pixels = NotablePixels(9, 4, 2);
-  const auto source = OnGpu(device_, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 16), pixels));
-  PX::VideoFrameRef destination = MakeGpuFrame(device_, KS::kBgraFloat, 9, 4, Space(9, 16));
+  const auto source = OnGPU(device_, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 16), pixels));
+  PX::VideoFrameRef destination = MakeGPUFrame(device_, KS::kBgraFloat, 9, 4, Space(9, 16));
   ASSERT_EQ(Quillon::ApplyGamutMapping(source, settings, destination), 0);
   ExpectSameBits(PixelsOf(destination), pixels);
 }
 
-TEST_P(GpuPipeline, RefusesFramesOnDifferentDevices) {
+TEST_P(GPUPipeline, RefusesFramesOnDifferentDevices) {
   if (GetParam().platformKind != IL::kPlatformOpenCl) GTEST_SKIP() << "not an OpenCL device";
   // The same hardware, but another context: neither knows the other's memory.
   const auto other = IL::OpenOpenClDevice(GetParam().ordinal);
@@ -246,17 +246,17 @@ TEST_P(GpuPipeline, RefusesFramesOnDifferentDevices) {
        {GamutCompressionAlgorithmType::None, GamutCompressionAlgorithmType::Desaturation}) {
     const auto settings = SettingsFor(Space(9, 16), Space(1, 13),
                                       ToneMapAlgorithmType::HuePreservationDesaturation, gamut);
-    const auto source = OnGpu(device_, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 16), pixels));
+    const auto source = OnGPU(device_, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 16), pixels));
     PX::VideoFrameRef destination =
-        OnGpu(other, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(1, 13), pixels));
+        OnGPU(other, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(1, 13), pixels));
     EXPECT_LT(Quillon::ApplyGamutMapping(source, settings, destination), 0);
     ExpectSameBits(PixelsOf(destination), pixels);
     ExpectSameBits(PixelsOf(source), pixels);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryDevice, GpuPipeline, testing::ValuesIn(EveryDevice()),
+INSTANTIATE_TEST_SUITE_P(EveryDevice, GPUPipeline, testing::ValuesIn(EveryDevice()),
                          DeviceTestName);
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GpuPipeline);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GPUPipeline);
 
 }  // namespace

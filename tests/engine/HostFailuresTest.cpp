@@ -3,7 +3,7 @@
 #include "engine/Quillon.h"
 #include "tests/engine/Pipeline.h"
 #include "tests/host/EveryFailure.h"
-#include "tonemap/PqTables.h"
+#include "tonemap/PQTables.h"
 
 /// Every single host call of whole runs, made to throw, to yield nothing or to fail, in turn.
 
@@ -147,7 +147,7 @@ TEST_F(HostFailures, AFailedAllocationPassesWithNothingLeaked) {
 }
 
 TEST_F(HostFailures, AFailedOnePixelConversionIsNotAFailureOfTheCall) {
-  for (int nth = 2; nth <= 3; ++nth) {  // the first linearises the frame
+  for (int nth = 2; nth <= 3; ++nth) {  // the first linearizes the frame
     host.Reset();
     const Road& road = kRoads[1];
     EXPECT_EQ(Run(road, [&] { host.FailWithCode("CHR::ConvertFrame", -5, nth); }), 0);

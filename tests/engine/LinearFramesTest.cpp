@@ -58,7 +58,7 @@ class LinearFrames : public scripted::HostTest {
   PX::VideoFrameRef working;
 };
 
-TEST_F(LinearFrames, LineariseIntoTheDestinationWhenBothAreLinearFloatBGRA) {
+TEST_F(LinearFrames, LinearizeIntoTheDestinationWhenBothAreLinearFloatBGRA) {
   Make(orvmediatypes::kLinearFloatBGRA, orvmediatypes::kLinearFloatBGRA);
   EXPECT_EQ(Get(), 0);
   EXPECT_THAT(CallsWithoutData(),
@@ -81,7 +81,7 @@ TEST_F(LinearFrames, LineariseIntoTheDestinationWhenBothAreLinearFloatBGRA) {
   EXPECT_EQ(StrongCount(source), 1);
 }
 
-TEST_F(LinearFrames, LeaveTheDestinationsTagWhenTheyLineariseIntoIt) {
+TEST_F(LinearFrames, LeaveTheDestinationsTagWhenTheyLinearizeIntoIt) {
   Make(orvmediatypes::kLinearFloatBGRA, orvmediatypes::kLinearFloatBGRA);
   EXPECT_EQ(Get(), 0);
   EXPECT_EQ(FrameOf(destination).Setup().colors, scripted::kSDR);

@@ -182,7 +182,7 @@ TEST_F(GPUPipeline, ToneMapAlgorithms0And7AreRefusedAlsoWhenTracingIsOff) {
   }
 }
 
-TEST_F(GPUPipeline, BothBT2390KernelsTakeTheSameFloatsAndNoneOfEntries5To9) {
+TEST_F(GPUPipeline, BothBt2390KernelsTakeTheSameFloatsAndNoneOfEntries5To9) {
   const auto floatsOf = [&](int algorithm) {
     host.Reset();
     host.results.toneMappingApplicable = true;

@@ -38,7 +38,7 @@ std::string DescribePixels(const void* pixels, int width, int height) {
 }
 
 /// SMPTE ST 2084 in double precision; 0 for every input at or below 0.
-float PqToNits(float signal) {
+float PQToNits(float signal) {
   if (!(signal > 0.0F)) return std::isnan(signal) ? signal : 0.0F;
   const double power = std::pow(static_cast<double>(signal), 32.0 / 2523.0);
   const double ratio =
@@ -46,7 +46,7 @@ float PqToNits(float signal) {
   return static_cast<float>(10000.0 * std::pow(ratio, 16384.0 / 2610.0));
 }
 
-float NitsToPq(float nits) {
+float NitsToPQ(float nits) {
   if (!(nits > 0.0F)) return std::isnan(nits) ? nits : 0.0F;
   const double power = std::pow(static_cast<double>(nits) / 10000.0, 2610.0 / 16384.0);
   return static_cast<float>(std::pow(
@@ -158,12 +158,12 @@ int GetColorConverterParamsForColorSpace(const ColorSpace& colorSpace, bool line
 }
 
 TransferFunction GetSignalToLinearTransferFn(int transferCharacteristic, int videoColorimetry) {
-  return Make("CHR::GetSignalToLinearTransferFn", "SignalToLinear", PqToNits,
+  return Make("CHR::GetSignalToLinearTransferFn", "SignalToLinear", PQToNits,
               transferCharacteristic, videoColorimetry);
 }
 
 TransferFunction GetLinearToSignalTransferFn(int transferCharacteristic, int videoColorimetry) {
-  return Make("CHR::GetLinearToSignalTransferFn", "LinearToSignal", NitsToPq,
+  return Make("CHR::GetLinearToSignalTransferFn", "LinearToSignal", NitsToPQ,
               transferCharacteristic, videoColorimetry);
 }
 

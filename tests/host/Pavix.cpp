@@ -16,7 +16,7 @@ using scripted::Host;
 namespace {
 
 constexpr int kLinearTransfer = 8;
-constexpr int kPqTransfer = 16;
+constexpr int kPQTransfer = 16;
 constexpr int kHlgTransfer = 18;
 
 template <class Enum>
@@ -81,7 +81,7 @@ namespace {
 
 bool IsHDR(const ColorSpace& colorSpace) {
   const int transfer = colorSpace.Description().transfer;
-  return transfer == kPqTransfer || transfer == kHlgTransfer;
+  return transfer == kPQTransfer || transfer == kHlgTransfer;
 }
 
 /// Whether the call is to answer as usual.

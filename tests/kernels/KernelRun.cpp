@@ -1,11 +1,11 @@
 #include "tests/kernels/KernelRun.h"
 
-#include "refhost/kestrel/GpuFrame.h"
+#include "refhost/kestrel/GPUFrame.h"
 
 namespace {
 
-int RunOn(const std::shared_ptr<IL::GpuDevice>& device, const std::string& kernel,
-          const KS::GpuFrameView& view, const std::vector<float>& floats, std::uint32_t blockX,
+int RunOn(const std::shared_ptr<IL::GPUDevice>& device, const std::string& kernel,
+          const KS::GPUFrameView& view, const std::vector<float>& floats, std::uint32_t blockX,
           std::uint32_t blockY) {
   const std::uint32_t pitch = view.rowBytes / view.pixelBytes;
   const std::uint32_t flag = view.IsHalf() ? 0 : 1;
@@ -42,19 +42,19 @@ int RunOn(const std::shared_ptr<IL::GpuDevice>& device, const std::string& kerne
 
 }  // namespace
 
-int RunToneMapKernel(const std::shared_ptr<IL::GpuDevice>& device, const std::string& kernel,
+int RunToneMapKernel(const std::shared_ptr<IL::GPUDevice>& device, const std::string& kernel,
                      const PX::VideoFrameRef& frame, const std::vector<float>& floats,
                      std::uint32_t blockX, std::uint32_t blockY) {
-  KS::GpuFrameView view;
-  if (const int result = KS::ViewGpuFrame(frame, view); result < 0) return result;
+  KS::GPUFrameView view;
+  if (const int result = KS::ViewGPUFrame(frame, view); result < 0) return result;
   return RunOn(device, kernel, view, floats, blockX, blockY);
 }
 
-int RunToneMapKernelOnPart(const std::shared_ptr<IL::GpuDevice>& device, const std::string& kernel,
+int RunToneMapKernelOnPart(const std::shared_ptr<IL::GPUDevice>& device, const std::string& kernel,
                            const PX::VideoFrameRef& frame, std::uint32_t columns,
                            const std::vector<float>& floats) {
-  KS::GpuFrameView view;
-  if (const int result = KS::ViewGpuFrame(frame, view); result < 0) return result;
+  KS::GPUFrameView view;
+  if (const int result = KS::ViewGPUFrame(frame, view); result < 0) return result;
   view.width = columns;
   return RunOn(device, kernel, view, floats, 1, 1);
 }

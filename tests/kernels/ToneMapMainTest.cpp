@@ -32,7 +32,7 @@ struct Kernel {
   std::function<void(float*)> curve;
 };
 
-Bt2390LinearParams Bt2390Params1000To203() {
+Bt2390LinearParams EetfParams1000To203() {
   return {.sourceBlack = 0.0F,
           .sourcePeak = 0.751827F,
           .destinationBlack = 0.0F,
@@ -72,9 +72,9 @@ std::vector<Kernel> AllKernels() {
          ToneMapCar(p, 0.5F, 1.4F, 0.7F, 1.0F);
        }},
       {"ToneMapKernelITU2390RGBByChannel", Bt2390Floats(),
-       [](float* p) { ToneMapBt2390ByChannel(p, Bt2390Params1000To203()); }},
+       [](float* p) { ToneMapBt2390ByChannel(p, EetfParams1000To203()); }},
       {"ToneMapKernelITU2390MaxRGBMain", Bt2390Floats(),
-       [](float* p) { ToneMapBt2390MaxRGB(p, Bt2390Params1000To203()); }},
+       [](float* p) { ToneMapBt2390MaxRGB(p, EetfParams1000To203()); }},
   };
 }
 
@@ -92,13 +92,13 @@ class ToneMapMain : public KernelOnDevice {
   /// The kernel's result on these pixels.
   Pixels Run(orvmediatypes::PixelFormat format, int width, int height, const Pixels& pixels,
              std::uint32_t blockX, std::uint32_t blockY) {
-    const auto frame = OnGpu(device_, MakeSystemFrame(format, width, height, Space(9, 8), pixels));
+    const auto frame = OnGPU(device_, MakeSystemFrame(format, width, height, Space(9, 8), pixels));
     EXPECT_EQ(RunToneMapKernel(device_, kernel_.name, frame, kernel_.floats, blockX, blockY), 0);
     return PixelsOf(frame);
   }
 
   const Kernel kernel_ = AllKernels()[std::get<1>(GetParam())];
-  const std::shared_ptr<IL::GpuDevice> device_ = std::get<0>(GetParam()).Open();
+  const std::shared_ptr<IL::GPUDevice> device_ = std::get<0>(GetParam()).Open();
 };
 
 TEST_P(ToneMapMain, GivesFloatFramesTheBitsOfTheProcessor) {
@@ -131,7 +131,7 @@ TEST_P(ToneMapMain, LeavesThreadsBeyondTheFrameWithoutAPixel) {
 TEST_P(ToneMapMain, LeavesWhatLiesBetweenRowsAsItWas) {
   // A frame of 3 pixels has rows of 16: as one of 16 it shows what lies between.
   const auto frame =
-      OnGpu(device_, MakeSystemFrame(KS::kBgraFloat, 16, 4, Space(9, 8), NotablePixels(16, 4, 21)));
+      OnGPU(device_, MakeSystemFrame(KS::kBgraFloat, 16, 4, Space(9, 8), NotablePixels(16, 4, 21)));
   const Pixels before = PixelsOf(frame);
   ASSERT_EQ(RunToneMapKernelOnPart(device_, kernel_.name, frame, 3, kernel_.floats), 0);
   const Pixels mapped = Mapped(before, kernel_);

@@ -115,9 +115,9 @@ std::string NameOf(Unit unit) {
       return "linear light";
     case Unit::Nits:
       return "nits";
-    case Unit::PqCode:
+    case Unit::PQCode:
       return "PQ code value";
-    case Unit::PqShare:
+    case Unit::PQShare:
       return "share of the source's PQ range";
   }
   return "";

@@ -123,7 +123,7 @@ TEST_F(Algorithms, NameEveryEntryAtItsPlace) {
 
 TEST_F(Algorithms, HaveNamedPlacesThatAreThoseOfTheNames) {
   const auto id = [](const auto& entries, std::size_t place) { return entries.at(place).id; };
-  using Bt2390 = Quillon::Itu2390Params;
+  using Bt2390 = Quillon::Bt2390Params;
   EXPECT_EQ(id(Bt2390::kEntries, Bt2390::kSourceBlack), "sourceBlack");
   EXPECT_EQ(id(Bt2390::kEntries, Bt2390::kSourcePeak), "sourcePeak");
   EXPECT_EQ(id(Bt2390::kEntries, Bt2390::kDestinationBlack), "destinationBlack");
@@ -137,7 +137,7 @@ TEST_F(Algorithms, HaveNamedPlacesThatAreThoseOfTheNames) {
   EXPECT_EQ(id(Bt2390::kEntries, Bt2390::kWeightRed), "weightRed");
   EXPECT_EQ(id(Bt2390::kEntries, Bt2390::kWeightGreen), "weightGreen");
   EXPECT_EQ(id(Bt2390::kEntries, Bt2390::kWeightBlue), "weightBlue");
-  using Bt2446A = Quillon::Itu2446AParams;
+  using Bt2446A = Quillon::Bt2446AParams;
   EXPECT_EQ(id(Bt2446A::kEntries, Bt2446A::kRhoHdr), "rhoHdr");
   EXPECT_EQ(id(Bt2446A::kEntries, Bt2446A::kRhoSdr), "rhoSdr");
   EXPECT_EQ(id(Bt2446A::kEntries, Bt2446A::kInputScale), "inputScale");

@@ -105,7 +105,7 @@ TEST(CurveOrder, Bt2446ATakes6302TenThousandthsToTheLastBit) {
 TEST(CurveOrder, TheEetfTakesItsFourthPowerInDoublePrecision) {
   // Below the knee, with a lift of black: the value is the difference's power in double precision,
   // rounded once.
-  const Bt2390Params p = {
+  const EetfParams p = {
       .sourceBlack = 0.0F, .sourceRange = 1.0F, .kneeStart = 2.0F, .minLum = 0.3F, .maxLum = 0.9F};
   int told = 0;
   for (float e = 1e-4F; e < 1.0F; e *= 1.07F) {

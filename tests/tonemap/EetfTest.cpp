@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-#include "tonemap/Itu2390.h"
+#include "tonemap/Bt2390.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ using tonemap::kPQ1000Nits;
 using tonemap::Pixel;
 
 Pixel MapPixel(const Pixel& pixel, const Eetf& eetf) {
-  return tonemap::Map<Quillon::ITU2390RGBByChannelToneMap>(pixel, tonemap::Itu2390Params(eetf), {});
+  return tonemap::Map<Quillon::Bt2390RGBByChannelToneMap>(pixel, tonemap::Bt2390Params(eetf), {});
 }
 
 /// Light in the first channel alone.

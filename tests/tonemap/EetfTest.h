@@ -28,7 +28,7 @@ struct Eetf {
 };
 
 /// Parameters of both BT.2390 curves that desaturate no highlights.
-inline Quillon::SupportVector Itu2390Params(const Eetf& eetf, float referenceWhite = 1.0F) {
+inline Quillon::SupportVector Bt2390Params(const Eetf& eetf, float referenceWhite = 1.0F) {
   constexpr float kNoHighlights = 1e6F;
   return {eetf.sourceBlack,
           eetf.sourceBlack + eetf.sourceRange,

@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "tests/tonemap/CurveTest.h"
+#include "tonemap/Bt2390.h"
 #include "tonemap/CarToneCurve.h"
-#include "tonemap/Itu2390.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ Pixel Desaturate(const Pixel& pixel, float threshold, const Controls& controls,
   const Quillon::SupportVector params = {0.0F,       1.0F,       0.0F,      1.0F, 1.0F,
                                          1.0F,       0.0F,       1.0F,      1.0F, threshold,
                                          weights[0], weights[1], weights[2]};
-  return tonemap::Map<Quillon::ITU2390RGBByChannelToneMap>(pixel, params, controls);
+  return tonemap::Map<Quillon::Bt2390RGBByChannelToneMap>(pixel, params, controls);
 }
 
 void ExpectNaNColors(const Pixel& pixel, float alpha) {

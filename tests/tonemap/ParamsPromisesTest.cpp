@@ -7,10 +7,10 @@
 #include "curves/math.h"
 #include "tests/tonemap/CurveTest.h"
 #include "tests/tonemap/ToneMapTest.h"
+#include "tonemap/Bt2390.h"
+#include "tonemap/Bt2446A.h"
 #include "tonemap/CarToneCurve.h"
 #include "tonemap/HuePreservation.h"
-#include "tonemap/Itu2390.h"
-#include "tonemap/Itu2446A.h"
 #include "tonemap/PeakLuminance.h"
 #include "tonemap/SupportParams.h"
 

@@ -27,7 +27,7 @@ class PeakLuminance : public tonemap::ToneMapTest {
   }
 };
 
-TEST_F(PeakLuminance, OfBT2446AIsTheHostsInNitsWhateverTheColorSpaces) {
+TEST_F(PeakLuminance, OfBt2446AIsTheHostsInNitsWhateverTheColorSpaces) {
   SetAlgorithm(4);
   SetSource({});
   host.results.peakNits = 1234.0F;

@@ -64,7 +64,7 @@ TEST_F(SupportParams, HaveTheLengthOfTheirAlgorithm) {
   EXPECT_THAT(host.Messages(), IsEmpty());
 }
 
-TEST_F(SupportParams, OfBT2446AReserveOneMoreThanTheyHave) {
+TEST_F(SupportParams, OfBt2446AReserveOneMoreThanTheyHave) {
   SetAlgorithm(4);
   params = Quillon::SupportVector();
   Build();
@@ -176,13 +176,13 @@ TEST_F(SupportParamsAtLimits, OfTheAutomaticChoiceHaveNoSize) {
                                             "Method Algorithm Type : tone map 1\r\n"}));
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2446AAreFourThoughTheSizeQuerySays5) {
+TEST_F(SupportParamsAtLimits, OfBt2446AAreFourThoughTheSizeQuerySays5) {
   Build(4);
   EXPECT_EQ(params.size(), 4U);
   EXPECT_EQ(Quillon::GetToneMappingSupportParamsSize(ToneMapAlgorithmType::ITU2446A), 5);
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2446AFollowTheExponent04166) {
+TEST_F(SupportParamsAtLimits, OfBt2446AFollowTheExponent04166) {
   // 10000 nits over 100: 1 + 32, 1 + 32 x 0.01^0.4166 (not 5.69696, as with 1/2.4), 100^0.4166 /
   // 100, and 1.
   host.results.peakNits = 10000.0F;
@@ -195,14 +195,14 @@ TEST_F(SupportParamsAtLimits, OfBT2446AFollowTheExponent04166) {
   EXPECT_EQ(params[3], 1.0F);
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2446ATakeOnlyMinus1ForAnUnknownPeak) {
+TEST_F(SupportParamsAtLimits, OfBt2446ATakeOnlyMinus1ForAnUnknownPeak) {
   host.results.peakLuminance = 0;
   Build(4);
   EXPECT_THAT(params, ElementsAre(testing::FloatEq(13.26168F), 1.0F, kInfinity, 0.0F));
   EXPECT_THAT(host.CallsTo({"CHR::ConvertSignal"}), IsEmpty());
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2390FromPQToPQComeFromTheUnconvertedBuffer) {
+TEST_F(SupportParamsAtLimits, OfBt2390FromPQToPQComeFromTheUnconvertedBuffer) {
   SetSource(scripted::kPQ);
   SetDestination(Colors(9, 16, 1000));
   Build(2);
@@ -218,7 +218,7 @@ TEST_F(SupportParamsAtLimits, OfBT2390FromPQToPQComeFromTheUnconvertedBuffer) {
   EXPECT_NEAR(params[9], 3.17046722F, 1e-5F) << "PQ 0.6277406 is 317.047 nits";
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2390BelowVersion3CountAnHLGSourceAs1000Nits) {
+TEST_F(SupportParamsAtLimits, OfBt2390BelowVersion3CountAnHLGSourceAs1000Nits) {
   settings.controls.version = 2;
   SetSource(scripted::kHLG);
   Deliver({0.0F, 0.376F}, {});
@@ -230,7 +230,7 @@ TEST_F(SupportParamsAtLimits, OfBT2390BelowVersion3CountAnHLGSourceAs1000Nits) {
   EXPECT_FLOAT_EQ(params[8], 0.25F);
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2390BelowVersion3TakeASignalOf109WithoutMetadata) {
+TEST_F(SupportParamsAtLimits, OfBt2390BelowVersion3TakeASignalOf109WithoutMetadata) {
   settings.controls.version = 2;
   SetSource(scripted::kPQ);
   SetDestination(scripted::kPQ);
@@ -239,7 +239,7 @@ TEST_F(SupportParamsAtLimits, OfBT2390BelowVersion3TakeASignalOf109WithoutMetada
   EXPECT_EQ(params[3], 1.09F);
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2390FromVersion3OnTakeASignalOf1WithoutMetadata) {
+TEST_F(SupportParamsAtLimits, OfBt2390FromVersion3OnTakeASignalOf1WithoutMetadata) {
   SetSource(scripted::kPQ);
   SetDestination(scripted::kPQ);
   Build(2);
@@ -247,14 +247,14 @@ TEST_F(SupportParamsAtLimits, OfBT2390FromVersion3OnTakeASignalOf1WithoutMetadat
   EXPECT_EQ(params[3], 1.0F);
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2390StartTheKneeAt1BetweenEqualPeaks) {
+TEST_F(SupportParamsAtLimits, OfBt2390StartTheKneeAt1BetweenEqualPeaks) {
   Deliver({0.0F, 0.5F}, {0.0F, 0.5F});
   Build(2);
   EXPECT_EQ(params.at(7), 1.0F);
   EXPECT_EQ(params.at(8), 1.0F);
 }
 
-TEST_F(SupportParamsAtLimits, OfBT2390DivideByARangeOf0) {
+TEST_F(SupportParamsAtLimits, OfBt2390DivideByARangeOf0) {
   Deliver({0.5F, 0.5F}, {0.25F, 0.75F});
   Build(2);
   ASSERT_EQ(params.size(), 13U);

@@ -8,11 +8,11 @@
 #include "curves/HighlightDesaturation.h"
 #include "curves/SoftKnee.h"
 #include "tests/vectors/Table.h"
+#include "tonemap/Bt2390.h"
+#include "tonemap/Bt2446A.h"
 #include "tonemap/CarToneCurve.h"
 #include "tonemap/HuePreservation.h"
-#include "tonemap/Itu2390.h"
-#include "tonemap/Itu2446A.h"
-#include "tonemap/PqTables.h"
+#include "tonemap/PQTables.h"
 
 namespace {
 
@@ -113,15 +113,15 @@ TEST(CurveVectors, HuePreserving) {
 }
 
 TEST(CurveVectors, Bt2390MaxRGB) {
-  RunToneMap<Quillon::ITU2390MaxRGBToneMap>("bt2390_maxrgb.csv", 13, 845, Tolerance::Powers);
+  RunToneMap<Quillon::Bt2390MaxRGBToneMap>("bt2390_maxrgb.csv", 13, 845, Tolerance::Powers);
 }
 
 TEST(CurveVectors, Bt2390ByChannel) {
-  RunToneMap<Quillon::ITU2390RGBByChannelToneMap>("bt2390_channel.csv", 13, 776, Tolerance::Powers);
+  RunToneMap<Quillon::Bt2390RGBByChannelToneMap>("bt2390_channel.csv", 13, 776, Tolerance::Powers);
 }
 
 TEST(CurveVectors, Bt2446A) {
-  RunToneMap<Quillon::ITU2446AToneMap>("bt2446a.csv", 4, 895, Tolerance::Powers);
+  RunToneMap<Quillon::Bt2446AToneMap>("bt2446a.csv", 4, 895, Tolerance::Powers);
 }
 
 TEST(CurveVectors, Car) { RunToneMap<Quillon::CARToneMap>("car.csv", 7, 804, Tolerance::Powers); }
@@ -171,11 +171,11 @@ void RunTable(const std::string& file, void (*convert)(float*), std::size_t coun
   EXPECT_EQ(rows.size(), count);
 }
 
-TEST(CurveVectors, PqEncoding) { RunTable("piece_pq_encode.csv", Quillon::EncodePQByTable, 157); }
+TEST(CurveVectors, PQEncoding) { RunTable("piece_pq_encode.csv", Quillon::EncodePQByTable, 157); }
 
-TEST(CurveVectors, PqDecoding) { RunTable("piece_pq_decode.csv", Quillon::DecodePQByTable, 193); }
+TEST(CurveVectors, PQDecoding) { RunTable("piece_pq_decode.csv", Quillon::DecodePQByTable, 193); }
 
-TEST(CurveVectors, PqTables) {
+TEST(CurveVectors, PQTables) {
   const std::vector<Row> rows = ReadTable("pq_tables.csv");
   for (const Row& row : rows) {
     const bool encode = row.Text("table") == "encode";

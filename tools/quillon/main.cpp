@@ -15,6 +15,8 @@
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 ExitCode ExitCodeOf(StillErrorKind kind) {
@@ -80,8 +82,11 @@ int Fail(ExitCode code, const char* message) {
 
 }  // namespace
 
+}  // namespace Quillon::Cli
+
 /// Every failure ends as one line and an exit code.
 int main(int argc, char** argv) {
+  using namespace Quillon::Cli;
   PrepareStandardStreams();
   EndOnSignals();
   try {

@@ -45,14 +45,14 @@ void EncodeBlock(const Light& light, const Curve& curve, const Planes& signals) 
 /// From PQ straight to linear floats. False where that is not what is asked for.
 bool ConvertQuickly(const ConversionParams& params, const QuickTables& tables,
                     const Planes& planes) {
-  constexpr int kPq = 16;
+  constexpr int kPQ = 16;
   constexpr int kLinear = 8;
-  if (params.source.transfer != kPq || params.destination.transfer != kLinear ||
+  if (params.source.transfer != kPQ || params.destination.transfer != kLinear ||
       params.hasMatrix != 0) {
     return false;
   }
   const double white = params.source.whiteNits;
-  const QuickPqDecoder decode = {tables, PqDecoder{white}, 10000.0 / white};
+  const QuickPQDecoder decode = {tables, PQDecoder{white}, 10000.0 / white};
   for (float* component : planes.components) {
     for (std::size_t i = 0; i < kBlock; i += kLanes) decode(component + i, component + i);
   }
@@ -92,7 +92,7 @@ void Decode(const TransferParams& params, const Planes& signals, Light& light) {
     case 13:
       return DecodeBlock(signals, SrgbDecoder{}, light);
     case 16:
-      return DecodeBlock(signals, PqDecoder{params.whiteNits}, light);
+      return DecodeBlock(signals, PQDecoder{params.whiteNits}, light);
     default:
       return DecodeBlock(signals, Identity{}, light);
   }
@@ -110,7 +110,7 @@ void Encode(const TransferParams& params, const QuickTables& tables, const Light
     case 13:
       return EncodeBlock(light, SrgbEncoder{}, signals);
     case 16:
-      return EncodeBlock(light, PqEncoder{params.whiteNits}, signals);
+      return EncodeBlock(light, PQEncoder{params.whiteNits}, signals);
     default:
       return EncodeBlock(light, Identity{}, signals);
   }

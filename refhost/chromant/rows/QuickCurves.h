@@ -94,9 +94,9 @@ template <class Model>
   }
 }
 
-struct QuickPqDecoder {
+struct QuickPQDecoder {
   const QuickTables& tables;
-  PqDecoder model;
+  PQDecoder model;
   double scale;  ///< 10000 nits over white
 
   [[gnu::always_inline]] void operator()(const float* from, float* to) const {

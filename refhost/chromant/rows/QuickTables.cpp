@@ -67,7 +67,7 @@ QuickPowerTable MakePower(double y) {
 
 /// The series of Exp2OfModerate begins like that of e^(kUnit x), where kUnit is not quite the
 /// logarithm of 2. What is then still between them hardly changes within an octave.
-QuickPowerTable MakePqSignalPower() {
+QuickPowerTable MakePQSignalPower() {
   constexpr double kUnit = 0x1.62e42fef9adc8p-1;
   const double y = 1.0 / QUILLON_ST2084_M2;
   const double nearY = y * kUnit / std::log(2.0);
@@ -81,7 +81,7 @@ QuickPowerTable MakePqSignalPower() {
 }  // namespace
 
 const QuickTables& GetQuickTables() {
-  static const QuickTables kTables = {MakePqSignalPower(), MakePower(1.0 / QUILLON_ST2084_M1),
+  static const QuickTables kTables = {MakePQSignalPower(), MakePower(1.0 / QUILLON_ST2084_M1),
                                       MakePower(1.0 / 2.4)};
   return kTables;
 }

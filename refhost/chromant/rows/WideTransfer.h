@@ -56,7 +56,7 @@ struct SrgbEncoder {
 };
 
 /// PQ to light relative to graphics white.
-struct PqDecoder {
+struct PQDecoder {
   double whiteNits;
   [[gnu::always_inline]] WideLanes operator()(WideLanes signal) const {
     const WideLanes p = PowerOf(signal, 1.0 / QUILLON_ST2084_M2);
@@ -70,7 +70,7 @@ struct PqDecoder {
   }
 };
 
-struct PqEncoder {
+struct PQEncoder {
   double whiteNits;
   [[gnu::always_inline]] WideLanes operator()(WideLanes light) const {
     const WideLanes nits = light * whiteNits;

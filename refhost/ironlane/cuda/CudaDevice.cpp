@@ -54,7 +54,7 @@ bool FitsKernel(const std::vector<Argument>& arguments, const CudaKernel& kernel
                     });
 }
 
-class CudaDevice final : public GpuDevice {
+class CudaDevice final : public GPUDevice {
  public:
   /// Takes over the retained context.
   CudaDevice(const CudaApi& api, CudaContextHandle context, CudaDescription description)
@@ -281,7 +281,7 @@ class CudaDevice final : public GpuDevice {
 
 /// Null, and a message to the trace, when it does not work; `isLost` then says whether that is a
 /// context that an earlier failure ended.
-std::shared_ptr<GpuDevice> Open(const CudaApi& api, const CudaDescription& description,
+std::shared_ptr<GPUDevice> Open(const CudaApi& api, const CudaDescription& description,
                                 bool& isLost) {
   CudaContextHandle context = nullptr;
   if (api.Check(api.DevicePrimaryCtxRetain(&context, description.id), "cuDevicePrimaryCtxRetain") <
@@ -306,7 +306,7 @@ std::vector<DeviceInfo> ListCudaDevices() {
   return infos;
 }
 
-std::shared_ptr<GpuDevice> OpenCudaDevice(std::int32_t ordinal) {
+std::shared_ptr<GPUDevice> OpenCudaDevice(std::int32_t ordinal) {
   const CudaApi* api = GetCudaApi();
   if (api == nullptr || ordinal < 0 || ordinal >= CountCudaDevices(*api)) {
     TraceMessage("CUDA : there is no device " + std::to_string(ordinal));

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 
 namespace IL {
 
@@ -13,6 +13,6 @@ std::vector<DeviceInfo> ListCudaDevices();
 /// Null, and a message to the trace, when there is no such device or it cannot be used. Works in
 /// the device's primary context, which is current during calls alone, and is reset first where an
 /// earlier failure ended it.
-std::shared_ptr<GpuDevice> OpenCudaDevice(std::int32_t ordinal);
+std::shared_ptr<GPUDevice> OpenCudaDevice(std::int32_t ordinal);
 
 }  // namespace IL

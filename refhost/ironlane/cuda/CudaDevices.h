@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 #include "refhost/ironlane/cuda/CudaApi.h"
 #include "refhost/ironlane/cuda/CudaModules.h"
 

@@ -19,10 +19,10 @@ constexpr int kInputPtx = 1;
 
 /// Whether another text of PTX may do where one gave this.
 bool IsOfThisTextAlone(CudaResult result) {
-  constexpr CudaResult kNoBinaryForGpu = 209;
+  constexpr CudaResult kNoBinaryForGPU = 209;
   constexpr CudaResult kInvalidPtx = 218;
   constexpr CudaResult kUnsupportedPtxVersion = 222;
-  return result == kNoBinaryForGpu || result == kInvalidPtx || result == kUnsupportedPtxVersion;
+  return result == kNoBinaryForGPU || result == kInvalidPtx || result == kUnsupportedPtxVersion;
 }
 
 }  // namespace

@@ -9,7 +9,7 @@ namespace IL {
 
 std::vector<DeviceInfo> ListOpenClDevices() { return {}; }
 
-std::shared_ptr<GpuDevice> OpenOpenClDevice(std::int32_t ordinal) {
+std::shared_ptr<GPUDevice> OpenOpenClDevice(std::int32_t ordinal) {
   TraceMessage("OpenCL : built without, there is no device " + std::to_string(ordinal));
   return nullptr;
 }

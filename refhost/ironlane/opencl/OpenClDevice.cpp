@@ -64,7 +64,7 @@ std::size_t RoundUp(std::size_t size, std::size_t group) {
   return (size + group - 1) / group * group;
 }
 
-class OpenClDevice final : public GpuDevice {
+class OpenClDevice final : public GPUDevice {
  public:
   OpenClDevice(cl::Device device, cl::Context context, cl::CommandQueue queue, DeviceInfo info)
       : device_(std::move(device)),
@@ -246,7 +246,7 @@ std::vector<DeviceInfo> ListOpenClDevices() {
   return infos;
 }
 
-std::shared_ptr<GpuDevice> OpenOpenClDevice(std::int32_t ordinal) {
+std::shared_ptr<GPUDevice> OpenOpenClDevice(std::int32_t ordinal) {
   const std::vector<cl::Device> devices = FindOpenClDevices();
   if (ordinal < 0 || static_cast<std::size_t>(ordinal) >= devices.size()) {
     TraceMessage("OpenCL : there is no device " + std::to_string(ordinal));

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 
 namespace IL {
 
@@ -12,6 +12,6 @@ std::vector<DeviceInfo> ListOpenClDevices();
 
 /// Null, and a message to the trace, when there is no such device or it cannot be used. The device
 /// pointers that it gives are those of OpenCL's memory objects.
-std::shared_ptr<GpuDevice> OpenOpenClDevice(std::int32_t ordinal);
+std::shared_ptr<GPUDevice> OpenOpenClDevice(std::int32_t ordinal);
 
 }  // namespace IL

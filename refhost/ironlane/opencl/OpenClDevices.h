@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 #include "refhost/ironlane/opencl/OpenCl.h"
 
 namespace IL {

@@ -8,7 +8,7 @@
 
 #include "host/ironlane/Device.h"
 #include "refhost/ironlane/BinaryCache.h"
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 #include "refhost/ironlane/opencl/OpenCl.h"
 
 namespace IL {

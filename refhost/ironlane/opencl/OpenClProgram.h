@@ -4,7 +4,7 @@
 
 #include "kernels/KernelModules.h"
 #include "refhost/ironlane/BinaryCache.h"
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 #include "refhost/ironlane/opencl/OpenCl.h"
 
 namespace IL {

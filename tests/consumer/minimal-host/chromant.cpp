@@ -22,7 +22,7 @@ namespace CHR {
 namespace {
 
 constexpr int kLinear = 8;  // ITU-T H.273, table 3
-constexpr int kPq = 16;
+constexpr int kPQ = 16;
 constexpr int kUnknown = -1;
 
 // SMPTE ST 2084, equations 4.1 and 5.2.
@@ -32,13 +32,13 @@ constexpr double kC1 = 3424.0 / 4096.0;
 constexpr double kC2 = 2413.0 / 128.0;
 constexpr double kC3 = 2392.0 / 128.0;
 
-float PqToNits(float signal) {
+float PQToNits(float signal) {
   const double power = std::pow(std::max(0.0, static_cast<double>(signal)), 1.0 / kM2);
   const double light = std::max(power - kC1, 0.0) / (kC2 - kC3 * power);
   return static_cast<float>(10000.0 * std::pow(light, 1.0 / kM1));
 }
 
-float NitsToPq(float nits) {
+float NitsToPQ(float nits) {
   if (!(nits > 0.0F)) return 0.0F;
   const double power = std::pow(static_cast<double>(nits) / 10000.0, kM1);
   return static_cast<float>(std::pow((kC1 + kC2 * power) / (1.0 + kC3 * power), kM2));
@@ -47,12 +47,12 @@ float NitsToPq(float nits) {
 int TransferOf(const ColorSpace& colorSpace) { return colorSpace.Description().transfer; }
 
 bool IsKnown(const ColorSpace& colorSpace) {
-  return TransferOf(colorSpace) == kLinear || TransferOf(colorSpace) == kPq;
+  return TransferOf(colorSpace) == kLinear || TransferOf(colorSpace) == kPQ;
 }
 
 float Convert(float value, int from, int to, float white) {
   if (from == to) return value;
-  return from == kPq ? PqToNits(value) / white : NitsToPq(value * white);
+  return from == kPQ ? PQToNits(value) / white : NitsToPQ(value * white);
 }
 
 float WhiteOf(const ColorManagementSettings& settings) {
@@ -60,7 +60,7 @@ float WhiteOf(const ColorManagementSettings& settings) {
 }
 
 TransferFunction MakeTransferFn(int transferCharacteristic, float (*curve)(float)) {
-  if (transferCharacteristic != kPq) return {};
+  if (transferCharacteristic != kPQ) return {};
   return [curve](float* pixel, float /*scale*/) { std::transform(pixel, pixel + 3, pixel, curve); };
 }
 
@@ -132,11 +132,11 @@ int GetColorConverterParamsForColorSpace(const ColorSpace& /*colorSpace*/, bool 
 }
 
 TransferFunction GetSignalToLinearTransferFn(int transferCharacteristic, int /*colorimetry*/) {
-  return MakeTransferFn(transferCharacteristic, PqToNits);
+  return MakeTransferFn(transferCharacteristic, PQToNits);
 }
 
 TransferFunction GetLinearToSignalTransferFn(int transferCharacteristic, int /*colorimetry*/) {
-  return MakeTransferFn(transferCharacteristic, NitsToPq);
+  return MakeTransferFn(transferCharacteristic, NitsToPQ);
 }
 
 }  // namespace CHR

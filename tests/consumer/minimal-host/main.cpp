@@ -29,7 +29,7 @@ constexpr int kWidth = 3;
 constexpr int kHeight = 21;
 
 constexpr std::uint8_t kLinear = 8;
-constexpr std::uint8_t kPq = 16;
+constexpr std::uint8_t kPQ = 16;
 
 ColorSpace Bt2020(std::uint8_t transfer) {
   ColorDescription description;
@@ -152,9 +152,9 @@ bool MapsVectors(const char* fileName) {
 /// Of a PQ source with a peak of 1000 nits (code 0.751827) the peak becomes 1.0, graphics white;
 /// 100 nits (code 0.508078) lie below the knee and keep their light, 100/203 of white (ITU-R
 /// BT.2408, table 1).
-bool MapsPq() {
+bool MapsPQ() {
   const auto settings =
-      SettingsOf(kPq, ToneMapAlgorithmType::HuePreservationDesaturation, 0.7518271F);
+      SettingsOf(kPQ, ToneMapAlgorithmType::HuePreservationDesaturation, 0.7518271F);
   return BecomesEverywhere({0.7518271F, 0.7518271F, 0.7518271F, 0.5F}, settings,
                            {1.0F, 1.0F, 1.0F, 0.5F}, 1e-5F) &&
          BecomesEverywhere({0.5080784F, 0.5080784F, 0.5080784F, 0.25F}, settings,
@@ -163,7 +163,7 @@ bool MapsPq() {
 
 bool CopiesWithConversionWhereThereIsNothingToMap() {
   return BecomesEverywhere({0.5806889F, 0.0F, 0.5080784F, 1.0F},
-                           SettingsOf(kPq, ToneMapAlgorithmType::None, 1.0F),
+                           SettingsOf(kPQ, ToneMapAlgorithmType::None, 1.0F),
                            {1.0F, 0.0F, 100.0F / 203.0F, 1.0F}, 1e-5F);
 }
 
@@ -178,7 +178,7 @@ bool RefusesTheUnknown() {
 
 int main(int argc, char** argv) {
   if (argc != 2) return 2;
-  return MapsVectors(argv[1]) && MapsPq() && CopiesWithConversionWhereThereIsNothingToMap() &&
+  return MapsVectors(argv[1]) && MapsPQ() && CopiesWithConversionWhereThereIsNothingToMap() &&
                  RefusesTheUnknown()
              ? 0
              : 1;

@@ -207,7 +207,7 @@ std::size_t CountDifferences(InstructionSet set, const ConversionParams& params,
 // 17 is no divisor of a power of two: every part of each table is met, at ever other places.
 constexpr std::uint32_t kStride = 17;
 
-TEST_P(ConvertRowsBy, DecodesPqAllAlongTheSignalWithTheBitsOfPixels) {
+TEST_P(ConvertRowsBy, DecodesPQAllAlongTheSignalWithTheBitsOfPixels) {
   const std::vector<float> signals = EverySignal(kStride);
   ASSERT_GT(signals.size(), 7'000'000U);
   for (const int white : {80, 100, 203, 300}) {

@@ -63,7 +63,7 @@ Chromaticities Named(const std::string& name) {
 
 }  // namespace
 
-TEST(SignalToLinear, DecodesPqCodesToTheNitsOfTheStandard) {
+TEST(SignalToLinear, DecodesPQCodesToTheNitsOfTheStandard) {
   const auto decode = CHR::GetSignalToLinearTransferFn(16, 0);
   for (const auto& row : ReadTable("pq_10bit_codes.csv")) {
     ExpectRelative(Grey(decode, std::stod(row[1])), std::stod(row[2]), "code " + row[0]);
@@ -73,7 +73,7 @@ TEST(SignalToLinear, DecodesPqCodesToTheNitsOfTheStandard) {
   }
 }
 
-TEST(LinearToSignal, EncodesRoundNitsToThePqSignalsOfTheStandard) {
+TEST(LinearToSignal, EncodesRoundNitsToThePQSignalsOfTheStandard) {
   const auto encode = CHR::GetLinearToSignalTransferFn(16, 0);
   for (const auto& row : ReadTable("pq_inverse_eotf.csv")) {
     if (std::stod(row[0]) == 0.0) continue;  // black is 0 here
@@ -94,12 +94,12 @@ TEST(ConvertFrame, ShowsHlgGreysAtTheNitsOfTheStandardForEachDisplayPeak) {
 }
 
 TEST(LinearToSignal, PutsTheReferenceLevelsOfBT2408WhereItSays) {
-  const auto encodePq = CHR::GetLinearToSignalTransferFn(16, 0);
+  const auto encodePQ = CHR::GetLinearToSignalTransferFn(16, 0);
   const auto encodeHlg = CHR::GetLinearToSignalTransferFn(18, 0);
   constexpr double kWholePercent = 0.5;
   for (const auto& row : ReadTable("bt2408_reference_levels.csv")) {
     const double nits = std::stod(row[2]);
-    EXPECT_NEAR(100.0 * Grey(encodePq, nits), std::stod(row[3]), kWholePercent) << row[0];
+    EXPECT_NEAR(100.0 * Grey(encodePQ, nits), std::stod(row[3]), kWholePercent) << row[0];
     EXPECT_NEAR(100.0 * Grey(encodeHlg, nits), std::stod(row[4]), kWholePercent) << row[0];
   }
 }

@@ -45,7 +45,7 @@ TEST(TransferFunctions, ExistForVideoColorimetryZeroAlone) {
   EXPECT_EQ(GetLinearToSignalTransferFn(16, -1), nullptr);
 }
 
-TEST(TransferFunctions, AreInNitsForPqAndHlg) {
+TEST(TransferFunctions, AreInNitsForPQAndHlg) {
   EXPECT_EQ(Decoded(16, 1.0F), 10000.0F);
   EXPECT_NEAR(Decoded(18, 1.0F), 1000.0F, 0.001F);
   EXPECT_EQ(Encoded(16, 10000.0F), 1.0F);
@@ -68,7 +68,7 @@ TEST(TransferFunctions, UndoEachOther) {
   }
 }
 
-TEST(TransferFunctions, AreOddAboutZeroButForPq) {
+TEST(TransferFunctions, AreOddAboutZeroButForPQ) {
   for (const int transfer : kTransfers) {
     if (transfer == 16) continue;
     for (const float value : {0.01F, 0.3F, 0.9F, 1.2F}) {
@@ -96,7 +96,7 @@ TEST(TransferFunctions, KeepNaN) {
   }
 }
 
-TEST(TransferFunctions, KeepInfiniteLightInfiniteBelowPq) {
+TEST(TransferFunctions, KeepInfiniteLightInfiniteBelowPQ) {
   for (const int transfer : {1, 4, 5, 7, 8, 13, 17}) {
     EXPECT_EQ(Decoded(transfer, kInfinity), kInfinity) << transfer;
     EXPECT_EQ(Decoded(transfer, -kInfinity), -kInfinity) << transfer;
@@ -114,14 +114,14 @@ TEST(TransferFunctions, TakeDenormals) {
   }
 }
 
-TEST(Pq, IsZeroAtAndBelowZeroBothWays) {
+TEST(PQ, IsZeroAtAndBelowZeroBothWays) {
   for (const float value : {0.0F, -0.0F, -1e-30F, -1.0F, -kInfinity}) {
     EXPECT_EQ(Decoded(16, value), 0.0F);
     EXPECT_EQ(Encoded(16, value), 0.0F);
   }
 }
 
-TEST(Pq, GoesOnAboveOneUpToItsPoleAndIsInfiniteFromThere) {
+TEST(PQ, GoesOnAboveOneUpToItsPoleAndIsInfiniteFromThere) {
   EXPECT_GT(Decoded(16, 1.09F), 20000.0F);
   EXPECT_TRUE(std::isfinite(Decoded(16, 1.9F)));
   EXPECT_EQ(Decoded(16, 2.0F), kInfinity);
@@ -129,7 +129,7 @@ TEST(Pq, GoesOnAboveOneUpToItsPoleAndIsInfiniteFromThere) {
   EXPECT_EQ(Decoded(16, kInfinity), kInfinity);
 }
 
-TEST(Pq, EncodesAllLightBelowItsPole) {
+TEST(PQ, EncodesAllLightBelowItsPole) {
   const float pole = Encoded(16, kInfinity);
   EXPECT_NEAR(pole, 1.992F, 0.001F);
   EXPECT_LE(Encoded(16, 3e38F), pole);

@@ -54,13 +54,13 @@ TEST(ConvertFrame, EncodesTransfersAsZimgDoes) {
   }
 }
 
-TEST(ConvertFrame, MatchesZimgsPqToTheAccuracyOfItsSinglePrecision) {
-  constexpr double kSinglePrecisionPq = 5e-5;
-  ExpectAsZimg(Lattice(16), {9, 16}, {9, 8}, kSinglePrecisionPq);
+TEST(ConvertFrame, MatchesZimgsPQToTheAccuracyOfItsSinglePrecision) {
+  constexpr double kSinglePrecisionPQ = 5e-5;
+  ExpectAsZimg(Lattice(16), {9, 16}, {9, 8}, kSinglePrecisionPQ);
   ExpectAsZimg(Lattice(16), {9, 8}, {9, 16}, kTolerance);
 }
 
-TEST(ConvertFrame, ConvertsPqAsOpenColorIODoes) {
+TEST(ConvertFrame, ConvertsPQAsOpenColorIODoes) {
   constexpr std::uint32_t kOcioWhite = 100;
   const auto pixels = Lattice(16);
   ExpectNear(Converted(pixels, Space(9, 16), Space(9, 8), kOcioWhite),

@@ -2,6 +2,8 @@
 
 #include "tests/tools/video/ClipFiles.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using testing::HasSubstr;

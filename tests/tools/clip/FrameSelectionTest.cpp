@@ -5,6 +5,8 @@
 #include "tools/quillon/clip/FrameSelection.h"
 #include "tools/quillon/clip/SequenceName.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using testing::ElementsAre;

@@ -9,6 +9,8 @@
 #include "tests/tools/io/PngFile.h"
 #include "tools/quillon/io/Still.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using nlohmann::json;
@@ -17,7 +19,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 constexpr std::uint8_t kSrgb = 13;
-constexpr std::uint8_t kPq = 16;
+constexpr std::uint8_t kPQ = 16;
 
 /// 8-bit pictures of 8x4 pixels, written by hand.
 class CompareCommand : public ::testing::Test {
@@ -119,7 +121,7 @@ TEST_F(CompareCommand, TakesOneColourForTheSameInEveryContainer) {
 TEST_F(CompareCommand, ShowsHdrMappedToSrgbAndSaysSo) {
   const std::string output = folder_ / "view.png";
   const RunResult run =
-      RunQuillon({"compare", Tagged("a.png", kPq, 140, 200), Srgb("b.png", 100, 255), output});
+      RunQuillon({"compare", Tagged("a.png", kPQ, 140, 200), Srgb("b.png", 100, 255), output});
   EXPECT_EQ(run.exitCode, 0) << run.err;
   EXPECT_THAT(run.err, HasSubstr("note: for the view, what is not SDR is mapped to sRGB"));
   const Still view = ReadStill(output);
@@ -136,8 +138,8 @@ TEST_F(CompareCommand, ShowsSdrAsItIsWithoutANote) {
 }
 
 TEST_F(CompareCommand, WritesEveryView) {
-  const std::string a = Tagged("a.png", kPq, 140, 200);
-  const std::string b = Tagged("b.png", kPq, 140, 190);
+  const std::string a = Tagged("a.png", kPQ, 140, 200);
+  const std::string b = Tagged("b.png", kPQ, 140, 190);
   const std::vector<std::vector<std::string>> views = {{"--view", "side-by-side"},
                                                        {"--view", "split", "--split", "0.3"},
                                                        {"--view", "delta-e"},
@@ -164,7 +166,7 @@ TEST_F(CompareCommand, RefusesPicturesOfDifferentSizesAndSaysBoth) {
 }
 
 TEST_F(CompareCommand, RefusesAnUntaggedPictureUntilItIsTagged) {
-  const std::string tagged = Tagged("a.png", kPq, 140, 200);
+  const std::string tagged = Tagged("a.png", kPQ, 140, 200);
   const std::string untagged = Picture("b.png", 140, 200, {});
   const RunResult run = RunQuillon({"compare", tagged, untagged});
   EXPECT_EQ(run.exitCode, 3);

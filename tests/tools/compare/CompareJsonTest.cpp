@@ -7,6 +7,8 @@
 #include "tools/quillon/compare/CompareJson.h"
 #include "tools/quillon/options/Json.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 PX::VideoFrameRef Frame(std::uint8_t transfer, float value) {

@@ -10,6 +10,8 @@
 #include "tools/quillon/picture/DeltaEItp.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 constexpr int kWidth = 40;
@@ -25,7 +27,7 @@ PX::VideoFrameRef LinearRamp() {
   return MakeTestFrame(kWidth, kHeight, H273::kPrimariesBT2020, H273::kTransferLinear, Ramp);
 }
 
-PX::VideoFrameRef PqRamp() {
+PX::VideoFrameRef PQRamp() {
   return MakeTestFrame(kWidth, kHeight, H273::kPrimariesBT2020, H273::kTransferPQ, Ramp);
 }
 
@@ -34,7 +36,7 @@ PX::VideoFrameRef SrgbRamp() {
 }
 
 TEST(ComparePictures, FindsNoDifferenceBetweenAPictureAndItself) {
-  for (const auto& frame : {LinearRamp(), PqRamp(), SrgbRamp()}) {
+  for (const auto& frame : {LinearRamp(), PQRamp(), SrgbRamp()}) {
     const Comparison comparison = ComparePictures(frame, frame, {});
     EXPECT_EQ(comparison.comparedPixels, kWidth * kHeight);
     ASSERT_TRUE(comparison.deltaEFigures.has_value());
@@ -93,8 +95,8 @@ TEST(ComparePictures, RanksDeltaEByWhatSoManyPercentDoNotExceed) {
 }
 
 TEST(ComparePictures, GivesTheSameFiguresWithThePicturesSwapped) {
-  const Comparison one = ComparePictures(PqRamp(), SrgbRamp(), {});
-  const Comparison other = ComparePictures(SrgbRamp(), PqRamp(), {});
+  const Comparison one = ComparePictures(PQRamp(), SrgbRamp(), {});
+  const Comparison other = ComparePictures(SrgbRamp(), PQRamp(), {});
   EXPECT_GT(one.deltaEFigures->mean, 1.0);
   EXPECT_EQ(one.deltaEFigures->mean, other.deltaEFigures->mean);
   EXPECT_EQ(one.deltaEFigures->percentile95, other.deltaEFigures->percentile95);
@@ -114,16 +116,16 @@ TEST(ComparePictures, TakesOneColourForTheSameInTwoContainers) {
 }
 
 TEST(ComparePictures, ComparesSignalsOnlyInOneColourSpaceWithFullScale) {
-  const PX::VideoFrameRef changed = PqRamp();
+  const PX::VideoFrameRef changed = PQRamp();
   SetTestPixel(changed, 3, 4, {0.5F, 0.5F, 0.5F});
-  const Comparison comparison = ComparePictures(PqRamp(), changed, {});
+  const Comparison comparison = ComparePictures(PQRamp(), changed, {});
   const Rgb before = Ramp(3, 4);
   double squares = 0.0;
   for (const float component : before) squares += (0.5 - component) * (0.5 - component);
   ASSERT_TRUE(comparison.ownError.has_value());
   EXPECT_NEAR(comparison.ownError->meanSquared, squares / (3.0 * kWidth * kHeight), 1e-12);
 
-  EXPECT_FALSE(ComparePictures(PqRamp(), SrgbRamp(), {}).ownError.has_value());
+  EXPECT_FALSE(ComparePictures(PQRamp(), SrgbRamp(), {}).ownError.has_value());
   EXPECT_FALSE(ComparePictures(LinearRamp(), LinearRamp(), {}).ownError.has_value());
 }
 

@@ -9,6 +9,8 @@
 #include "tools/quillon/compare/FalseColors.h"
 #include "tools/quillon/picture/PictureForEye.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 constexpr int kWidth = 20;

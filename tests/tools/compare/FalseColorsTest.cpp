@@ -7,6 +7,8 @@
 #include "tools/quillon/compare/FalseColors.h"
 #include "tools/quillon/compare/PixelMarks.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 double Luminance(const FalseColor& color) {

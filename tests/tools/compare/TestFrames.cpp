@@ -4,6 +4,8 @@
 
 #include "tools/quillon/picture/Frames.h"
 
+using namespace Quillon::Cli;
+
 PX::VideoFrameRef MakeTestFrame(int width, int height, std::uint8_t primaries,
                                 std::uint8_t transfer,
                                 const std::function<Rgb(int x, int y)>& pixel) {

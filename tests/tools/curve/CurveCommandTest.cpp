@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "curves/St2084.h"
+#include "mapper/Mapping.h"
 #include "tests/tools/RunQuillon.h"
 #include "tests/tools/curve/CurveTable.h"
-#include "mapper/Mapping.h"
 
 namespace {
 

@@ -14,6 +14,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/WriteStill.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::Contains;

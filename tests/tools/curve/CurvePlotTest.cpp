@@ -14,6 +14,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/plot/CurveStyle.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::HasSubstr;

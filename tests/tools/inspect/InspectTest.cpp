@@ -11,6 +11,8 @@
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/ClipWriter.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using nlohmann::json;
@@ -96,7 +98,7 @@ ClipLevels LevelsOf(double peak, std::size_t frames = 1) {
   return {"", 203, std::vector<FrameLevels>(frames, levels)};
 }
 
-ClipTags PqTags(float maxCll, float maxFall) {
+ClipTags PQTags(float maxCll, float maxFall) {
   ClipTags tags;
   tags.colors.primaries = H273::kPrimariesBT2020;
   tags.colors.transfer = H273::kTransferPQ;
@@ -105,19 +107,19 @@ ClipTags PqTags(float maxCll, float maxFall) {
 }
 
 TEST(Inspect, WarnsWhereTagsAndContentDisagree) {
-  EXPECT_THAT(FindDisagreements(PqTags(1000, 400), LevelsOf(980)), IsEmpty());
-  EXPECT_THAT(FindDisagreements(PqTags(4000, 0), LevelsOf(1000)),
+  EXPECT_THAT(FindDisagreements(PQTags(1000, 400), LevelsOf(980)), IsEmpty());
+  EXPECT_THAT(FindDisagreements(PQTags(4000, 0), LevelsOf(1000)),
               ElementsAre("MaxCLL is 4000 nits, but the brightest pixel has 1000 nits"));
-  EXPECT_THAT(FindDisagreements(PqTags(500, 0), LevelsOf(1000)),
+  EXPECT_THAT(FindDisagreements(PQTags(500, 0), LevelsOf(1000)),
               ElementsAre("MaxCLL is 500 nits, but the content reaches 1000 nits"));
-  EXPECT_THAT(FindDisagreements(PqTags(1000, 900), LevelsOf(1000)),
+  EXPECT_THAT(FindDisagreements(PQTags(1000, 900), LevelsOf(1000)),
               ElementsAre("MaxFALL is 900 nits, but the brightest picture has 500 nits on "
                           "average"));
-  EXPECT_THAT(FindDisagreements(PqTags(0, 0), LevelsOf(99)),
+  EXPECT_THAT(FindDisagreements(PQTags(0, 0), LevelsOf(99)),
               ElementsAre(HasSubstr("it is tagged PQ, but never passes 100 nits")));
-  EXPECT_THAT(FindDisagreements(PqTags(100, 200), std::nullopt),
+  EXPECT_THAT(FindDisagreements(PQTags(100, 200), std::nullopt),
               ElementsAre("MaxFALL (200 nits) is above MaxCLL (100 nits)"));
-  ClipTags sdr = PqTags(1000, 0);
+  ClipTags sdr = PQTags(1000, 0);
   sdr.colors.transfer = H273::kTransferBT709;
   EXPECT_THAT(FindDisagreements(sdr, std::nullopt),
               ElementsAre(HasSubstr("the transfer is not an HDR one")));

@@ -11,6 +11,7 @@
 #include "tests/tools/io/StillTestSupport.h"
 #include "tools/quillon/io/AvifBoxes.h"
 
+using namespace Quillon::Cli;
 using orvmediatypes::color::ColorDescription;
 using ::testing::HasSubstr;
 

@@ -7,6 +7,7 @@
 #include "tests/tools/io/PngFile.h"
 #include "tools/quillon/io/WriteStill.h"
 
+using namespace Quillon::Cli;
 using ::testing::HasSubstr;
 
 namespace {

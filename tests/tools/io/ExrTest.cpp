@@ -18,6 +18,7 @@
 
 #include "tests/tools/io/StillTestSupport.h"
 
+using namespace Quillon::Cli;
 using orvmediatypes::color::ColorDescription;
 using ::testing::HasSubstr;
 

@@ -7,6 +7,8 @@
 #include "tests/tools/ScratchFolder.h"
 #include "tools/quillon/io/NameBeside.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 
 TEST(NameBeside, AppendsToNamesThatHaveRoom) {

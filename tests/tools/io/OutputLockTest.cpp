@@ -11,6 +11,8 @@
 #include "tests/tools/io/StillTestSupport.h"
 #include "tools/quillon/io/OutputLock.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;

@@ -5,6 +5,8 @@
 
 #include <zlib.h>
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
@@ -92,3 +94,5 @@ PngChunk FindChunk(const Bytes& file, const std::string& name) {
   }
   return found;
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 
 #include "tests/tools/io/StillTestSupport.h"
 
+namespace Quillon::Cli {
+
 struct PngChunk {
   std::string name;
   Bytes data;
@@ -37,3 +39,5 @@ std::vector<PngChunk> ChunksOfPng(const Bytes& file);
 
 /// The one chunk of this name, or an empty one without a name.
 PngChunk FindChunk(const Bytes& file, const std::string& name);
+
+}  // namespace Quillon::Cli

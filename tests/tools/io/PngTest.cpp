@@ -7,6 +7,7 @@
 #include "tests/tools/io/PngFile.h"
 #include "tools/quillon/io/FramePixels.h"
 
+using namespace Quillon::Cli;
 using orvmediatypes::color::Chromaticity;
 using orvmediatypes::color::ColorDescription;
 using ::testing::HasSubstr;

@@ -3,6 +3,7 @@
 
 #include "tests/tools/io/StillTestSupport.h"
 
+using namespace Quillon::Cli;
 using orvmediatypes::color::ColorDescription;
 using ::testing::HasSubstr;
 

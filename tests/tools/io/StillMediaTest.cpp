@@ -9,6 +9,8 @@
 #include "tests/tools/io/StillTestSupport.h"
 #include "tools/quillon/io/FramePixels.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 using orvmediatypes::color::ColorDescription;
 

@@ -10,6 +10,8 @@
 #include "host/kestrel/FrameManipulators.h"
 #include "tools/quillon/io/FramePixels.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 using orvmediatypes::color::ColorDescription;
@@ -128,3 +130,5 @@ bool HasRemark(const Still& still, const std::string& part) {
     return remark.find(part) != std::string::npos;
   });
 }
+
+}  // namespace Quillon::Cli

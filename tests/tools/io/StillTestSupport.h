@@ -13,6 +13,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/StillError.h"
 
+namespace Quillon::Cli {
+
 using Bytes = std::vector<std::uint8_t>;
 
 void WriteBytes(const std::filesystem::path& path, const Bytes& bytes);
@@ -53,3 +55,5 @@ struct Failure {
 std::optional<Failure> FailureOf(const std::function<void()>& operation);
 
 bool HasRemark(const Still& still, const std::string& part);
+
+}  // namespace Quillon::Cli

@@ -14,6 +14,8 @@
 #include "tools/quillon/io/WriteStill.h"
 #include "tools/quillon/process/UnfinishedFile.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;

@@ -7,6 +7,8 @@
 #include "tests/tools/io/StillTestSupport.h"
 #include "tools/quillon/io/WriteStill.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 constexpr int kWidth = 66;

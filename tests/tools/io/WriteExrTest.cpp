@@ -9,6 +9,7 @@
 #include "tests/tools/io/StillTestSupport.h"
 #include "tools/quillon/io/WriteStill.h"
 
+using namespace Quillon::Cli;
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::GraphicsWhiteLuminance;
 
@@ -51,7 +52,7 @@ TEST(WriteExr, RoundsToHalfByDefault) {
   EXPECT_EQ(file.header().channels().findChannel("R")->type, Imf::HALF);
 }
 
-TEST(WriteExr, WritesTheLinearEquivalentOfPq) {
+TEST(WriteExr, WritesTheLinearEquivalentOfPQ) {
   const ScratchFolder folder;
   StillOutput output;
   // PQ code value of 203 nits, ITU-R BT.2408.

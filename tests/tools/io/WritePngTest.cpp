@@ -8,6 +8,7 @@
 #include "tools/quillon/io/FramePixels.h"
 #include "tools/quillon/io/WriteStill.h"
 
+using namespace Quillon::Cli;
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 using ::testing::ElementsAre;

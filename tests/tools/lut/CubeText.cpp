@@ -4,6 +4,8 @@
 #include <sstream>
 #include <stdexcept>
 
+namespace Quillon::Cli {
+
 namespace {
 
 Signal ReadResult(const std::string& line) {
@@ -53,3 +55,5 @@ double NumberBehind(const std::string& comments, const std::string& text) {
   if (found == std::string::npos) throw std::runtime_error("no '" + text + "'");
   return std::stod(comments.substr(found + text.size()));
 }
+
+}  // namespace Quillon::Cli

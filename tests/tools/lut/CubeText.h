@@ -6,6 +6,8 @@
 
 #include "tools/quillon/lut/LutLattice.h"
 
+namespace Quillon::Cli {
+
 /// A .cube file as a reader of the format sees it.
 struct CubeText {
   std::string title;
@@ -19,3 +21,5 @@ CubeText ReadCube(const std::filesystem::path& path);
 
 /// The number behind a text of the comments. Throws std::runtime_error.
 double NumberBehind(const std::string& comments, const std::string& text);
+
+}  // namespace Quillon::Cli

@@ -9,6 +9,8 @@
 #include "tests/tools/lut/CubeText.h"
 #include "tests/tools/lut/SignalPictures.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::AllOf;
@@ -187,7 +189,7 @@ TEST_F(LutCommand, StatesNextToNoErrorWhereNothingChanges) {
   EXPECT_LT(NumberBehind(cube.comments, "delta-E ITP max "), 1e-2);
 }
 
-TEST_F(LutCommand, TakesSignalsOfPqAndHlgAlone) {
+TEST_F(LutCommand, TakesSignalsOfPQAndHlgAlone) {
   ExpectUsageError({"--from", "srgb"}, "PQ or HLG");
   ExpectUsageError({"--from-cicp", "9/8/0"}, "PQ or HLG");
   ExpectUsageError({"--to-cicp", "9/8/0"}, "linear light");

@@ -12,6 +12,8 @@
 #include "tests/tools/lut/CubeText.h"
 #include "tests/tools/lut/SignalPictures.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 constexpr std::size_t kPlaneToComponent[] = {1, 2, 0};  // green, blue, red

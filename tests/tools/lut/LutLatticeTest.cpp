@@ -5,6 +5,8 @@
 
 #include "tools/quillon/lut/LutLattice.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 LutLattice LatticeOf(int size, Signal (*function)(const Signal&)) {

@@ -9,6 +9,8 @@
 #include "tools/quillon/io/FramePixels.h"
 #include "tools/quillon/io/WriteStill.h"
 
+namespace Quillon::Cli {
+
 void WriteSignals(const std::filesystem::path& path, const std::vector<Signal>& signals,
                   int width) {
   orvmediatypes::color::ColorDescription description;
@@ -46,3 +48,5 @@ std::vector<Signal> ReadSignals(const std::filesystem::path& path) {
   }
   return signals;
 }
+
+}  // namespace Quillon::Cli

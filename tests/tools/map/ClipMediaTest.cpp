@@ -8,6 +8,8 @@
 #include "tools/quillon/picture/DeltaEItp.h"
 #include "tools/quillon/picture/Frames.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -67,7 +69,7 @@ TEST_P(ClipMedia, MapsWithItsFramesTimesAndSound) {
   }
 }
 
-TEST_P(ClipMedia, MapsAnExcerptAlikeOnTheGpu) {
+TEST_P(ClipMedia, MapsAnExcerptAlikeOnTheGPU) {
   if (RunQuillon({"devices"}).out.find("opencl:0") == std::string::npos) {
     GTEST_SKIP() << "no OpenCL device";
   }

@@ -7,6 +7,8 @@
 #include "tests/tools/video/ClipFiles.h"
 #include "tools/quillon/video/ClipReader.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using testing::HasSubstr;

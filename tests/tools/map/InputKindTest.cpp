@@ -81,7 +81,8 @@ TEST_F(InputKind, SaysThatAStillBecomesNoClipAndAClipNoStill) {
   EXPECT_THAT(toStill.err, AllOf(HasSubstr("c.mp4 is a clip"), HasSubstr("frame.%05d.png")));
   const RunResult toClip = RunQuillon({"map", folder_ / "c.png", folder_ / "o.mp4"});
   EXPECT_EQ(toClip.exitCode, 4);
-  EXPECT_THAT(toClip.err, AllOf(HasSubstr("c.png is a still"), HasSubstr("choose .exr, .png or .avif")));
+  EXPECT_THAT(toClip.err,
+              AllOf(HasSubstr("c.png is a still"), HasSubstr("choose .exr, .png or .avif")));
 }
 
 TEST_F(InputKind, TakesAFileOfThatVeryNameForItself) {

@@ -11,6 +11,8 @@
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/ClipWriter.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using testing::HasSubstr;
@@ -142,10 +144,10 @@ TEST(MapClip, GivesTheSameBitsOnEveryDevice) {
                                              "--algorithm", algorithm, clip};
     auto onCpu = shared;
     onCpu.push_back(folder / "cpu.mkv");
-    auto onGpu = shared;
-    onGpu.insert(onGpu.end(), {"--device", "opencl:0", folder / "gpu.mkv"});
+    auto onGPU = shared;
+    onGPU.insert(onGPU.end(), {"--device", "opencl:0", folder / "gpu.mkv"});
     ASSERT_EQ(Map(onCpu).exitCode, 0);
-    const RunResult run = Map(onGpu);
+    const RunResult run = Map(onGPU);
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_EQ(DecodeClip(folder / "gpu.mkv"), DecodeClip(folder / "cpu.mkv")) << algorithm;
   }

@@ -8,6 +8,8 @@
 #include "tests/tools/RunQuillon.h"
 #include "tools/quillon/io/Still.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -100,7 +102,7 @@ TEST_F(MapCommand, TakesThePeakFromMaxCLLAndDropsTheMetadataOnTheWayToSdr) {
   EXPECT_THAT(ReadFile(folder_ / "sdr.png"), Not(HasSubstr("mDCV")));
 }
 
-TEST_F(MapCommand, WritesTheNewLightLevelIntoAPqResult) {
+TEST_F(MapCommand, WritesTheNewLightLevelIntoAPQResult) {
   ASSERT_EQ(RunQuillon({"map", "--to", "bt2100-pq", "--target-peak", "600", Chart("c.png"),
                         folder_ / "600.png"})
                 .exitCode,
@@ -121,7 +123,7 @@ TEST_F(MapCommand, ExplainsEverySettingItResolved) {
   }
 }
 
-TEST_F(MapCommand, MapsByEveryAlgorithmFromLinearLightAndFromPq) {
+TEST_F(MapCommand, MapsByEveryAlgorithmFromLinearLightAndFromPQ) {
   for (const std::string& chart : {Chart("c.exr"), Chart("c.png")}) {
     for (const char* algorithm : {"auto", "bt2390-maxrgb", "bt2390-rgb", "bt2446a", "hue", "car"}) {
       const std::string out = folder_ / (std::string(algorithm) + ".png");

@@ -11,6 +11,8 @@
 #include "tests/tools/RunQuillon.h"
 #include "tools/quillon/io/Still.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -105,7 +107,7 @@ TEST_F(Media, AnUntaggedPictureIsRefusedUntilItIsTagged) {
   EXPECT_FALSE(Mapped("png/hdr_test_chart_pq.png", {"--from", "bt2100-pq"}).samples.empty());
 }
 
-TEST_F(Media, APqSignalAndTheLightItStandsForMapAlike) {
+TEST_F(Media, APQSignalAndTheLightItStandsForMapAlike) {
   const Picture signal =
       Mapped("exr/PQ_BT2020_chart_signal.exr", {"--from", "bt2100-pq", "--peak", "10000"});
   const Picture light = Mapped("exr/PQ_BT2020_chart_linear.exr",

@@ -70,7 +70,7 @@ class StartUp : public testing::Test {
   ScratchFolder folder_;
 };
 
-TEST_F(StartUp, LoadsNoLibraryOfClipsPlotsAvifOrGpus) {
+TEST_F(StartUp, LoadsNoLibraryOfClipsPlotsAvifOrGPUs) {
   ExpectStillLibrariesAlone(LibrariesOf({"--version"}));
 }
 

@@ -10,6 +10,8 @@
 #include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::AllOf;

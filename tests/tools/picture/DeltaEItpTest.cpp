@@ -5,12 +5,14 @@
 #include "curves/St2084.h"
 #include "tools/quillon/picture/DeltaEItp.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 constexpr double kTolerance = 1e-11;  // the engine's powers are good to about 1e-12
 
 /// SMPTE ST 2084 written out with the fractions of ITU-R BT.2100-2, table 4.
-long double Pq(long double nits) {
+long double PQ(long double nits) {
   const long double m1 = 2610.0L / 16384.0L;
   const long double m2 = 2523.0L / 4096.0L * 128.0L;
   const long double c1 = 3424.0L / 4096.0L;
@@ -22,9 +24,9 @@ long double Pq(long double nits) {
 
 TEST(ICtCpOfNits, AgreesWithTheFormulasWrittenOutForPureRed) {
   for (const long double nits : {10000.0L, 100.0L, 0.5L}) {
-    const long double l = Pq(nits * 1688.0L / 4096.0L);
-    const long double m = Pq(nits * 683.0L / 4096.0L);
-    const long double s = Pq(nits * 99.0L / 4096.0L);
+    const long double l = PQ(nits * 1688.0L / 4096.0L);
+    const long double m = PQ(nits * 683.0L / 4096.0L);
+    const long double s = PQ(nits * 99.0L / 4096.0L);
     const ICtCp red = ICtCpOfNits(static_cast<double>(nits), 0.0, 0.0);
     EXPECT_NEAR(red.i, static_cast<double>((l + m) / 2.0L), kTolerance);
     EXPECT_NEAR(red.ct, static_cast<double>((6610.0L * l - 13613.0L * m + 7003.0L * s) / 4096.0L),
@@ -38,18 +40,18 @@ TEST(ICtCpOfNits, WeighsEachPrimaryAsTheStandardDoes) {
   // Columns of the matrix to L, M and S, in 4096ths.
   const double columns[3][3] = {{1688, 683, 99}, {2146, 2951, 309}, {262, 462, 3688}};
   for (int primary = 0; primary < 3; ++primary) {
-    const long double l = Pq(1000.0L * columns[primary][0] / 4096.0L);
-    const long double m = Pq(1000.0L * columns[primary][1] / 4096.0L);
+    const long double l = PQ(1000.0L * columns[primary][0] / 4096.0L);
+    const long double m = PQ(1000.0L * columns[primary][1] / 4096.0L);
     const ICtCp color = ICtCpOfNits(primary == 0 ? 1000.0 : 0.0, primary == 1 ? 1000.0 : 0.0,
                                     primary == 2 ? 1000.0 : 0.0);
     EXPECT_NEAR(color.i, static_cast<double>((l + m) / 2.0L), kTolerance) << primary;
   }
 }
 
-TEST(ICtCpOfNits, GivesGreysTheirPqSignalAndNoColour) {
+TEST(ICtCpOfNits, GivesGreysTheirPQSignalAndNoColour) {
   for (const double nits : {0.01, 1.0, 26.0, 203.0, 1000.0, 10000.0}) {
     const ICtCp grey = ICtCpOfNits(nits, nits, nits);
-    EXPECT_NEAR(grey.i, static_cast<double>(Pq(nits)), kTolerance);
+    EXPECT_NEAR(grey.i, static_cast<double>(PQ(nits)), kTolerance);
     EXPECT_NEAR(grey.ct, 0.0, kTolerance);
     EXPECT_NEAR(grey.cp, 0.0, kTolerance);
   }
@@ -64,8 +66,8 @@ TEST(ICtCpOfNits, TakesComponentsBelowZeroForZero) {
   EXPECT_EQ(negative.cp, clamped.cp);
 }
 
-TEST(DeltaEItp, Is720TimesTheDifferenceOfPqSignalsBetweenGreys) {
-  const double expected = 720.0 * static_cast<double>(Pq(203.0L) - Pq(100.0L));
+TEST(DeltaEItp, Is720TimesTheDifferenceOfPQSignalsBetweenGreys) {
+  const double expected = 720.0 * static_cast<double>(PQ(203.0L) - PQ(100.0L));
   EXPECT_NEAR(DeltaEItp(ICtCpOfNits(203.0, 203.0, 203.0), ICtCpOfNits(100.0, 100.0, 100.0)),
               expected, 1e-9);
 }
@@ -86,7 +88,7 @@ TEST(DeltaEItp, IsTheSameBothWaysAndZeroForOneColour) {
   EXPECT_EQ(DeltaEItp(one, one), 0.0);
 }
 
-TEST(DeltaEItp, OfGreysIsTheirDistanceInPq) {
+TEST(DeltaEItp, OfGreysIsTheirDistanceInPQ) {
   for (const double nits : {0.1, 1.0, 100.0, 1000.0}) {
     const ICtCp grey = ICtCpOfNits(nits, nits, nits);
     EXPECT_NEAR(grey.i, EncodeSt2084(nits), 1e-12);

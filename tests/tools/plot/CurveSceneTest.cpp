@@ -9,6 +9,8 @@
 #include "tools/quillon/plot/CurveScene.h"
 #include "tools/quillon/plot/CurveStyle.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::Contains;

@@ -7,6 +7,8 @@
 
 #include "tools/quillon/plot/DrawScene.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::ElementsAre;

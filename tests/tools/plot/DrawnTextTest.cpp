@@ -6,6 +6,8 @@
 #include "tools/quillon/plot/DrawScene.h"
 #include "tools/quillon/plot/DrawnText.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 const std::string kMark = "\xEF\xBF\xBD";

@@ -5,6 +5,8 @@
 
 #include "tools/quillon/plot/NitsAxis.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::DoubleNear;
@@ -25,14 +27,14 @@ TEST(NitsAxis, KeepsBlackWithinReachOfALogAxis) {
   }
 }
 
-TEST(NitsAxis, SpacesCodeValuesEquallyOnAPqAxis) {
+TEST(NitsAxis, SpacesCodeValuesEquallyOnAPQAxis) {
   const NitsAxis axis(NitsAxis::Scale::PQ, 0.0, 10000.0);
   EXPECT_DOUBLE_EQ(axis.Share(0.0), 0.0);
   EXPECT_NEAR(axis.Share(100.0), 0.508078, 1e-6);  // ITU-R BT.2408
   EXPECT_NEAR(axis.Share(10000.0), 1.0, 1e-12);
 }
 
-TEST(NitsAxis, NamesTheDecadesFromATenthOfANitOnAPqAxis) {
+TEST(NitsAxis, NamesTheDecadesFromATenthOfANitOnAPQAxis) {
   const auto is = [](double nits) { return DoubleNear(nits, nits * 1e-12); };
   EXPECT_THAT(NitsAxis(NitsAxis::Scale::PQ, 0.0, 16000.0).Decades(),
               ElementsAre(is(0.1), is(1), is(10), is(100), is(1000), is(10000)));

@@ -9,6 +9,8 @@
 #include "tools/quillon/process/Interrupt.h"
 #include "tools/quillon/process/UnfinishedFile.h"
 
+using namespace Quillon::Cli;
+
 TEST(EndOnSignals, EndsWithTheCodeOfTheSignalAndTakesUnfinishedFilesAway) {
   for (const auto& [signal, code] :
        std::vector<std::pair<int, int>>{{SIGINT, 130}, {SIGTERM, 143}}) {

@@ -11,6 +11,8 @@
 #include "tests/tools/RunQuillon.h"
 #include "tests/tools/io/PngFile.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using ::testing::AllOf;

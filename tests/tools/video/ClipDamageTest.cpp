@@ -3,6 +3,8 @@
 #include "tests/tools/video/ClipFiles.h"
 #include "tools/quillon/video/ClipWriter.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 
 namespace {

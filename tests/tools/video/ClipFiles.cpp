@@ -13,6 +13,8 @@ extern "C" {
 #include <libavutil/imgutils.h>
 }
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -205,3 +207,5 @@ void AddSound(const fs::path& from, const fs::path& to) {
   CopyVideo(input, *made, soundPackets);
   RequireAv(av_write_trailer(made), "writing the end");
 }
+
+}  // namespace Quillon::Cli

@@ -10,6 +10,8 @@
 #include "tools/quillon/video/AvHandles.h"
 #include "tools/quillon/video/Encoding.h"
 
+namespace Quillon::Cli {
+
 /// Clips for tests, and what is in them.
 
 /// Throws where a call of FFmpeg failed.
@@ -51,3 +53,5 @@ std::vector<StreamPacket> PacketsOf(const std::filesystem::path& path, AVMediaTy
 
 /// Copies a clip, adds a stream of sound with known samples, and two chapters.
 void AddSound(const std::filesystem::path& from, const std::filesystem::path& to);
+
+}  // namespace Quillon::Cli

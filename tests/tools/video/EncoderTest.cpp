@@ -11,6 +11,8 @@
 #include "tools/quillon/video/AvPictures.h"
 #include "tools/quillon/video/Encoding.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 using testing::HasSubstr;

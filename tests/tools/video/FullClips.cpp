@@ -10,6 +10,8 @@
 #include "tools/quillon/video/ClipInput.h"
 #include "tools/quillon/video/ClipWriter.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -4,6 +4,8 @@
 #include "tests/tools/video/FullClips.h"
 #include "tools/quillon/video/ClipInput.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 /// Codecs of all streams, in the order of the file.

@@ -4,6 +4,8 @@
 
 #include "tools/quillon/video/SteadyTimes.h"
 
+using namespace Quillon::Cli;
+
 namespace {
 
 std::int64_t MissingAmong(SteadyTimes& times, const std::vector<double>& seconds) {

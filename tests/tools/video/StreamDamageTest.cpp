@@ -9,6 +9,8 @@
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/ClipWriter.h"
 
+using namespace Quillon::Cli;
+
 namespace fs = std::filesystem;
 
 namespace {

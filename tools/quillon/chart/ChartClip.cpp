@@ -14,6 +14,8 @@
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kWhite = 203;
@@ -99,3 +101,5 @@ ChartClipLight WriteChartClip(const ChartClip& clip) {
   }
   return light;
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <string_view>
 
+namespace Quillon::Cli {
+
 /// A clip of the chart: half of it by day, the highlight wandering, then a cut to night, at a
 /// twentieth of the light.
 struct ChartClip {
@@ -22,3 +24,5 @@ struct ChartClipLight {
 
 /// Renders and encodes it (HEVC, 10 bits, 24 frames a second). Throws CommandError or StillError.
 ChartClipLight WriteChartClip(const ChartClip& clip);
+
+}  // namespace Quillon::Cli

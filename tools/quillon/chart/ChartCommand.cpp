@@ -14,6 +14,8 @@
 #include "tools/quillon/picture/LightLevels.h"
 #include "tools/quillon/process/Words.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kWhite = 203;
@@ -98,3 +100,5 @@ Subcommand AddChartCommand(CLI::App& app) {
     return std::vector{options->output};
   };
 }
+
+}  // namespace Quillon::Cli

@@ -10,6 +10,8 @@
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/picture/Frames.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -163,3 +165,5 @@ PX::VideoFrameRef RenderChart(int width, int height, int white, const ChartMomen
   }
   return frame;
 }
+
+}  // namespace Quillon::Cli

@@ -2,6 +2,8 @@
 
 #include "host/pavix/IVideoFrame.h"
 
+namespace Quillon::Cli {
+
 /// Peak of the chart's scene in nits.
 inline constexpr double kChartPeakNits = 4000.0;
 
@@ -18,3 +20,5 @@ orvmediatypes::color::ColorSpace ChartPQ();
 /// nits: a grey ramp evenly spaced in PQ, flat patches of known luminance, saturated ramps and a
 /// hue sweep out to the BT.2020 boundary, a highlight with a saturated glow, and a dark corner.
 PX::VideoFrameRef RenderChart(int width, int height, int white, const ChartMoment& moment = {});
+
+}  // namespace Quillon::Cli

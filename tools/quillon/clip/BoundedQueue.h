@@ -7,6 +7,8 @@
 #include <optional>
 #include <utility>
 
+namespace Quillon::Cli {
+
 /// Hands items from one thread to another, never more than `capacity` of them waiting. Any thread.
 template <class Item>
 class BoundedQueue {
@@ -58,3 +60,5 @@ class BoundedQueue {
   std::deque<Item> items_;
   bool finished_ = false;
 };
+
+}  // namespace Quillon::Cli

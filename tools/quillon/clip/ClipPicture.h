@@ -6,6 +6,8 @@
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/video/ClipTags.h"
 
+namespace Quillon::Cli {
+
 /// A picture of a clip or of an image sequence.
 struct ClipPicture {
   /// In system memory, in the colour space that `tags` tell.
@@ -16,3 +18,5 @@ struct ClipPicture {
   /// The decoded frame with what else came along; null for stills.
   std::shared_ptr<const AVFrame> samples;
 };
+
+}  // namespace Quillon::Cli

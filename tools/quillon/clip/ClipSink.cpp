@@ -12,6 +12,8 @@ extern "C" {
 #include <libavutil/frame.h>
 }
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -175,3 +177,5 @@ std::string ClipSink::Abandon(bool atOnce) {
   writer_.reset();
   return files_.clip.string() + " holds " + Counted(frames, "frame");
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include "tools/quillon/video/AvPictures.h"
 #include "tools/quillon/video/ClipWriter.h"
 
+namespace Quillon::Cli {
+
 /// Writes a clip under a temporary name, and renames it when it is whole.
 class ClipSink : public PictureSink {
  public:
@@ -47,3 +49,5 @@ class ClipSink : public PictureSink {
   std::int64_t lastPts_;
   bool holdsAll_ = false;  ///< but has not its form yet
 };
+
+}  // namespace Quillon::Cli

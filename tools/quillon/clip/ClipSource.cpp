@@ -11,6 +11,8 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorSpace;
 
 ClipSource::ClipSource(const std::filesystem::path& path, const FrameIndex* index,
@@ -98,3 +100,5 @@ std::shared_ptr<const AVFrame> ClipSource::InHostFormat(std::shared_ptr<const AV
   }
   return converted;
 }
+
+}  // namespace Quillon::Cli

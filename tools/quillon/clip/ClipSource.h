@@ -5,6 +5,8 @@
 
 struct SwsContext;
 
+namespace Quillon::Cli {
+
 /// The pictures of a clip. Samples that the host has no format for are converted to the nearest
 /// that it has.
 class ClipSource : public PictureSource {
@@ -34,3 +36,5 @@ class ClipSource : public PictureSource {
   std::unique_ptr<SwsContext, void (*)(SwsContext*)> scaler_;
   std::optional<AvFramePool> converted_;
 };
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 const AVBitStreamFilter* StartCodesFor(AVCodecID codec) {
@@ -58,3 +60,5 @@ void EarlierFrames::Read() {
 void EarlierFrames::Advance() {
   if (--left_ > 0) Read();
 }
+
+}  // namespace Quillon::Cli

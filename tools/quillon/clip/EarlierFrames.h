@@ -9,6 +9,8 @@ extern "C" {
 #include <libavcodec/bsf.h>
 }
 
+namespace Quillon::Cli {
+
 struct FreeAvBitstreamFilter {
   void operator()(AVBSFContext* context) const { av_bsf_free(&context); }
 };
@@ -36,3 +38,5 @@ class EarlierFrames {
   std::int64_t left_;
   std::int64_t shift_;
 };
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 
 #include "tools/quillon/picture/LightLevels.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// Bins follow the bits of a float: 64 to an octave, from 2^-12 to 2^14 nits; all that is darker
@@ -103,3 +105,5 @@ std::vector<ClipScene> FindScenes(std::span<const FrameLevels> levels, std::int6
   }
   return scenes;
 }
+
+}  // namespace Quillon::Cli

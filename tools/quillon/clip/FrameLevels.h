@@ -8,6 +8,8 @@
 
 #include "host/pavix/IVideoFrame.h"
 
+namespace Quillon::Cli {
+
 /// Light levels of one picture in nits, on the largest of R, G and B (CTA-861.3).
 struct FrameLevels {
   double peak = 0.0;
@@ -32,7 +34,7 @@ class LevelMeter {
   explicit LevelMeter(int white) : white_(white) {}
 
   /// Components that are not finite or lie below 0 count as 0. Throws CommandError when the picture
-  /// cannot be linearised.
+  /// cannot be linearized.
   FrameLevels Measure(const PX::VideoFrameRef& frame);
 
  private:
@@ -56,3 +58,5 @@ struct ClipScene {
 /// Cuts a clip where its light changes at once. Within a scene the peak stays the same, so that the
 /// mapping cannot pump; no scene is shorter than `shortest` pictures, unless the clip is.
 std::vector<ClipScene> FindScenes(std::span<const FrameLevels> levels, std::int64_t shortest);
+
+}  // namespace Quillon::Cli

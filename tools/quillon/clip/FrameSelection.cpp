@@ -6,6 +6,8 @@
 
 #include "tools/quillon/options/Numbers.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::int64_t kLargestNumber = std::numeric_limits<std::int32_t>::max();
@@ -99,3 +101,5 @@ std::optional<FrameRange> RangeOf(const Chunk& chunk, std::int64_t frames) {
   if (range.last < range.first) return std::nullopt;
   return range;
 }
+
+}  // namespace Quillon::Cli

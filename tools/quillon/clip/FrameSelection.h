@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace Quillon::Cli {
+
 /// Frames from `first` to `last`, both counted from 0 and both included.
 struct FrameRange {
   std::int64_t first = 0;
@@ -51,3 +53,5 @@ std::optional<Chunk> ParseChunk(const std::string& text);
 /// The frames of a chunk of a clip; the chunks of a clip hold each of its frames once. Nothing
 /// where the chunk is empty.
 std::optional<FrameRange> RangeOf(const Chunk& chunk, std::int64_t frames);
+
+}  // namespace Quillon::Cli

@@ -8,6 +8,8 @@
 #include "tools/quillon/io/NameBeside.h"
 #include "tools/quillon/io/TargetFile.h"
 
+namespace Quillon::Cli {
+
 using nlohmann::json;
 
 namespace {
@@ -88,3 +90,5 @@ void SaveLevels(const std::filesystem::path& clip, const ClipLevels& levels) {
   WriteTargetFile(LevelsFileOf(clip),
                   std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()), true);
 }
+
+}  // namespace Quillon::Cli

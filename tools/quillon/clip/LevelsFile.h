@@ -7,6 +7,8 @@
 
 #include "tools/quillon/clip/FrameLevels.h"
 
+namespace Quillon::Cli {
+
 /// Light levels of a whole clip, as the file beside it keeps them. Their meaning depends on the
 /// colour space and white that they were measured with.
 struct ClipLevels {
@@ -32,3 +34,5 @@ std::optional<ClipLevels> LoadLevels(const std::filesystem::path& clip,
 
 /// Keeps the levels. Throws StillError when the file cannot be written.
 void SaveLevels(const std::filesystem::path& clip, const ClipLevels& levels);
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include "tools/quillon/process/Interrupt.h"
 #include "tools/quillon/process/Words.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorSpace;
 
 namespace {
@@ -55,3 +57,5 @@ ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
   if (!isSequence && damage.places == 0) Keep(request, levels, notes);
   return levels;
 }
+
+}  // namespace Quillon::Cli

@@ -8,6 +8,8 @@
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/Progress.h"
 
+namespace Quillon::Cli {
+
 /// How a clip is to be measured.
 struct MeasureRequest {
   std::filesystem::path clip;
@@ -24,3 +26,5 @@ struct MeasureRequest {
 /// of its own, and kept where nothing is damaged. `notes` is told where they cannot be kept. Throws
 /// CommandError, also on Ctrl-C, and at a damaged place where the policy is to stop.
 ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes);
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include "tools/quillon/clip/ClipSource.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 void RequireClip(const std::filesystem::path& path, std::int64_t maxPixels) {
   const ClipInput clip = OpenClipInput(path, maxPixels);
   if (clip.video->codecpar->width > 0) return;
@@ -23,3 +25,5 @@ std::int64_t CountClipFrames(const std::filesystem::path& path, std::int64_t max
   RequireWhole(path, index.Damage());
   return index.Count();
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 
 #include "tools/quillon/clip/PictureSource.h"
 
+namespace Quillon::Cli {
+
 /// Throws CommandError unless the file is a clip as far as its head tells.
 void RequireClip(const std::filesystem::path& path, std::int64_t maxPixels);
 
@@ -16,3 +18,5 @@ std::unique_ptr<PictureSource> OpenClip(const std::filesystem::path& path, const
 
 /// How many frames a clip has, counted one by one. Throws CommandError.
 std::int64_t CountClipFrames(const std::filesystem::path& path, std::int64_t maxPixels);
+
+}  // namespace Quillon::Cli

@@ -2,6 +2,8 @@
 
 #include <limits>
 
+namespace Quillon::Cli {
+
 namespace {
 constexpr double kAlways = std::numeric_limits<double>::infinity();
 }
@@ -39,3 +41,5 @@ bool OutputTimes::Move(AVPacket& packet, AVRational timeBase) const {
   if (packet.dts != AV_NOPTS_VALUE) packet.dts -= shift;
   return true;
 }
+
+}  // namespace Quillon::Cli

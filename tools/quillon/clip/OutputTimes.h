@@ -6,6 +6,8 @@
 #include "tools/quillon/clip/FrameSelection.h"
 #include "tools/quillon/video/AvHandles.h"
 
+namespace Quillon::Cli {
+
 /// Times of an output that shows selected frames of a source: one range begins at 0 and keeps its
 /// own times; of several, each follows the one before without a gap. Without a selection times are
 /// the source's.
@@ -35,3 +37,5 @@ class OutputTimes {
   double begin_;
   double end_;
 };
+
+}  // namespace Quillon::Cli

@@ -11,6 +11,8 @@
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/video/ClipInput.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -64,3 +66,5 @@ EncodedFrames FindWholeGroups(const fs::path& clip) {
   }
   return frames;
 }
+
+}  // namespace Quillon::Cli

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+namespace Quillon::Cli {
+
 /// The files of a clip that is being written: "clip.part.mp4" beside "clip.mp4" (of long names a
 /// part, see NameBeside) and, beside it, a note of what it was made from and how, by which a later
 /// run knows whether it may go on with it.
@@ -34,3 +36,5 @@ struct EncodedFrames {
 /// Counts them: all video packets before the last key frame, whose group may be incomplete. None
 /// where the file is not there.
 EncodedFrames FindWholeGroups(const std::filesystem::path& clip);
+
+}  // namespace Quillon::Cli

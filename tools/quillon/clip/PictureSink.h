@@ -10,6 +10,8 @@
 #include "tools/quillon/clip/ClipPicture.h"
 #include "tools/quillon/video/PacketWatch.h"
 
+namespace Quillon::Cli {
+
 /// A picture to map into.
 struct MappedPicture {
   PX::VideoFrameRef frame;
@@ -44,3 +46,5 @@ class PictureSink {
   /// has reached the file. What there is, for the user; empty: nothing.
   virtual std::string Abandon(bool atOnce) = 0;
 };
+
+}  // namespace Quillon::Cli

@@ -8,6 +8,8 @@
 #include "tools/quillon/clip/SinglePicture.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 std::optional<SequenceName> InputSequence(const std::filesystem::path& path) {
   std::error_code error;
   return std::filesystem::exists(path, error) ? std::nullopt : SequenceName::Parse(path);
@@ -54,3 +56,5 @@ std::int64_t CountPictures(const std::filesystem::path& path, std::int64_t maxPi
   }
   return IsStill(path) ? 1 : CountClipFrames(path, maxPixels);
 }
+
+}  // namespace Quillon::Cli

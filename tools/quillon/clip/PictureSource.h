@@ -14,6 +14,8 @@
 #include "tools/quillon/video/ClipReader.h"
 #include "tools/quillon/video/Encoding.h"
 
+namespace Quillon::Cli {
+
 /// What a source gives: a picture, or a packet of another stream of its clip.
 using SourcePacket = std::shared_ptr<AVPacket>;
 using SourceItem = std::variant<ClipPicture, SourcePacket>;
@@ -68,3 +70,5 @@ void RequireWhole(const std::filesystem::path& path, const ClipDamage& damage);
 
 /// How many pictures there are, counted one by one. Throws CommandError, of damage too.
 std::int64_t CountPictures(const std::filesystem::path& path, std::int64_t maxPixels);
+
+}  // namespace Quillon::Cli

@@ -9,6 +9,8 @@
 
 #include "tools/quillon/clip/BoundedQueue.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::size_t kPicturesAhead = 3;
@@ -134,3 +136,5 @@ class Pipeline {
 }  // namespace
 
 bool RunPipeline(const PipelineWork& work) { return Pipeline(work).Run(); }
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 #include "tools/quillon/clip/PictureSink.h"
 #include "tools/quillon/clip/PictureSource.h"
 
+namespace Quillon::Cli {
+
 /// What a run over pictures consists of.
 struct PipelineWork {
   PictureSource& source;
@@ -25,3 +27,5 @@ struct PipelineWork {
 /// pictures ahead of the next. Neither finishes nor abandons the sink. False where the run was
 /// stopped. Throws what the stages throw; all threads have ended then.
 bool RunPipeline(const PipelineWork& work);
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 
 #include <unistd.h>
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::chrono::milliseconds kInterval{200};
@@ -89,3 +91,5 @@ void Progress::ShowJson(const ProgressStep& step, double seconds, double rate, b
   using nlohmann::json;
   std::fprintf(stderr, "%s\n", line.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+namespace Quillon::Cli {
+
 /// How progress is shown.
 enum class ProgressStyle {
   Auto,  ///< a line that is written over, where standard error is a terminal
@@ -50,3 +52,5 @@ class Progress {
   Clock::time_point shown_{};
   bool lineOpen_ = false;
 };
+
+}  // namespace Quillon::Cli

@@ -13,6 +13,8 @@
 #include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -80,3 +82,5 @@ void CheckInPlace(const fs::path& output, const fs::path& input, bool inPlace) {
            ": it is the input itself; choose another name, or give --in-place to replace it");
   }
 }
+
+}  // namespace Quillon::Cli

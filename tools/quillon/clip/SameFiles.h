@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+namespace Quillon::Cli {
+
 /// Whether two names, of files or of image sequences, have a file in common, by whatever spelling
 /// or link, or are one sequence.
 bool ShareFiles(const std::filesystem::path& a, const std::filesystem::path& b);
@@ -13,3 +15,5 @@ void RequireOtherFile(const std::filesystem::path& output, const std::filesystem
 /// refused where it would have no effect.
 void CheckInPlace(const std::filesystem::path& output, const std::filesystem::path& input,
                   bool inPlace);
+
+}  // namespace Quillon::Cli

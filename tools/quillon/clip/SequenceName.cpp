@@ -5,6 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 std::optional<SequenceName> SequenceName::Parse(const fs::path& path) {
@@ -55,3 +57,5 @@ std::vector<std::int64_t> SequenceName::ExistingNumbers() const {
   std::sort(numbers.begin(), numbers.end());
   return numbers;
 }
+
+}  // namespace Quillon::Cli

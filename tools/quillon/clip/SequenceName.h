@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace Quillon::Cli {
+
 /// The name of an image sequence: a file name with one "%d" or "%05d" where the number goes.
 class SequenceName {
  public:
@@ -24,3 +26,5 @@ class SequenceName {
   std::string after_;
   std::size_t digits_ = 1;  ///< numbers with fewer get leading zeros
 };
+
+}  // namespace Quillon::Cli

@@ -8,6 +8,8 @@
 #include "tools/quillon/picture/LightLevels.h"
 #include "tools/quillon/process/Words.h"
 
+namespace Quillon::Cli {
+
 SequenceSink::SequenceSink(SequenceName name, int width, int height,
                            const orvmediatypes::color::ColorSpace& colorSpace, StillOutput still,
                            bool resume)
@@ -42,3 +44,5 @@ std::string SequenceSink::Abandon(bool /*atOnce*/) {
   if (written_ == 0) return {};
   return Counted(written_, "picture") + " written";
 }
+
+}  // namespace Quillon::Cli

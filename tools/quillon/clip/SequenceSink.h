@@ -4,6 +4,8 @@
 #include "tools/quillon/clip/SequenceName.h"
 #include "tools/quillon/io/WriteStill.h"
 
+namespace Quillon::Cli {
+
 /// Writes stills by the numbers of their pictures, each as a whole or not at all.
 class SequenceSink : public PictureSink {
  public:
@@ -26,3 +28,5 @@ class SequenceSink : public PictureSink {
   bool resume_;
   std::int64_t written_ = 0;
 };
+
+}  // namespace Quillon::Cli

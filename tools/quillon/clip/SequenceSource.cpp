@@ -7,6 +7,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 SequenceSource::SequenceSource(SequenceName name, AVRational rate, std::int64_t first,
                                std::int64_t maxPixels)
     : name_(std::move(name)),
@@ -61,3 +63,5 @@ std::optional<SourceItem> SequenceSource::NextItem() {
                          std::to_string(info_.width) + "x" + std::to_string(info_.height) +
                          "; map the parts apart");
 }
+
+}  // namespace Quillon::Cli

@@ -2,6 +2,8 @@
 
 #include "tools/quillon/clip/PictureSource.h"
 
+namespace Quillon::Cli {
+
 /// The stills of an image sequence, in the order of their numbers.
 class SequenceSource : public PictureSource {
  public:
@@ -22,3 +24,5 @@ class SequenceSource : public PictureSource {
   std::optional<ClipPicture> ahead_;
   ClipInfo info_;
 };
+
+}  // namespace Quillon::Cli

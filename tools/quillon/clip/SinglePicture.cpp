@@ -6,6 +6,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/TargetFile.h"
 
+namespace Quillon::Cli {
+
 SinglePicture::SinglePicture(const std::filesystem::path& path, std::int64_t maxPixels) {
   const Still still = ReadStill(path, maxPixels);
   ClipPicture picture;
@@ -26,3 +28,5 @@ SinglePicture::SinglePicture(const std::filesystem::path& path, std::int64_t max
 std::optional<SourceItem> SinglePicture::NextItem() {
   return std::exchange(picture_, std::nullopt);
 }
+
+}  // namespace Quillon::Cli

@@ -2,6 +2,8 @@
 
 #include "tools/quillon/clip/PictureSource.h"
 
+namespace Quillon::Cli {
+
 /// A still as a clip of one picture.
 class SinglePicture : public PictureSource {
  public:
@@ -16,3 +18,5 @@ class SinglePicture : public PictureSource {
   std::optional<ClipPicture> picture_;
   ClipInfo info_;
 };
+
+}  // namespace Quillon::Cli

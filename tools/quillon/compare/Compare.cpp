@@ -14,6 +14,8 @@
 #include "tools/quillon/picture/PictureLight.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kBandRows = 16;
@@ -195,3 +197,5 @@ Comparison ComparePictures(const PX::VideoFrameRef& a, const PX::VideoFrameRef& 
   }
   return result;
 }
+
+}  // namespace Quillon::Cli

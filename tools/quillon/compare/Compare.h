@@ -7,6 +7,8 @@
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/compare/PixelMarks.h"
 
+namespace Quillon::Cli {
+
 struct CompareSettings {
   int white = 203;  ///< nits of graphics white, 1.0 in linear light
   /// ITU-T H.273 primaries that colours are out of gamut of.
@@ -59,3 +61,5 @@ struct Comparison {
 /// threads. Throws CommandError: NotSupported for frames of different sizes.
 Comparison ComparePictures(const PX::VideoFrameRef& a, const PX::VideoFrameRef& b,
                            const CompareSettings& settings);
+
+}  // namespace Quillon::Cli

@@ -18,6 +18,8 @@
 #include "tools/quillon/process/Interrupt.h"
 #include "tools/quillon/process/Words.h"
 
+namespace Quillon::Cli {
+
 using nlohmann::ordered_json;
 using orvmediatypes::color::ColorSpace;
 
@@ -209,3 +211,5 @@ void CompareClips(const CompareOptions& options) {
     Print(a, b, totals);
   }
 }
+
+}  // namespace Quillon::Cli

@@ -17,6 +17,8 @@
 #include "tools/quillon/options/Json.h"
 #include "tools/quillon/options/SharedOptions.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorSpace;
 
 namespace {
@@ -156,3 +158,5 @@ Subcommand AddCompareCommand(CLI::App& app) {
     return options->Written();
   };
 }
+
+}  // namespace Quillon::Cli

@@ -1,5 +1,7 @@
 #include "tools/quillon/compare/CompareJson.h"
 
+namespace Quillon::Cli {
+
 using nlohmann::ordered_json;
 
 namespace {
@@ -56,3 +58,5 @@ ordered_json CompareFiguresJson(const Comparison& comparison, const CompareSetti
           {"a", MarksJson(comparison.marksA)},
           {"b", MarksJson(comparison.marksB)}};
 }
+
+}  // namespace Quillon::Cli

@@ -2,6 +2,8 @@
 
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 std::string_view ComparedGamutName(std::uint8_t primaries) {
   for (const auto& choice : kComparedGamuts) {
     if (choice.value == primaries) return choice.name;
@@ -28,3 +30,5 @@ void CheckCompareOptions(const CompareOptions& options) {
     throw CommandError(ExitCode::Usage, "the view and the figures cannot be one file");
   }
 }
+
+}  // namespace Quillon::Cli

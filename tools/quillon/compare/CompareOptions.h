@@ -13,6 +13,8 @@
 #include "tools/quillon/options/SourceTags.h"
 #include "tools/quillon/process/Choice.h"
 
+namespace Quillon::Cli {
+
 /// What `--gamut` of `quillon compare` takes: ITU-T H.273 primaries.
 inline constexpr std::array<Choice<std::uint8_t>, 3> kComparedGamuts = {
     {{"bt709", 1}, {"p3-d65", 12}, {"bt2020", 9}}};
@@ -49,3 +51,5 @@ struct CompareOptions {
 
 /// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
 void CheckCompareOptions(const CompareOptions& options);
+
+}  // namespace Quillon::Cli

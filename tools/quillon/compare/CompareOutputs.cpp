@@ -10,6 +10,8 @@
 #include "tools/quillon/picture/BitmapFrame.h"
 #include "tools/quillon/picture/PictureForEye.h"
 
+namespace Quillon::Cli {
+
 void CheckCompareTargets(const CompareOptions& options) {
   if (!options.output.empty()) {
     if (LowerCaseExtension(options.output) != ".png") {
@@ -48,3 +50,5 @@ void WriteCompareJson(const CompareOptions& options, const std::string& json) {
   const std::vector<std::uint8_t> bytes(json.begin(), json.end());
   WriteTargetFile(options.json, bytes, options.overwrite);
 }
+
+}  // namespace Quillon::Cli

@@ -5,6 +5,8 @@
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/compare/CompareOptions.h"
 
+namespace Quillon::Cli {
+
 /// Throws CommandError or StillError where what was asked for cannot be written.
 void CheckCompareTargets(const CompareOptions& options);
 
@@ -15,3 +17,5 @@ void WriteCompareView(const CompareOptions& options, const Comparison& compariso
 
 /// Writes the figures as JSON, where a file was asked for. Throws StillError.
 void WriteCompareJson(const CompareOptions& options, const std::string& json);
+
+}  // namespace Quillon::Cli

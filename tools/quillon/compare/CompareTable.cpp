@@ -6,6 +6,8 @@
 
 #include "tools/quillon/compare/CompareOptions.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 std::ostream& Label(std::ostream& out, const std::string& label) {
@@ -66,3 +68,5 @@ void PrintComparison(std::ostream& out, const Comparison& comparison,
              CountOf(a, kOutOfGamut), CountOf(b, kOutOfGamut));
   PrintMarks(out, "not finite", CountOf(a, kNotFinite), CountOf(b, kNotFinite));
 }
+
+}  // namespace Quillon::Cli

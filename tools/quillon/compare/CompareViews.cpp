@@ -10,6 +10,8 @@
 #include "tools/quillon/compare/ViewLegend.h"
 #include "tools/quillon/picture/PictureForEye.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr FalseColor kDivider = {255, 0, 255};
@@ -133,3 +135,5 @@ Bitmap DrawCompareView(const PX::VideoFrameRef& a, const PX::VideoFrameRef& b,
       return DrawSideBySide(seenA, seenB);
   }
 }
+
+}  // namespace Quillon::Cli

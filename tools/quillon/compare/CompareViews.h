@@ -8,6 +8,8 @@
 #include "tools/quillon/plot/DrawScene.h"
 #include "tools/quillon/process/Choice.h"
 
+namespace Quillon::Cli {
+
 enum class CompareView { SideBySide, Split, DeltaE, Clip };
 
 /// What `--view` takes.
@@ -39,3 +41,5 @@ struct ViewSettings {
 Bitmap DrawCompareView(const PX::VideoFrameRef& a, const PX::VideoFrameRef& b,
                        const Comparison& comparison, const CompareSettings& compared,
                        const ViewSettings& settings);
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 
 #include "tools/quillon/compare/PixelMarks.h"
 
+namespace Quillon::Cli {
+
 FalseColor DeltaEColor(float deltaE) {
   if (std::isnan(deltaE)) return kNotFiniteColor;
   FalseColor color = kDeltaEBands.front().color;
@@ -21,3 +23,5 @@ FalseColor MarkColor(unsigned marks, const FalseColor& unmarked) {
   if (clipped) return kClippedColor;
   return outOfGamut ? kOutOfGamutColor : unmarked;
 }
+
+}  // namespace Quillon::Cli

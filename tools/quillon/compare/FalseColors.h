@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+namespace Quillon::Cli {
+
 /// Red, green and blue in sRGB.
 using FalseColor = std::array<std::uint8_t, 3>;
 
@@ -37,3 +39,5 @@ FalseColor DeltaEColor(float deltaE);
 
 /// The colour of a pixel's marks, or `unmarked`.
 FalseColor MarkColor(unsigned marks, const FalseColor& unmarked);
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/picture/Frames.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 // A signal that went through YCbCr meets full scale but for rounding; the step below full scale of
@@ -65,3 +67,5 @@ PixelMarks MarkPixels(const PictureLight& picture, std::uint8_t gamutPrimaries, 
   }
   return result;
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 
 #include "tools/quillon/picture/PictureLight.h"
 
+namespace Quillon::Cli {
+
 /// What stands out in a pixel; marks are added up.
 enum PixelMark : std::uint8_t {
   /// A component of the signal is at or beyond full scale. Linear light has no full scale: none of
@@ -29,3 +31,5 @@ struct PixelMarks {
 
 /// `gamutPrimaries` are ITU-T H.273 primaries. Throws CommandError.
 PixelMarks MarkPixels(const PictureLight& picture, std::uint8_t gamutPrimaries, int white);
+
+}  // namespace Quillon::Cli

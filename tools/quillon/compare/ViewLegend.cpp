@@ -2,6 +2,8 @@
 
 #include "tools/quillon/plot/CurveStyle.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kColumns = 4;
@@ -44,3 +46,5 @@ Bitmap DrawLegend(const std::string& title, const std::vector<LegendEntry>& entr
   }
   return DrawBitmap(scene);
 }
+
+}  // namespace Quillon::Cli

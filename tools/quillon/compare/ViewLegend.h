@@ -6,6 +6,8 @@
 #include "tools/quillon/compare/FalseColors.h"
 #include "tools/quillon/plot/DrawScene.h"
 
+namespace Quillon::Cli {
+
 struct LegendEntry {
   std::string label;
   FalseColor color;
@@ -13,3 +15,5 @@ struct LegendEntry {
 
 /// What the colours of a view mean, to be put below it.
 Bitmap DrawLegend(const std::string& title, const std::vector<LegendEntry>& entries);
+
+}  // namespace Quillon::Cli

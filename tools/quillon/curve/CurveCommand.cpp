@@ -11,7 +11,9 @@
 #include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 
-using Quillon::Mapper::Algorithm;
+namespace Quillon::Cli {
+
+using Mapper::Algorithm;
 
 namespace {
 
@@ -29,13 +31,12 @@ void AddOptions(CLI::App& curve, CurveOptions& options) {
           "--algorithm",
           [&](const std::vector<std::string>& names) {
             for (const std::string& name : names) {
-              AddAlgorithm(options,
-                           ParseChoice("--algorithm", Quillon::Mapper::Algorithms(), name));
+              AddAlgorithm(options, ParseChoice("--algorithm", Mapper::Algorithms(), name));
             }
           },
           "Tone-map algorithm to plot; may be given several times (all when not given)")
       ->allow_extra_args(false)
-      ->type_name(ChoiceNames(Quillon::Mapper::Algorithms()));
+      ->type_name(ChoiceNames(Mapper::Algorithms()));
   AddPeakNumberOption(curve, options.mapping.peak,
                       "Peak of the source in nits (1000 when not given)");
   AddTargetOptions(curve, options.mapping);
@@ -60,8 +61,7 @@ void Summarise(std::ostream& out, const CurveOptions& options, const CurveData& 
 
 void RunCurve(CurveOptions options) {
   if (options.algorithms.empty()) {
-    for (const auto& choice : Quillon::Mapper::Algorithms())
-      options.algorithms.push_back(choice.value);
+    for (const auto& choice : Mapper::Algorithms()) options.algorithms.push_back(choice.value);
   }
   CheckCurveOptions(options);
   PeakOptions& peak = options.mapping.peak;
@@ -93,3 +93,5 @@ Subcommand AddCurveCommand(CLI::App& app) {
     return options->outputs;
   };
 }
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 
 #include "curves/St2084.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::array<std::string_view, 3> kComponents = {"r", "g", "b"};
@@ -92,3 +94,5 @@ std::string FormatCurveCsv(const CurveData& data) {
   }
   return text;
 }
+
+}  // namespace Quillon::Cli

@@ -6,7 +6,9 @@
 #include "tools/quillon/curve/CurveOutputs.h"
 #include "tools/quillon/process/ExitCodes.h"
 
-using Quillon::Mapper::Algorithm;
+namespace Quillon::Cli {
+
+using Mapper::Algorithm;
 
 namespace {
 
@@ -42,3 +44,5 @@ void CheckCurveOptions(const CurveOptions& options) {
     CheckCurveTarget(*output, options.overwrite);
   }
 }
+
+}  // namespace Quillon::Cli

@@ -13,6 +13,8 @@
 #include "tools/quillon/plot/CurveScene.h"
 #include "tools/quillon/plot/DrawScene.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -66,3 +68,5 @@ void WriteCurves(const std::vector<fs::path>& paths, const CurveData& data, bool
   for (const fs::path& path : paths) files.push_back(FormatOf(path).encode(data, path));
   for (std::size_t i = 0; i < paths.size(); ++i) WriteTargetFile(paths[i], files[i], overwrite);
 }
+
+}  // namespace Quillon::Cli

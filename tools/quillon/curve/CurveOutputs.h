@@ -5,6 +5,8 @@
 
 #include "tools/quillon/plot/CurveData.h"
 
+namespace Quillon::Cli {
+
 /// Throws the StillError that `WriteCurves` would end with because of the name alone: an extension
 /// other than .svg, .png and .csv, a missing folder, something that stands there already.
 void CheckCurveTarget(const std::filesystem::path& path, bool overwrite);
@@ -14,3 +16,5 @@ void CheckCurveTarget(const std::filesystem::path& path, bool overwrite);
 /// StillError.
 void WriteCurves(const std::vector<std::filesystem::path>& paths, const CurveData& data,
                  bool overwrite);
+
+}  // namespace Quillon::Cli

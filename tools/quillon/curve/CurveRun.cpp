@@ -13,9 +13,11 @@
 #include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
+using Mapper::Algorithm;
+using Mapper::Decisions;
 using orvmediatypes::color::ColorSpace;
-using Quillon::Mapper::Algorithm;
-using Quillon::Mapper::Decisions;
 
 namespace {
 
@@ -55,8 +57,7 @@ void ReadToneMap(const Decisions& decisions, const std::vector<float>& nits,
                  AlgorithmCurve& curve) {
   if (!decisions.toneMap) return;
   const auto& toneMap = *decisions.toneMap;
-  if (toneMap.chosenAutomatically)
-    curve.resolved = Quillon::Mapper::AlgorithmName(toneMap.algorithm);
+  if (toneMap.chosenAutomatically) curve.resolved = Mapper::AlgorithmName(toneMap.algorithm);
   if (toneMap.kneeNits) {
     const double source = *toneMap.kneeNits / decisions.gain;
     curve.knee = CurveKnee{source, Interpolate(nits, curve.resultNits, source)};
@@ -79,7 +80,7 @@ AlgorithmCurve RunCurve(const MappingOptions& options, const PlannedPicture& ram
   constexpr int kGreen = 1;  // in grey the components are equal
   const int white = options.settings.white;
   AlgorithmCurve curve;
-  curve.name = Quillon::Mapper::AlgorithmName(options.settings.algorithm);
+  curve.name = Mapper::AlgorithmName(options.settings.algorithm);
   curve.resultNits = ComponentNits(MapOrSayWhatElse(ramp, curve.name), kGreen, white);
   ReadToneMap(decisions, nits, curve);
   if (pictures.hues.has_value()) {
@@ -133,3 +134,5 @@ CurveData RunCurves(const CurveOptions& options, std::ostream& notes) {
   }
   return data;
 }
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/picture/Frames.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kSteps = 1000;
@@ -59,3 +61,5 @@ std::vector<double> ComponentNits(const PX::VideoFrameRef& frame, int component,
   }
   return nits;
 }
+
+}  // namespace Quillon::Cli

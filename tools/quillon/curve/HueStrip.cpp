@@ -9,6 +9,8 @@
 #include "tools/quillon/curve/GreyRamp.h"
 #include "tools/quillon/picture/Frames.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -98,3 +100,5 @@ MappedHues ReadMappedHues(const PX::VideoFrameRef& mapped, double targetPeakNits
   hues.shown = Show(mapped, targetPeakNits, white);
   return hues;
 }
+
+}  // namespace Quillon::Cli

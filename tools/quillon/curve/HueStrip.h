@@ -6,6 +6,8 @@
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/plot/CurveData.h"
 
+namespace Quillon::Cli {
+
 /// Names of the strip's rows: red, yellow, green, cyan, blue, magenta, grey, skin.
 std::vector<std::string> HueNames();
 
@@ -15,3 +17,5 @@ PX::VideoFrameRef RenderHues(const std::vector<float>& nits, int white);
 
 /// The mapped rows, for the list and for the eye. Throws CommandError.
 MappedHues ReadMappedHues(const PX::VideoFrameRef& mapped, double targetPeakNits, int white);
+
+}  // namespace Quillon::Cli

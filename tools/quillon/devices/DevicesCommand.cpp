@@ -11,6 +11,8 @@
 #include "refhost/ironlane/Devices.h"
 #include "tools/quillon/options/Commands.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 std::string Memory(std::uint64_t bytes) {
@@ -22,7 +24,7 @@ std::string Memory(std::uint64_t bytes) {
 /// Whether the kernels build there, found out by building them.
 std::string Kernels(const IL::DeviceInfo& info) {
   if (!info.obstacle.empty()) return "no: " + info.obstacle;
-  const Quillon::Mapper::EngineMessages messages;
+  const Mapper::EngineMessages messages;
   const auto device = IL::OpenDevice(info.platformKind, info.ordinal);
   if (device == nullptr || !IL::BuildsKernels(*device)) return "do not build: " + messages.Joined();
   return info.isExact ? "build, exact" : "build; the last bits may differ from the processor's";
@@ -74,3 +76,5 @@ Subcommand AddDevicesCommand(CLI::App& app) {
     return std::vector<std::filesystem::path>();
   };
 }
+
+}  // namespace Quillon::Cli

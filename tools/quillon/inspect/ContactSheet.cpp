@@ -10,6 +10,8 @@
 #include "tools/quillon/picture/PictureForEye.h"
 #include "tools/quillon/plot/CurveStyle.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorSpace;
 
 namespace {
@@ -130,3 +132,5 @@ Scene MakeContactSheet(const SheetSource& source, double peakNits) {
   }
   return sheet;
 }
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 #include "tools/quillon/options/SourceTags.h"
 #include "tools/quillon/plot/PlotScene.h"
 
+namespace Quillon::Cli {
+
 /// What the sheet is of.
 struct SheetSource {
   std::filesystem::path input;
@@ -19,3 +21,5 @@ struct SheetSource {
 /// does, all of them from a peak of `peakNits`. Throws CommandError or
 /// StillError.
 Scene MakeContactSheet(const SheetSource& source, double peakNits);
+
+}  // namespace Quillon::Cli

@@ -5,6 +5,8 @@
 #include "tools/quillon/inspect/Inspection.h"
 #include "tools/quillon/plot/NitsAxis.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// Peaks that differ by less agree: lossy coding moves them so far.
@@ -62,3 +64,5 @@ std::vector<std::string> FindDisagreements(const ClipTags& tags,
   }
   return warnings;
 }
+
+}  // namespace Quillon::Cli

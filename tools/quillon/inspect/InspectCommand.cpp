@@ -19,6 +19,8 @@
 #include "tools/quillon/plot/DrawScene.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -97,12 +99,12 @@ void WriteDrawing(const Scene& scene, const fs::path& path, bool overwrite) {
 }
 
 /// The peak that `quillon map` would take of itself.
-std::optional<Quillon::Mapper::SourcePeak> PeakOf(const InspectOptions& options,
-                                                  const Inspection& inspection) {
+std::optional<Mapper::SourcePeak> PeakOf(const InspectOptions& options,
+                                         const Inspection& inspection) {
   const ClipTags& tags = inspection.info.tags;
   try {
-    const Quillon::Mapper::Source source{TaggedColors(options.input, tags.colors, options.source),
-                                         tags.light};
+    const Mapper::Source source{TaggedColors(options.input, tags.colors, options.source),
+                                tags.light};
     const auto steady = [&] { return inspection.levels ? inspection.levels->SteadyPeak() : 0.0; };
     const auto peak = ChooseSourcePeak({}, options.input, source, options.white, steady);
     return peak.nits > 0.0 ? std::optional(peak) : std::nullopt;
@@ -197,3 +199,5 @@ Subcommand AddInspectCommand(CLI::App& app) {
     return Written(*options);
   };
 }
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Json.h"
 
+namespace Quillon::Cli {
+
 using nlohmann::ordered_json;
 using orvmediatypes::color::Chromaticity;
 
@@ -82,3 +84,5 @@ std::string InspectionJson(const Inspection& inspection) {
   json["warnings"] = inspection.warnings;
   return FormatJson(json);
 }
+
+}  // namespace Quillon::Cli

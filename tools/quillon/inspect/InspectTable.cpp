@@ -4,6 +4,8 @@
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/plot/NitsAxis.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::Chromaticity;
 
 namespace {
@@ -88,3 +90,5 @@ void PrintInspection(std::ostream& out, const Inspection& inspection) {
   for (const std::string& warning : inspection.warnings) Label(out, "warning") << warning << '\n';
   if (inspection.levels) PrintFrames(out, *inspection.levels);
 }
+
+}  // namespace Quillon::Cli

@@ -9,6 +9,8 @@
 #include "tools/quillon/clip/LevelsFile.h"
 #include "tools/quillon/video/ClipReader.h"
 
+namespace Quillon::Cli {
+
 /// What was found out of a clip or picture.
 struct Inspection {
   std::filesystem::path path;
@@ -18,7 +20,7 @@ struct Inspection {
   /// Its scenes, where levels were measured.
   std::vector<ClipScene> scenes;
   /// The peak that it would be mapped from. Nothing where its tags do not tell its colours.
-  std::optional<Quillon::Mapper::SourcePeak> peak;
+  std::optional<Mapper::SourcePeak> peak;
   /// Sentences on tags that do not fit each other or the content.
   std::vector<std::string> warnings;
 };
@@ -26,3 +28,5 @@ struct Inspection {
 /// Where tags and content of a clip disagree. Without levels only the tags are looked at.
 std::vector<std::string> FindDisagreements(const ClipTags& tags,
                                            const std::optional<ClipLevels>& levels);
+
+}  // namespace Quillon::Cli

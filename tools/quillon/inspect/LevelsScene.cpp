@@ -7,6 +7,8 @@
 #include "tools/quillon/plot/CurveStyle.h"
 #include "tools/quillon/plot/NitsAxis.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kWidth = 1200;
@@ -140,3 +142,5 @@ class LevelsPlot {
 Scene MakeLevelsScene(const Inspection& inspection, const ClipLevels& levels) {
   return LevelsPlot(inspection, levels).Make();
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+namespace Quillon::Cli {
+
 namespace {
 
 std::uint64_t BigEndian(std::span<const std::uint8_t> bytes) {
@@ -88,3 +90,5 @@ AvifBoxes ScanAvifBoxes(std::span<const std::uint8_t> file) {
   boxes.sizes = SizesOf(file);
   return boxes;
 }
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 #include <span>
 #include <vector>
 
+namespace Quillon::Cli {
+
 struct AvifSize {
   std::int64_t width = 0;
   std::int64_t height = 0;
@@ -20,3 +22,5 @@ struct AvifBoxes {
 };
 
 AvifBoxes ScanAvifBoxes(std::span<const std::uint8_t> file);
+
+}  // namespace Quillon::Cli

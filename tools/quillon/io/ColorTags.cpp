@@ -4,6 +4,8 @@
 
 #include "refhost/orvmediatypes/H273.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::Chromaticities;
 using orvmediatypes::color::Chromaticity;
 using orvmediatypes::color::ColorDescription;
@@ -49,3 +51,5 @@ ColorDescription RgbDescription(std::uint8_t primaries, std::uint8_t transfer) {
   description.transfer = transfer;
   return description;
 }
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 
 #include "host/orvmediatypes/ColorSpace.h"
 
+namespace Quillon::Cli {
+
 /// Sets the primaries of a description from coordinates: the H.273 code point whose coordinates all
 /// lie within 1e-4 of them, else 2 with the coordinates themselves. False, with primaries 0, for
 /// coordinates that describe no colour space.
@@ -13,3 +15,5 @@ bool SetPrimaries(orvmediatypes::color::ColorDescription& description,
 /// A description of full-range RGB.
 orvmediatypes::color::ColorDescription RgbDescription(std::uint8_t primaries,
                                                       std::uint8_t transfer);
+
+}  // namespace Quillon::Cli

@@ -13,6 +13,8 @@
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/StillOutputs.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -114,3 +116,5 @@ std::vector<std::uint8_t> EncodeAvif(const StillOutput& output, const std::files
   if (result != AVIF_RESULT_OK) FailEncoding(path, result, *encoder);
   return {encoded.data.data, encoded.data.data + encoded.data.size};
 }
+
+}  // namespace Quillon::Cli

@@ -16,6 +16,8 @@
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/StillOutputs.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::Chromaticities;
 
 namespace {
@@ -82,3 +84,5 @@ std::vector<std::uint8_t> EncodeExr(const StillOutput& output, const std::filesy
   }
   return stream.Bytes();
 }
+
+}  // namespace Quillon::Cli

@@ -11,6 +11,8 @@
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/StillOutputs.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -108,3 +110,5 @@ std::vector<std::uint8_t> EncodePng(const StillOutput& output, const std::filesy
   }
   return std::move(sink.bytes);
 }
+
+}  // namespace Quillon::Cli

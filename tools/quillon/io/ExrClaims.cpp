@@ -7,6 +7,8 @@
 #include <span>
 #include <string>
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::size_t kHeaderOffset = 8;  // behind the signature and the version
@@ -177,3 +179,5 @@ void CheckExrClaims(const StillSource& source) {
     hasMore = multiPart && !isEmpty;
   }
 }
+
+}  // namespace Quillon::Cli

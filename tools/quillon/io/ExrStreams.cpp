@@ -4,6 +4,8 @@
 #include <cstring>
 #include <stdexcept>
 
+namespace Quillon::Cli {
+
 bool ExrMemoryInput::read(char* destination, int count) {
   const auto wanted = static_cast<std::uint64_t>(count);
   if (position_ > bytes_.size() || wanted > bytes_.size() - position_) {
@@ -21,3 +23,5 @@ void ExrMemoryOutput::write(const char* source, int count) {
   std::memcpy(bytes_.data() + position_, source, length);
   position_ += length;
 }
+
+}  // namespace Quillon::Cli

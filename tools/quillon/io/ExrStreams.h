@@ -7,6 +7,8 @@
 
 #include <ImfIO.h>
 
+namespace Quillon::Cli {
+
 /// OpenEXR's view of a file that lies in memory.
 class ExrMemoryInput : public Imf::IStream {
  public:
@@ -37,3 +39,5 @@ class ExrMemoryOutput : public Imf::OStream {
   std::vector<std::uint8_t> bytes_;
   std::uint64_t position_ = 0;
 };
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include "host/kestrel/FrameInterfaces.h"
 #include "tools/quillon/io/StillError.h"
 
+namespace Quillon::Cli {
+
 FramePixels PixelsOf(const PX::VideoFrameRef& frame) {
   const auto memory = orvcore::classref::InterfaceCast<KS::IVideoFrameMemoryAccess>(frame);
   const orvcore::geom::Bounds bounds = frame->GetBounds();
@@ -24,3 +26,5 @@ PX::VideoFrameRef MakeFrame(const StillSource& source, orvmediatypes::PixelForma
   }
   return frame;
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/io/StillSource.h"
 
+namespace Quillon::Cli {
+
 /// The pixels of an interleaved frame in system memory, valid while the frame lives.
 struct FramePixels {
   std::uint8_t* data = nullptr;
@@ -54,3 +56,5 @@ inline float NarrowRangeSignal(unsigned code, int depth) {
 inline float FullRangeSignal(unsigned code, int depth) {
   return static_cast<float>(code) / static_cast<float>((1U << depth) - 1U);
 }
+
+}  // namespace Quillon::Cli

@@ -8,6 +8,8 @@
 
 #include "tools/quillon/io/TargetFile.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 std::size_t LongestName(const std::filesystem::path& folder) {
@@ -39,3 +41,5 @@ std::filesystem::path NameBeside(const std::filesystem::path& target, const std:
   while (kept > 0 && ContinuesCharacter(stem[kept])) --kept;
   return target.parent_path() / (stem.substr(0, kept) + rest);
 }
+
+}  // namespace Quillon::Cli

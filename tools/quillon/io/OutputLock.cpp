@@ -15,6 +15,8 @@
 
 #include "tools/quillon/io/StillError.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -115,3 +117,5 @@ OutputLock::~OutputLock() {
   }
   close(descriptor_);
 }
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 
 #include "tools/quillon/process/UnfinishedFile.h"
 
+namespace Quillon::Cli {
+
 /// Keeps other runs of this program from an output while it lives, or from some pictures of it. The
 /// lock goes with the process, however that ends; what a killed run leaves of the lock's file binds
 /// nobody. File systems without locks are written to without.
@@ -30,3 +32,5 @@ class OutputLock {
   int descriptor_ = -1;
   std::string holder_;  ///< the other run, for messages
 };
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::Chromaticities;
 using orvmediatypes::color::Chromaticity;
 using orvmediatypes::color::ColorDescription;
@@ -103,3 +105,5 @@ PngClli FormatClli(const ContentLight& light) {
   writer.PutNits(light.maxFALL);
   return chunk;
 }
+
+}  // namespace Quillon::Cli

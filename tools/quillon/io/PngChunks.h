@@ -8,6 +8,8 @@
 #include "host/orvmediatypes/ColorSpace.h"
 #include "tools/quillon/io/Still.h"
 
+namespace Quillon::Cli {
+
 /// The colour chunks of the third edition of PNG (W3C, 11.3.2), as the bytes between chunk name and
 /// CRC. Parsing gives nothing when the length is wrong.
 
@@ -26,3 +28,5 @@ std::optional<ContentLight> ParseClli(std::span<const std::uint8_t> chunk);
 
 PngMdcv FormatMdcv(const orvmediatypes::color::ColorDescription& description);
 PngClli FormatClli(const ContentLight& light);
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 
 #include <zlib.h>
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::size_t kSignatureBytes = 8;
@@ -49,3 +51,5 @@ PngFile ScanPngFile(std::span<const std::uint8_t> file) {
   scan.pieces.push_back(file.subspan(begin));
   return scan;
 }
+
+}  // namespace Quillon::Cli

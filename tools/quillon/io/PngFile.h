@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace Quillon::Cli {
+
 /// A PNG file as a sequence of chunks, told without decoding them.
 struct PngFile {
   /// What is to be decoded: the file but for its damaged ancillary chunks, in pieces.
@@ -17,3 +19,5 @@ struct PngFile {
 
 /// `file` begins with the signature, and outlives the result.
 PngFile ScanPngFile(std::span<const std::uint8_t> file);
+
+}  // namespace Quillon::Cli

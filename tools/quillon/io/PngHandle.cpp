@@ -3,6 +3,8 @@
 #include <cstring>
 #include <new>
 
+namespace Quillon::Cli {
+
 namespace {
 constexpr std::size_t kMostWarnings = 8;
 }
@@ -37,3 +39,5 @@ void PngHandle::OnWarning(png_structp png, png_const_charp message) {
     // No exception may pass through libpng; the warning is lost.
   }
 }
+
+}  // namespace Quillon::Cli

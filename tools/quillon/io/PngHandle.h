@@ -6,6 +6,8 @@
 
 #include <png.h>
 
+namespace Quillon::Cli {
+
 /// One libpng structure for reading or writing. libpng reports errors by a jump: every call that
 /// may fail goes through `Guard`, whose body must own nothing.
 class PngHandle {
@@ -44,3 +46,5 @@ class PngHandle {
   png_structp png_ = nullptr;
   png_infop info_ = nullptr;
 };
+
+}  // namespace Quillon::Cli

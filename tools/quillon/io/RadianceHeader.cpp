@@ -6,6 +6,8 @@
 #include <sstream>
 #include <string_view>
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::size_t kMaxLine = 4096;
@@ -100,3 +102,5 @@ RadianceHeader ParseRadianceHeader(const StillSource& source) {
   header.pixelOffset = position;
   return header;
 }
+
+}  // namespace Quillon::Cli

@@ -9,6 +9,8 @@
 #include "host/orvmediatypes/ColorSpace.h"
 #include "tools/quillon/io/StillSource.h"
 
+namespace Quillon::Cli {
+
 /// The text at the head of a Radiance picture.
 struct RadianceHeader {
   int width = 0;
@@ -24,3 +26,5 @@ struct RadianceHeader {
 
 /// Throws StillError.
 RadianceHeader ParseRadianceHeader(const StillSource& source);
+
+}  // namespace Quillon::Cli

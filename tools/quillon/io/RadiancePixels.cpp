@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// Widths for which a scanline may have the run lengths of a component.
@@ -84,3 +86,5 @@ void RadianceScanlines::ReadPixels(std::span<Rgbe> row) {
     shift += 8;
   }
 }
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 
 #include "tools/quillon/io/StillSource.h"
 
+namespace Quillon::Cli {
+
 /// One pixel of a Radiance picture: mantissas with a common exponent.
 struct Rgbe {
   std::uint8_t red, green, blue, exponent;
@@ -37,3 +39,5 @@ class RadianceScanlines {
   std::size_t position_;
   std::vector<std::uint8_t> component_;
 };
+
+}  // namespace Quillon::Cli

@@ -21,6 +21,8 @@
 #include "tools/quillon/io/StillFormats.h"
 #include "tools/quillon/io/StillReaders.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -100,8 +102,7 @@ bool HoldsRgb(const avifImage& image) {
 
 /// 0 where a code point says nothing.
 std::uint8_t SpokenCodePoint(unsigned codePoint) {
-  return Quillon::Mapper::Tells(codePoint) && codePoint < 256 ? static_cast<std::uint8_t>(codePoint)
-                                                              : 0;
+  return Mapper::Tells(codePoint) && codePoint < 256 ? static_cast<std::uint8_t>(codePoint) : 0;
 }
 
 /// Encoders that do not say where chroma lies take the mean of the luma samples it covers.
@@ -303,3 +304,5 @@ Still ReadAvif(const StillSource& source) {
   }
   return still;
 }
+
+}  // namespace Quillon::Cli

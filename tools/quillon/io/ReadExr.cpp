@@ -24,6 +24,8 @@
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/io/StillReaders.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::Chromaticities;
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
@@ -264,3 +266,5 @@ Still ReadExr(const StillSource& source) {
     FailDamaged(source, error.what());
   }
 }
+
+}  // namespace Quillon::Cli

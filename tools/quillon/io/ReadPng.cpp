@@ -15,6 +15,8 @@
 #include "tools/quillon/io/PngHandle.h"
 #include "tools/quillon/io/StillReaders.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -137,8 +139,7 @@ void RemarkOnIccProfile(PngHandle& handle, std::vector<std::string>& remarks) {
 
 ColorDescription ReadColors(PngHandle& handle, const PngTags& tags,
                             std::vector<std::string>& remarks) {
-  if (tags.cicp && Quillon::Mapper::Tells((*tags.cicp)[0]) &&
-      Quillon::Mapper::Tells((*tags.cicp)[1])) {
+  if (tags.cicp && Mapper::Tells((*tags.cicp)[0]) && Mapper::Tells((*tags.cicp)[1])) {
     if (const int matrix = (*tags.cicp)[2]; matrix != 0) {
       remarks.push_back("matrix " + std::to_string(matrix) +
                         " of the cICP chunk ignored: PNG holds RGB");
@@ -255,3 +256,5 @@ Still ReadPng(const StillSource& source) {
   }
   return still;
 }
+
+}  // namespace Quillon::Cli

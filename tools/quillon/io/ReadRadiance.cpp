@@ -9,6 +9,8 @@
 #include "tools/quillon/io/RadiancePixels.h"
 #include "tools/quillon/io/StillReaders.h"
 
+namespace Quillon::Cli {
+
 Still ReadRadiance(const StillSource& source) {
   RadianceHeader header = ParseRadianceHeader(source);
   orvmediatypes::color::ColorDescription description =
@@ -43,3 +45,5 @@ Still ReadRadiance(const StillSource& source) {
   }
   return still;
 }
+
+}  // namespace Quillon::Cli

@@ -11,6 +11,8 @@
 #include "tools/quillon/io/StillFormats.h"
 #include "tools/quillon/io/StillSource.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::array<std::pair<Mark, std::string_view>, 12> kOtherFormats{{
@@ -81,3 +83,5 @@ Still ReadStill(const std::filesystem::path& path, std::int64_t maxPixels) {
                      "scale it down");
   }
 }
+
+}  // namespace Quillon::Cli

@@ -5,6 +5,8 @@
 
 #include "tools/quillon/io/FramePixels.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 struct Position {
@@ -49,3 +51,5 @@ PX::VideoFrameRef Reorient(const StillSource& source, const PX::VideoFrameRef& f
   }
   return turned;
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/io/StillSource.h"
 
+namespace Quillon::Cli {
+
 enum class Mirror { None, LeftRight, TopBottom };
 
 /// How a stored picture is to be shown: turned anticlockwise, then mirrored.
@@ -15,3 +17,5 @@ struct Orientation {
 /// The float BGRA frame as it is to be shown, as a new frame. Throws StillError.
 PX::VideoFrameRef Reorient(const StillSource& source, const PX::VideoFrameRef& frame,
                            const Orientation& orientation);
+
+}  // namespace Quillon::Cli

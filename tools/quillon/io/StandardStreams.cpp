@@ -12,6 +12,8 @@
 
 #include "tools/quillon/io/StillError.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// What went wrong; empty: nothing did. The system's word for it is known of the last bytes alone.
@@ -53,3 +55,5 @@ void RequireAllPrinted(const std::vector<std::filesystem::path>& written) {
   RequirePrinted(std::cout, stdout, "standard output", written);
   RequirePrinted(std::cerr, stderr, "standard error", written);
 }
+
+}  // namespace Quillon::Cli

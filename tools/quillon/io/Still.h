@@ -9,7 +9,9 @@
 #include "mapper/Mapping.h"
 #include "tools/quillon/io/PixelLimit.h"
 
-using Quillon::Mapper::ContentLight;
+namespace Quillon::Cli {
+
+using Mapper::ContentLight;
 
 /// A still picture as a file gives it.
 struct Still {
@@ -36,3 +38,5 @@ Still ReadStill(const std::filesystem::path& path, std::int64_t maxPixels = kDef
 /// Whether a file begins as a still that is read here, by its first bytes. Throws StillError
 /// (CannotRead) where it cannot be read, is empty, or begins as a picture of another format.
 bool IsStill(const std::filesystem::path& path);
+
+}  // namespace Quillon::Cli

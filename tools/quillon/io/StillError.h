@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace Quillon::Cli {
+
 enum class StillErrorKind { CannotRead, NotSupported, CannotWrite };
 
 /// A still picture could not be read or written. The message is one line for the user: the file,
@@ -19,3 +21,5 @@ class StillError : public std::runtime_error {
  private:
   StillErrorKind kind_;
 };
+
+}  // namespace Quillon::Cli

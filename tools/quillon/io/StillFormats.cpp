@@ -7,6 +7,8 @@
 #include "tools/quillon/io/StillReaders.h"
 #include "tools/quillon/process/Words.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::array<StillFormat, 4> kFormats{{
@@ -45,3 +47,5 @@ std::string ReadStillNames() {
 std::string WrittenStillNames() { return ListOf(&StillFormat::name, IsWritten); }
 
 std::string WrittenStillExtensions() { return ListOf(&StillFormat::extension, IsWritten); }
+
+}  // namespace Quillon::Cli

@@ -11,6 +11,8 @@
 #include "tools/quillon/io/StillSource.h"
 #include "tools/quillon/io/WriteStill.h"
 
+namespace Quillon::Cli {
+
 /// Bytes at a place by which files of a format are known.
 struct Mark {
   std::size_t offset;
@@ -39,3 +41,5 @@ std::string ReadStillNames();
 /// The same of those that are written: "EXR, PNG or AVIF", ".exr, .png or .avif".
 std::string WrittenStillNames();
 std::string WrittenStillExtensions();
+
+}  // namespace Quillon::Cli

@@ -10,6 +10,8 @@
 #include "tools/quillon/io/ColorTags.h"
 #include "tools/quillon/io/StillError.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -56,8 +58,7 @@ ColorDescription RequireCodePoints(const StillOutput& output, const std::filesys
   ColorDescription description = output.frame->GetColorSpace().Description();
   if (description.primaries == H273::kUnspecified)
     SetPrimaries(description, description.chromaticities);
-  if (!Quillon::Mapper::Tells(description.primaries) ||
-      !Quillon::Mapper::Tells(description.transfer)) {
+  if (!Mapper::Tells(description.primaries) || !Mapper::Tells(description.transfer)) {
     Fail(path, "its colours have no CICP code points, which this format needs",
          "choose a named colour space or write EXR");
   }
@@ -67,3 +68,5 @@ ColorDescription RequireCodePoints(const StillOutput& output, const std::filesys
 bool IsHdrTransfer(int transfer) {
   return transfer == H273::kTransferPQ || transfer == H273::kTransferHLG;
 }
+
+}  // namespace Quillon::Cli

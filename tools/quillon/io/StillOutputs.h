@@ -5,6 +5,8 @@
 
 #include "tools/quillon/io/WriteStill.h"
 
+namespace Quillon::Cli {
+
 /// What the encoders share. Each throws StillError (NotSupported).
 
 /// The depth to write: the one asked for where it is among `allowed`, else `byDefault`.
@@ -22,3 +24,5 @@ orvmediatypes::color::ColorDescription RequireCodePoints(const StillOutput& outp
 
 /// PQ or HLG.
 bool IsHdrTransfer(int transfer);
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/io/StillSource.h"
 
+namespace Quillon::Cli {
+
 /// One reader a format; each throws StillError.
 
 /// OpenEXR, scanline or tiled: the first part that has R, G, B or Y (with RY and BY or without),
@@ -23,3 +25,5 @@ Still ReadPng(const StillSource& source);
 
 /// AVIF: the primary picture, or the first of a sequence; crop, rotation and mirroring are done.
 Still ReadAvif(const StillSource& source);
+
+}  // namespace Quillon::Cli

@@ -5,6 +5,8 @@
 
 #include "tools/quillon/io/StillError.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -95,3 +97,5 @@ void CheckHeld(const StillSource& source, const std::string& what, double needed
   FailDamaged(source,
               what + " cannot be in a file of " + std::to_string(source.bytes.size()) + " bytes");
 }
+
+}  // namespace Quillon::Cli

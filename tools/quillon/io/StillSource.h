@@ -7,6 +7,8 @@
 
 #include "tools/quillon/io/Still.h"
 
+namespace Quillon::Cli {
+
 /// The bytes of a file that is to be read.
 struct StillSource {
   std::filesystem::path path;
@@ -36,3 +38,5 @@ void CheckDimensions(const StillSource& source, std::int64_t width, std::int64_t
 /// Throws StillError (CannotRead) where what the file says it holds, `what` in words, needs more
 /// bytes than `held`.
 void CheckHeld(const StillSource& source, const std::string& what, double needed, double held);
+
+}  // namespace Quillon::Cli

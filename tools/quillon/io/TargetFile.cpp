@@ -16,6 +16,8 @@
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/process/UnfinishedFile.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -163,3 +165,5 @@ void WriteTargetFile(const fs::path& path, std::span<const std::uint8_t> bytes, 
               "check the permissions of its folder");
   }
 }
+
+}  // namespace Quillon::Cli

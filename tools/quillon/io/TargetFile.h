@@ -6,6 +6,8 @@
 #include <string>
 #include <system_error>
 
+namespace Quillon::Cli {
+
 /// The folder of a path, "." where it names none.
 std::filesystem::path FolderOf(const std::filesystem::path& path);
 
@@ -27,3 +29,5 @@ std::error_code GiveName(const std::filesystem::path& finished, const std::files
 /// umask. Throws StillError (CannotWrite).
 void WriteTargetFile(const std::filesystem::path& path, std::span<const std::uint8_t> bytes,
                      bool overwrite);
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 #include "tools/quillon/io/StillFormats.h"
 #include "tools/quillon/io/TargetFile.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// Null for an extension that no format has that is written.
@@ -45,3 +47,5 @@ void WriteStill(const StillOutput& output, const std::filesystem::path& path) {
                      "write a smaller picture");
   }
 }
+
+}  // namespace Quillon::Cli

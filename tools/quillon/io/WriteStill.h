@@ -7,6 +7,8 @@
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/io/Still.h"
 
+namespace Quillon::Cli {
+
 /// A still picture to write.
 struct StillOutput {
   /// In system memory, in the colour space that the file is to have. PNG and AVIF need H.273
@@ -34,3 +36,5 @@ bool NamesStill(const std::filesystem::path& path);
 /// Throws the StillError that `WriteStill` would end with because of the name alone: an unknown
 /// extension, a missing folder, something that stands there already.
 void CheckStillTarget(const std::filesystem::path& path, bool overwrite);
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <sstream>
 
+namespace Quillon::Cli {
+
 namespace {
 
 void AppendNumber(std::string& text, float value) {
@@ -35,3 +37,5 @@ std::string FormatCube(const LutLattice& lattice, const std::string& title,
   }
   return text;
 }
+
+}  // namespace Quillon::Cli

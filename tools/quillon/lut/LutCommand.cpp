@@ -9,6 +9,8 @@
 #include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/SharedOptions.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::array<Choice<int>, 3> kLutSizes = {{{"17", 17}, {"33", 33}, {"65", 65}}};
@@ -48,3 +50,5 @@ Subcommand AddLutCommand(CLI::App& app) {
     return std::vector{options->output};
   };
 }
+
+}  // namespace Quillon::Cli

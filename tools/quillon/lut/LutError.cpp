@@ -10,6 +10,8 @@
 #include "tools/quillon/picture/DeltaEItp.h"
 #include "tools/quillon/picture/Frames.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorSpace;
 
 namespace {
@@ -95,3 +97,5 @@ void DescribeLutError(std::ostream& out, const LutError& error, const char* pref
       << prefix << "  tetrahedral  " << DescribeInterpolation(error.tetrahedral) << '\n'
       << prefix << "  trilinear    " << DescribeInterpolation(error.trilinear) << '\n';
 }
+
+}  // namespace Quillon::Cli

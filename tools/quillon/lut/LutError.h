@@ -7,6 +7,8 @@
 #include "host/orvmediatypes/ColorSpace.h"
 #include "tools/quillon/lut/LutLattice.h"
 
+namespace Quillon::Cli {
+
 /// How far the results of one interpolation are from the engine's.
 struct InterpolationError {
   double signalMax = 0.0;  ///< of one component; 1 is the whole range of the signal
@@ -30,3 +32,5 @@ LutError MeasureLutError(const LutLattice& lattice, const std::vector<Signal>& s
 
 /// The error in lines for the user, each behind `prefix`.
 void DescribeLutError(std::ostream& out, const LutError& error, const char* prefix);
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include <numeric>
 #include <utility>
 
+namespace Quillon::Cli {
+
 namespace {
 
 using Weights = std::array<double, 3>;
@@ -124,3 +126,5 @@ Signal InterpolateTetrahedral(const LutLattice& lattice, const Signal& signal) {
   AddWeighted(sum, above, lattice.results[index]);
   return AsSignal(sum);
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <array>
 #include <vector>
 
+namespace Quillon::Cli {
+
 /// Red, green and blue of a signal.
 using Signal = std::array<float, 3>;
 
@@ -23,3 +25,5 @@ std::vector<Signal> SignalsOffLattice(int size);
 /// cell, or from four of them.
 Signal InterpolateTrilinear(const LutLattice& lattice, const Signal& signal);
 Signal InterpolateTetrahedral(const LutLattice& lattice, const Signal& signal);
+
+}  // namespace Quillon::Cli

@@ -18,9 +18,11 @@
 #include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
+using Mapper::Decisions;
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
-using Quillon::Mapper::Decisions;
 
 namespace {
 
@@ -88,7 +90,7 @@ std::string Comments(const LutOptions& options, const Decisions& decisions, cons
       << ", full range, 0 to 1 in this domain\n"
       << "output: R'G'B' signal of " << DescribeColorSpace(map.target.colors)
       << ", full range, clamped to 0 to 1\n"
-      << "--algorithm " << Quillon::Mapper::AlgorithmName(map.settings.algorithm) << '\n';
+      << "--algorithm " << Mapper::AlgorithmName(map.settings.algorithm) << '\n';
   Explain(out, decisions);
   DescribeLutError(out, error, "");
   return out.str();
@@ -122,12 +124,14 @@ void RunLut(const LutOptions& options, std::ostream& out, std::ostream& notes) {
   const std::vector<Signal> offLattice = SignalsOffLattice(options.size);
   const std::vector<Signal> engineResults =
       ApplyTo(PlanFor(offLattice, options.mapping), offLattice.size());
-  const LutError error = MeasureLutError(lattice, offLattice, engineResults,
-                                         Quillon::Mapper::DestinationColorSpace(planned.plan),
-                                         options.mapping.settings.white);
+  const LutError error =
+      MeasureLutError(lattice, offLattice, engineResults,
+                      Mapper::DestinationColorSpace(planned.plan), options.mapping.settings.white);
 
   WriteText(options.output,
             FormatCube(lattice, Title(options.mapping), Comments(options, decisions, error)),
             options.overwrite);
   if (!options.quiet) Summarise(out, options, decisions, error);
 }
+
+}  // namespace Quillon::Cli

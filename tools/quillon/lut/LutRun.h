@@ -5,6 +5,8 @@
 
 #include "tools/quillon/options/MappingOptions.h"
 
+namespace Quillon::Cli {
+
 /// What `quillon lut` was asked for.
 struct LutOptions {
   std::filesystem::path output;
@@ -20,3 +22,5 @@ struct LutOptions {
 /// writes the results, and measures how far an interpolated LUT is from the engine. `out` gets what
 /// was done, `notes` what the user should know. Throws CommandError or StillError.
 void RunLut(const LutOptions& options, std::ostream& out, std::ostream& notes);
+
+}  // namespace Quillon::Cli

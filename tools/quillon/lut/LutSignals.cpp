@@ -4,6 +4,8 @@
 
 #include "tools/quillon/picture/Frames.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::size_t kRowPixels = 1024;
@@ -37,3 +39,5 @@ std::vector<Signal> SignalsOfFrame(const PX::VideoFrameRef& frame, std::size_t c
   }
   return signals;
 }
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 
 #include "tools/quillon/options/SharedOptions.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr const char* kGroup = "Clips";
@@ -87,3 +89,5 @@ void AddClipOptions(CLI::App& app, ClipOptions& options) {
   app.add_flag("--dry-run", options.dryRun, "Say what would be done, and do not do it")
       ->group(kGroup);
 }
+
+}  // namespace Quillon::Cli

@@ -9,10 +9,12 @@
 #include "tools/quillon/plot/NitsAxis.h"
 #include "tools/quillon/process/MapperErrors.h"
 
+namespace Quillon::Cli {
+
+using Mapper::Decisions;
+using Mapper::Plan;
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
-using Quillon::Mapper::Decisions;
-using Quillon::Mapper::Plan;
 
 namespace {
 
@@ -67,7 +69,7 @@ void ClipMapper::FollowScenes(std::int64_t number) {
 void ClipMapper::Map(const ClipPicture& picture, PX::VideoFrameRef& destination) {
   FollowTags(picture);
   FollowScenes(picture.number);
-  picture.frame->SetColorSpace(ColorSpace(Quillon::Mapper::SourceColors(plan_)));
+  picture.frame->SetColorSpace(ColorSpace(Mapper::SourceColors(plan_)));
   MapInto(plan_, options_.input.string() + ", frame " + std::to_string(picture.number),
           picture.frame, destination);
 }
@@ -90,6 +92,8 @@ std::string ClipMapper::PeakText() const {
 std::string ClipMapper::Doing() const {
   const Decisions decisions = plan_.Decide();
   if (!decisions.toneMap) return decisions.gamutApplies ? "gamut only" : "conversion only";
-  return std::string(Quillon::Mapper::AlgorithmName(decisions.toneMap->algorithm)) + " " +
+  return std::string(Mapper::AlgorithmName(decisions.toneMap->algorithm)) + " " +
          FormatNits(peakNits_) + " -> " + FormatNits(decisions.destinationPeakNits) + " nits";
 }
+
+}  // namespace Quillon::Cli

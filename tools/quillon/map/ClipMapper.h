@@ -9,6 +9,8 @@
 #include "tools/quillon/clip/LevelsFile.h"
 #include "tools/quillon/map/MapOptions.h"
 
+namespace Quillon::Cli {
+
 /// Maps the pictures of a clip by one plan. Where the colour tags change in mid-clip the plan is
 /// made anew; where the clip has scenes, each is mapped from its own peak. One thread.
 class ClipMapper {
@@ -17,7 +19,7 @@ class ClipMapper {
   ClipMapper(const MapOptions& options, const ClipTags& tags, std::optional<ClipLevels> levels);
 
   /// For the first picture.
-  const Quillon::Mapper::Plan& Plan() const { return plan_; }
+  const Mapper::Plan& Plan() const { return plan_; }
   /// Empty: the whole clip is mapped alike.
   const std::vector<ClipScene>& Scenes() const { return scenes_; }
   /// What is known of the light of the clip: measured, else as it is tagged.
@@ -40,6 +42,8 @@ class ClipMapper {
   ClipTags tags_;
   std::optional<ClipLevels> levels_;
   std::vector<ClipScene> scenes_;
-  Quillon::Mapper::Plan plan_;
+  Mapper::Plan plan_;
   double peakNits_;  ///< that `plan_` maps from
 };
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 
 #include "tools/quillon/io/TargetFile.h"
 
+namespace Quillon::Cli {
+
 std::string ClipOptions::FirstGiven() const {
   const std::array<std::pair<bool, const char*>, 11> given = {{
       {encoding.codec.has_value(), "--codec"},
@@ -32,3 +34,5 @@ bool NamesClip(const std::filesystem::path& path) {
   constexpr std::array<std::string_view, 4> kExtensions = {".mp4", ".mov", ".mkv", ".webm"};
   return std::find(kExtensions.begin(), kExtensions.end(), extension) != kExtensions.end();
 }
+
+}  // namespace Quillon::Cli

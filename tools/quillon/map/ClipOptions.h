@@ -9,6 +9,8 @@
 #include "tools/quillon/clip/Progress.h"
 #include "tools/quillon/video/Encoding.h"
 
+namespace Quillon::Cli {
+
 /// What `quillon map` was asked for that concerns clips and image sequences alone.
 struct ClipOptions {
   EncodingWishes encoding;
@@ -26,3 +28,5 @@ struct ClipOptions {
 
 /// Whether a name has the extension of a clip that is written.
 bool NamesClip(const std::filesystem::path& path);
+
+}  // namespace Quillon::Cli

@@ -20,6 +20,8 @@
 #include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kRateDenominator = 1001000;
@@ -175,7 +177,7 @@ std::unique_ptr<OutputLock> LockOutput(const MapOptions& options, const ClipRun&
 }
 
 /// Whether the peak of pictures that are tagged so has to be measured.
-bool NeedsMeasuring(const MapOptions& options, const Quillon::Mapper::Source& tagged) {
+bool NeedsMeasuring(const MapOptions& options, const Mapper::Source& tagged) {
   bool measures = false;
   ChooseSourcePeak(options.mapping.peak, options.input, tagged, options.mapping.settings.white,
                    [&measures] {
@@ -300,6 +302,8 @@ std::unique_ptr<PictureSink> MakeSink(const MapOptions& options, const ClipRun& 
   still.overwrite = options.overwrite;
   const ClipInfo& info = run.source->Info();
   return std::make_unique<SequenceSink>(std::move(*name), info.width, info.height,
-                                        Quillon::Mapper::DestinationColorSpace(run.mapper->Plan()),
-                                        still, options.clip.resume);
+                                        Mapper::DestinationColorSpace(run.mapper->Plan()), still,
+                                        options.clip.resume);
 }
+
+}  // namespace Quillon::Cli

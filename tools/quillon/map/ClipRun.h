@@ -12,6 +12,8 @@
 #include "tools/quillon/map/ClipMapper.h"
 #include "tools/quillon/map/MapOptions.h"
 
+namespace Quillon::Cli {
+
 /// What a run over a clip is made of, found out before anything is written.
 struct ClipRun {
   std::unique_ptr<OutputLock> lock;  ///< null where nothing is written
@@ -35,3 +37,5 @@ OutputTimes TimesOf(const ClipRun& run);
 
 /// Makes the output. Throws CommandError or StillError.
 std::unique_ptr<PictureSink> MakeSink(const MapOptions& options, const ClipRun& run);
+
+}  // namespace Quillon::Cli

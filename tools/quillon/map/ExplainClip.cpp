@@ -10,6 +10,8 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+namespace Quillon::Cli {
+
 namespace {
 
 std::ostream& Label(std::ostream& out, const char* label) {
@@ -53,3 +55,5 @@ void ExplainClip(std::ostream& out, const ClipRun& run) {
   if (!encoding.preset.empty()) out << ", preset " << encoding.preset;
   out << '\n';
 }
+
+}  // namespace Quillon::Cli

@@ -14,6 +14,8 @@
 #include "tools/quillon/process/Interrupt.h"
 #include "tools/quillon/process/Words.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 void NoteWhatMatters(const MapOptions& options, const ClipRun& run, const PictureSink& sink,
@@ -116,7 +118,7 @@ void MapAll(const MapOptions& options, ClipRun& run, PictureSink& sink,
 
 void Summarise(std::ostream& out, const MapOptions& options, const ClipRun& run, std::int64_t done,
                double seconds) {
-  const Quillon::Mapper::Decisions decisions = run.mapper->Plan().Decide();
+  const Mapper::Decisions decisions = run.mapper->Plan().Decide();
   out << options.input.string() << " -> " << options.output.string() << ": "
       << Counted(done + run.earlier.count, "frame") << ", " << DescribeColorSpace(decisions.source)
       << ", peak " << run.mapper->PeakText() << " (" << decisions.sourcePeak.origin << ") to "
@@ -156,3 +158,5 @@ void MapClip(const MapOptions& options, std::ostream& out, std::ostream& notes) 
   const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
   if (!options.quiet && !options.explain) Summarise(out, options, run, done, taken.count());
 }
+
+}  // namespace Quillon::Cli

@@ -19,6 +19,8 @@
 #include "tools/quillon/options/SharedOptions.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::array<Choice<PeakSource>, 3> kPeakSources = {{{"metadata", PeakSource::Metadata},
@@ -140,3 +142,5 @@ Subcommand AddMapCommand(CLI::App& app) {
     return writes ? std::vector{options->output} : std::vector<std::filesystem::path>();
   };
 }
+
+}  // namespace Quillon::Cli

@@ -2,6 +2,8 @@
 
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 void CheckMapOptions(const MapOptions& options) {
   CheckMappingOptions(options.mapping);
   CheckExplainIsSeen(options.explain, options.quiet);
@@ -23,3 +25,5 @@ void CheckStillOptions(const MapOptions& options) {
   RefuseUsage(options.mapping.peak.from == PeakSource::Scenes,
               "--peak scenes is for clips; a still is measured with --peak measure");
 }
+
+}  // namespace Quillon::Cli

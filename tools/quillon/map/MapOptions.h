@@ -8,6 +8,8 @@
 #include "tools/quillon/map/ClipOptions.h"
 #include "tools/quillon/options/MappingOptions.h"
 
+namespace Quillon::Cli {
+
 /// What `quillon map` was asked for, each value checked on its own.
 struct MapOptions {
   std::filesystem::path input;
@@ -30,3 +32,5 @@ void CheckClipOptions(const MapOptions& options);
 
 /// The same for a still, which options for clips have no effect on.
 void CheckStillOptions(const MapOptions& options);
+
+}  // namespace Quillon::Cli

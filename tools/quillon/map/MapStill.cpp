@@ -9,7 +9,9 @@
 #include "tools/quillon/picture/LightLevels.h"
 #include "tools/quillon/picture/MapPicture.h"
 
-using Quillon::Mapper::Decisions;
+namespace Quillon::Cli {
+
+using Mapper::Decisions;
 
 namespace {
 
@@ -53,3 +55,5 @@ void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes)
   WriteStill(output, options.output);
   if (!options.quiet && !options.explain) Summarise(out, options, decisions);
 }
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 
 #include "refhost/orvmediatypes/H273.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -37,3 +39,5 @@ ClipTags ResultTags(const ColorDescription& destination, double peakNits, const 
   result.light = {std::min(knownLight.maxCLL, peak), std::min(knownLight.maxFALL, peak)};
   return result;
 }
+
+}  // namespace Quillon::Cli

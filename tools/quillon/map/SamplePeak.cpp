@@ -5,6 +5,8 @@
 #include "mapper/Frames.h"
 #include "tools/quillon/picture/LightLevels.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kStrips = 16;
@@ -18,9 +20,10 @@ double SamplePeak(const PX::VideoFrameRef& frame, int white) {
   for (int i = 0; i < kStrips; ++i) {
     const int top = static_cast<int>(std::int64_t{height} * i / kStrips) & ~1;
     const int rows = std::min(kStripRows, height - top);
-    peak = std::max(
-        peak,
-        MeasureLightLevels(Quillon::Mapper::ShowRows(frame, top, top + rows), white).peakNits);
+    peak = std::max(peak,
+                    MeasureLightLevels(Mapper::ShowRows(frame, top, top + rows), white).peakNits);
   }
   return peak;
 }
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 #include "tools/quillon/clip/OpenClip.h"
 #include "tools/quillon/map/MapClip.h"
 
+namespace Quillon::Cli {
+
 /// The module `clips`: all that calls FFmpeg.
 struct ClipsModule {
   decltype(&MapClip) mapClip;
@@ -12,3 +14,5 @@ struct ClipsModule {
   decltype(&CountClipFrames) countClipFrames;
   decltype(&WriteChartClip) writeChartClip;
 };
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -35,3 +37,5 @@ const void* LoadModule(const char* name, const char* need) {
   if (table == nullptr) Fail(file, need);
   return table();
 }
+
+}  // namespace Quillon::Cli

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace Quillon::Cli {
+
 /// Opens a module of the program, a file in `lib/quillon` beside the program's own folder, and
 /// returns its table of functions, as which its header declares it. It stays open. `need` is what
 /// it is for, for the user. Throws CommandError where the module or a library of its own is not
@@ -15,3 +17,5 @@ const Table& LoadModule(const char* name, const char* need) {
 
 /// What a module exports, and all that it exports: its table.
 extern "C" const void* QuillonModule();
+
+}  // namespace Quillon::Cli

@@ -1,6 +1,8 @@
 #include "tools/quillon/modules/Clips.h"
 #include "tools/quillon/modules/LoadModule.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 const ClipsModule& Clips() {
@@ -29,3 +31,5 @@ std::int64_t CountClipFrames(const std::filesystem::path& path, std::int64_t max
 }
 
 ChartClipLight WriteChartClip(const ChartClip& clip) { return Clips().writeChartClip(clip); }
+
+}  // namespace Quillon::Cli

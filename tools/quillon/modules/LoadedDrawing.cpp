@@ -1,6 +1,8 @@
 #include "tools/quillon/modules/Drawing.h"
 #include "tools/quillon/modules/LoadModule.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 const DrawingModule& Drawing() {
@@ -13,3 +15,5 @@ const DrawingModule& Drawing() {
 std::string DrawSvg(const Scene& scene) { return Drawing().drawSvg(scene); }
 
 Bitmap DrawBitmap(const Scene& scene) { return Drawing().drawBitmap(scene); }
+
+}  // namespace Quillon::Cli

@@ -5,10 +5,12 @@
 
 #include "tools/quillon/options/ColorSpaceNames.h"
 
-using Quillon::Mapper::Algorithm;
-using Quillon::Mapper::Decisions;
-using Quillon::Mapper::GamutAlgorithm;
-using Quillon::Mapper::ToneMapDecision;
+namespace Quillon::Cli {
+
+using Mapper::Algorithm;
+using Mapper::Decisions;
+using Mapper::GamutAlgorithm;
+using Mapper::ToneMapDecision;
 
 namespace {
 
@@ -78,3 +80,5 @@ void NoteOptionsWithoutEffect(std::ostream& notes, const MappingOptions& options
         << " nits): nothing is tone mapped, and --algorithm, --gain, --knee and --preserve have no "
            "effect\n";
 }
+
+}  // namespace Quillon::Cli

@@ -2,6 +2,8 @@
 
 #include "tools/quillon/options/ColorSpaceNames.h"
 
+namespace Quillon::Cli {
+
 using nlohmann::ordered_json;
 
 ordered_json ColorSpaceJson(const orvmediatypes::color::ColorDescription& description) {
@@ -14,3 +16,5 @@ ordered_json ColorSpaceJson(const orvmediatypes::color::ColorDescription& descri
 std::string FormatJson(const ordered_json& json) {
   return json.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n';
 }
+
+}  // namespace Quillon::Cli

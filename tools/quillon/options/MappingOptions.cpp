@@ -7,14 +7,16 @@
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Words.h"
 
-using Quillon::Mapper::Algorithm;
+namespace Quillon::Cli {
+
+using Mapper::Algorithm;
 
 namespace {
 
 std::string AlgorithmsWithKnee() {
   std::vector<std::string_view> names;
-  for (const auto& algorithm : Quillon::Mapper::Algorithms()) {
-    if (Quillon::Mapper::HasKnee(algorithm.value)) names.push_back(algorithm.name);
+  for (const auto& algorithm : Mapper::Algorithms()) {
+    if (Mapper::HasKnee(algorithm.value)) names.push_back(algorithm.name);
   }
   return JoinWords(names, " and ");
 }
@@ -30,7 +32,7 @@ void CheckToneMap(const MappingOptions& options) {
   RefuseUsage(settings.knee.has_value() && settings.algorithm == Algorithm::Automatic,
               "--knee has no effect with --algorithm auto, which chooses the knee itself; add "
               "--algorithm hue");
-  RefuseUsage(settings.knee.has_value() && !Quillon::Mapper::HasKnee(settings.algorithm),
+  RefuseUsage(settings.knee.has_value() && !Mapper::HasKnee(settings.algorithm),
               "--knee has no effect with this algorithm; it belongs to " + AlgorithmsWithKnee());
 }
 
@@ -49,3 +51,5 @@ void CheckMappingOptions(const MappingOptions& options) {
 void CheckExplainIsSeen(bool explain, bool quiet) {
   RefuseUsage(quiet && explain, "--explain prints and --quiet prints nothing; give one of them");
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include "mapper/Mapping.h"
 #include "tools/quillon/options/SourceTags.h"
 
+namespace Quillon::Cli {
+
 /// Where the source peak comes from.
 enum class PeakSource { Default, Number, Metadata, Measure, Scenes };
 
@@ -20,8 +22,8 @@ struct PeakOptions {
 struct MappingOptions {
   SourceOverride source;
   PeakOptions peak;
-  Quillon::Mapper::Target target;
-  Quillon::Mapper::Settings settings;
+  Mapper::Target target;
+  Mapper::Settings settings;
   std::string device = "cpu";  ///< one that `IsDeviceName` takes
 };
 
@@ -30,3 +32,5 @@ void CheckExplainIsSeen(bool explain, bool quiet);
 
 /// Refuses combinations in which an option would have no effect or no meaning. Throws CommandError.
 void CheckMappingOptions(const MappingOptions& options);
+
+}  // namespace Quillon::Cli

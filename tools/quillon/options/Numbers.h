@@ -5,6 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+namespace Quillon::Cli {
+
 /// The number that a text is as a whole, in decimal: no blanks, no '+', no other base, nothing
 /// after it. Nothing where it is none, or does not fit. "inf" and "nan" are numbers of floating
 /// types.
@@ -23,3 +25,5 @@ std::optional<Number> ParseNumberIn(std::string_view text, Number least, Number 
   const bool within = number && *number >= least && *number <= most;
   return within ? std::optional<Number>(*number + Number{}) : std::nullopt;
 }
+
+}  // namespace Quillon::Cli

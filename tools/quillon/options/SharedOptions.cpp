@@ -5,6 +5,8 @@
 #include "mapper/Mapping.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kLargestLuminance = 10000;
@@ -90,9 +92,9 @@ void AddWhiteOption(CLI::App& app, int& white, const std::string& help) {
 }
 
 void AddAlgorithmOptions(CLI::App& app, MappingOptions& options) {
-  AddChoice(app, "--algorithm", Quillon::Mapper::Algorithms(), options.settings.algorithm,
+  AddChoice(app, "--algorithm", Mapper::Algorithms(), options.settings.algorithm,
             "Tone-map algorithm (auto when not given)");
-  AddChoice(app, "--gamut", Quillon::Mapper::GamutAlgorithms(), options.settings.gamut,
+  AddChoice(app, "--gamut", Mapper::GamutAlgorithms(), options.settings.gamut,
             "Gamut compression (none when not given)");
 }
 
@@ -116,9 +118,8 @@ void AddMaxPixelsOption(CLI::App& app, std::int64_t& maxPixels) {
 
 void AddDeviceOption(CLI::App& app, std::string& device) {
   const auto assign = [&device](const std::string& text) {
-    if (!Quillon::Mapper::IsDeviceName(text)) {
-      throw CLI::ValidationError("--device", "'" + text + "' is none of " +
-                                                 Quillon::Mapper::kDeviceSyntax +
+    if (!Mapper::IsDeviceName(text)) {
+      throw CLI::ValidationError("--device", "'" + text + "' is none of " + Mapper::kDeviceSyntax +
                                                  ", N being a number that 'quillon devices' shows");
     }
     device = text;
@@ -126,10 +127,12 @@ void AddDeviceOption(CLI::App& app, std::string& device) {
   app.add_option_function<std::string>("--device", assign,
                                        "Where to map: the processor (cpu, when not given), the "
                                        "first GPU, or one that 'quillon devices' lists")
-      ->type_name(Quillon::Mapper::kDeviceSyntax);
+      ->type_name(Mapper::kDeviceSyntax);
 }
 
 void AddOutputOptions(CLI::App& app, bool& overwrite, bool& quiet) {
   app.add_flag("--overwrite", overwrite, "Replace an output that exists");
   app.add_flag("--quiet", quiet, "Print nothing but errors");
 }
+
+}  // namespace Quillon::Cli

@@ -11,6 +11,8 @@
 #include "tools/quillon/options/Numbers.h"
 #include "tools/quillon/process/Choice.h"
 
+namespace Quillon::Cli {
+
 /// Options that several commands have, by the same names. The references live as long as `app`.
 
 /// The value of a name. Throws CLI::ValidationError, which names the option, for other names.
@@ -103,3 +105,5 @@ void AddDeviceOption(CLI::App& app, std::string& device);
 
 /// --overwrite and --quiet.
 void AddOutputOptions(CLI::App& app, bool& overwrite, bool& quiet);
+
+}  // namespace Quillon::Cli

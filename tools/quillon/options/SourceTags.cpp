@@ -3,6 +3,8 @@
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 
 namespace {
@@ -14,7 +16,7 @@ ColorDescription Override(const ColorDescription& file, const SourceOverride& gi
   tagged.primaries = given.colors->primaries;
   tagged.transfer = given.colors->transfer;
   tagged.chromaticities = {};
-  if (given.tellsMatrix || !Quillon::Mapper::Tells(file.matrix)) {
+  if (given.tellsMatrix || !Mapper::Tells(file.matrix)) {
     tagged.matrix = given.colors->matrix;
   }
   return tagged;
@@ -27,12 +29,14 @@ ColorDescription TaggedColors(const std::filesystem::path& path, const ColorDesc
   ColorDescription tagged = Override(file, given);
   const std::string remedy = "tell with --from" + optionSuffix + " NAME (" + ColorSpaceNames() +
                              ") or --from-cicp" + optionSuffix + " P/T/M";
-  if (!Quillon::Mapper::TellsColors(tagged)) {
+  if (!Mapper::TellsColors(tagged)) {
     throw CommandError(ExitCode::CannotRead, path.string() +
                                                  " does not say which colour space it is in (" +
                                                  DescribeColorSpace(tagged) + "); " + remedy);
   }
-  if (Quillon::Mapper::IsConvertible(tagged)) return tagged;
+  if (Mapper::IsConvertible(tagged)) return tagged;
   throw CommandError(ExitCode::NotSupported, path.string() + ": there is no conversion from " +
                                                  DescribeColorSpace(tagged) + "; " + remedy);
 }
+
+}  // namespace Quillon::Cli

@@ -10,6 +10,8 @@
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 PX::VideoFrameRef MakeByteFrame(int width, int height) {
@@ -51,3 +53,5 @@ Bitmap BitmapOfFrame(const PX::VideoFrameRef& frame) {
   }
   return bitmap;
 }
+
+}  // namespace Quillon::Cli

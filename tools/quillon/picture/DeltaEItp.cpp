@@ -5,6 +5,8 @@
 
 #include "curves/St2084.h"
 
+namespace Quillon::Cli {
+
 ICtCp ICtCpOfNits(double red, double green, double blue) {
   const double r = std::max(red, 0.0);
   const double g = std::max(green, 0.0);
@@ -22,3 +24,5 @@ double DeltaEItp(const ICtCp& a, const ICtCp& b) {
   const double p = a.cp - b.cp;
   return 720.0 * std::sqrt(i * i + t * t + p * p);
 }
+
+}  // namespace Quillon::Cli

@@ -6,7 +6,9 @@
 #include "host/pavix/IVideoFrame.h"
 #include "mapper/Frames.h"
 
-using Quillon::Mapper::ColorManagementFor;
+namespace Quillon::Cli {
+
+using Mapper::ColorManagementFor;
 
 /// A new float BGRA frame in system memory, contents undefined. Throws CommandError.
 PX::VideoFrameRef MakeFloatFrame(int width, int height,
@@ -30,3 +32,5 @@ struct FloatPixels {
   float* Row(int y) const { return first + y * stride; }
 };
 FloatPixels ViewFloatPixels(const PX::VideoFrameRef& frame);
+
+}  // namespace Quillon::Cli

@@ -8,10 +8,12 @@
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/MapperErrors.h"
 
+namespace Quillon::Cli {
+
+using Mapper::Plan;
+using Mapper::Source;
+using Mapper::SourcePeak;
 using orvmediatypes::color::ColorSpace;
-using Quillon::Mapper::Plan;
-using Quillon::Mapper::Source;
-using Quillon::Mapper::SourcePeak;
 
 namespace {
 
@@ -21,7 +23,7 @@ Source Tagged(const MappingOptions& options, const std::filesystem::path& path,
 }
 
 Plan PlanTagged(const MappingOptions& options, const std::filesystem::path& path,
-                const Source& source, std::shared_ptr<Quillon::Mapper::Device> device,
+                const Source& source, std::shared_ptr<Mapper::Device> device,
                 const PeakMeasurement& measurePeak) {
   const SourcePeak peak =
       ChooseSourcePeak(options.peak, path, source, options.settings.white, measurePeak);
@@ -30,10 +32,10 @@ Plan PlanTagged(const MappingOptions& options, const std::filesystem::path& path
 
 }  // namespace
 
-std::shared_ptr<Quillon::Mapper::Device> RequireDevice(const std::string& name) {
-  auto device = Quillon::Mapper::OpenDevice(name);
+std::shared_ptr<Mapper::Device> RequireDevice(const std::string& name) {
+  auto device = Mapper::OpenDevice(name);
   if (device) return *std::move(device);
-  const Quillon::Mapper::Error& error = device.error();
+  const Mapper::Error& error = device.error();
   const std::string option = "--device " + name + ": ";
   if (name == "gpu") {
     throw CommandError(ExitCode::NotSupported,
@@ -59,7 +61,7 @@ SourcePeak ChooseSourcePeak(const PeakOptions& options, const std::filesystem::p
       break;
   }
   if (const auto peak = MetadataPeak(source)) return *peak;
-  if (const auto peak = Quillon::Mapper::NominalPeak(source.colors, white)) return *peak;
+  if (const auto peak = Mapper::NominalPeak(source.colors, white)) return *peak;
   if (options.from == PeakSource::Metadata) {
     throw CommandError(ExitCode::Usage, path.string() +
                                             " carries no light-level metadata; use --peak "
@@ -75,29 +77,30 @@ Plan PlanPictures(const MappingOptions& options, const std::filesystem::path& pa
 }
 
 PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem::path& path,
-                           const PX::VideoFrameRef& frame,
-                           const Quillon::Mapper::ContentLight& light) {
+                           const PX::VideoFrameRef& frame, const Mapper::ContentLight& light) {
   auto device = RequireDevice(options.device);
   const Source source = Tagged(options, path, {frame->GetColorSpace().Description(), light});
   frame->SetColorSpace(ColorSpace(source.colors));
   const int white = options.settings.white;
   const PX::VideoFrameRef floats = ConvertToFloat(
-      frame, Quillon::Mapper::MappingColorSpace(source.colors, options.settings.algorithm), white);
+      frame, Mapper::MappingColorSpace(source.colors, options.settings.algorithm), white);
   const auto measurePeak = [&] { return MeasureLightLevels(floats, white).peakNits; };
   return {PlanTagged(options, path, source, std::move(device), measurePeak), floats};
 }
 
 PX::VideoFrameRef MapPicture(const PlannedPicture& picture, const std::string& name) {
   const orvcore::geom::Bounds bounds = picture.frame->GetBounds();
-  PX::VideoFrameRef mapped = MakeFloatFrame(bounds.width, bounds.height,
-                                            Quillon::Mapper::DestinationColorSpace(picture.plan));
+  PX::VideoFrameRef mapped =
+      MakeFloatFrame(bounds.width, bounds.height, Mapper::DestinationColorSpace(picture.plan));
   MapInto(picture.plan, name, picture.frame, mapped);
   return mapped;
 }
 
 void MapInto(const Plan& plan, const std::string& name, const PX::VideoFrameRef& source,
              PX::VideoFrameRef& destination) {
-  if (const auto failure = Quillon::Mapper::MapFrame(plan, source, destination)) {
+  if (const auto failure = Mapper::MapFrame(plan, source, destination)) {
     FailMapping(*failure, name);
   }
 }
+
+}  // namespace Quillon::Cli

@@ -9,9 +9,11 @@
 #include "mapper/Plan.h"
 #include "tools/quillon/options/MappingOptions.h"
 
+namespace Quillon::Cli {
+
 /// The device of --device, made ready; null for the processor. Never another in its place. Throws
 /// CommandError.
-std::shared_ptr<Quillon::Mapper::Device> RequireDevice(const std::string& name);
+std::shared_ptr<Mapper::Device> RequireDevice(const std::string& name);
 
 /// Measures the peak of what is to be mapped, in nits.
 using PeakMeasurement = std::function<double()>;
@@ -20,28 +22,25 @@ using PeakMeasurement = std::function<double()>;
 /// mastering display's peak), else measured for scene-linear pictures, else the transfer's nominal
 /// peak. `path` is what messages call the picture. Throws CommandError, and what the measurement
 /// throws.
-Quillon::Mapper::SourcePeak ChooseSourcePeak(const PeakOptions& options,
-                                             const std::filesystem::path& path,
-                                             const Quillon::Mapper::Source& source, int white,
-                                             const PeakMeasurement& measurePeak);
+Mapper::SourcePeak ChooseSourcePeak(const PeakOptions& options, const std::filesystem::path& path,
+                                    const Mapper::Source& source, int white,
+                                    const PeakMeasurement& measurePeak);
 
 /// Resolves the options for pictures whose file says `file`, as the options override it;
 /// `measurePeak` is called where the peak has to be measured. Throws CommandError.
-Quillon::Mapper::Plan PlanPictures(const MappingOptions& options, const std::filesystem::path& path,
-                                   const Quillon::Mapper::Source& file,
-                                   const PeakMeasurement& measurePeak);
+Mapper::Plan PlanPictures(const MappingOptions& options, const std::filesystem::path& path,
+                          const Mapper::Source& file, const PeakMeasurement& measurePeak);
 
 /// A picture as the engine gets it, float BGRA, and what will be done to it.
 struct PlannedPicture {
-  Quillon::Mapper::Plan plan;
+  Mapper::Plan plan;
   PX::VideoFrameRef frame;
 };
 
 /// Resolves the options for one picture, whose colour space is what its file says and becomes what
 /// the options make of it. Throws CommandError.
 PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem::path& path,
-                           const PX::VideoFrameRef& frame,
-                           const Quillon::Mapper::ContentLight& light = {});
+                           const PX::VideoFrameRef& frame, const Mapper::ContentLight& light = {});
 
 /// The planned picture, mapped: a new float BGRA frame in the destination's colour space. `name` is
 /// what messages call the picture. Throws CommandError when the engine refuses.
@@ -49,5 +48,7 @@ PX::VideoFrameRef MapPicture(const PlannedPicture& picture, const std::string& n
 
 /// Maps a frame in the plan's source colours into another one, whatever the formats of both. Throws
 /// CommandError.
-void MapInto(const Quillon::Mapper::Plan& plan, const std::string& name,
-             const PX::VideoFrameRef& source, PX::VideoFrameRef& destination);
+void MapInto(const Mapper::Plan& plan, const std::string& name, const PX::VideoFrameRef& source,
+             PX::VideoFrameRef& destination);
+
+}  // namespace Quillon::Cli

@@ -9,6 +9,8 @@
 #include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/picture/PictureLight.h"
 
+namespace Quillon::Cli {
+
 namespace {
 bool IsSdr(const PX::VideoFrameRef& frame) {
   return PX::ColorSpaceUtils::IsSDRColorSpace(frame->GetColorSpace());
@@ -34,3 +36,5 @@ Bitmap PictureForEye(const PX::VideoFrameRef& frame, std::optional<double> hdrPe
   if (!IsSdr(frame) && hdrPeakNits.has_value()) options.peak = {PeakSource::Number, *hdrPeakNits};
   return BitmapOfFrame(MapPicture(PlanPicture(options, name, frame), name));
 }
+
+}  // namespace Quillon::Cli

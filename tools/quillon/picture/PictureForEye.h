@@ -6,6 +6,8 @@
 #include "host/pavix/IVideoFrame.h"
 #include "tools/quillon/plot/DrawScene.h"
 
+namespace Quillon::Cli {
+
 /// The larger peak in nits of those of two tagged pictures that hold more than SDR: PQ, HLG, or
 /// linear light. Nothing where neither does. Throws CommandError.
 std::optional<double> CommonHdrPeak(const PX::VideoFrameRef& a, const PX::VideoFrameRef& b,
@@ -16,3 +18,5 @@ std::optional<double> CommonHdrPeak(const PX::VideoFrameRef& a, const PX::VideoF
 /// curve make the difference. `name` is what messages call the picture. Throws CommandError.
 Bitmap PictureForEye(const PX::VideoFrameRef& frame, std::optional<double> hdrPeakNits, int white,
                      const std::string& name);
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/picture/Frames.h"
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
@@ -32,3 +34,5 @@ PictureLight LightOf(const PX::VideoFrameRef& frame, int white) {
   picture.light = ConvertToFloat(picture.signal, LinearLightIn(H273::kPrimariesBT2020), white);
   return picture;
 }
+
+}  // namespace Quillon::Cli

@@ -2,6 +2,8 @@
 
 #include "host/pavix/IVideoFrame.h"
 
+namespace Quillon::Cli {
+
 /// A picture as it is compared: float BGRA frames of one size.
 struct PictureLight {
   /// R'G'B' in the picture's own colour space, 1.0 at full scale; linear light for a picture that
@@ -16,3 +18,5 @@ PictureLight LightOf(const PX::VideoFrameRef& frame, int white);
 
 /// Linear light in the given ITU-T H.273 primaries.
 orvmediatypes::color::ColorSpace LinearLightIn(std::uint8_t primaries);
+
+}  // namespace Quillon::Cli

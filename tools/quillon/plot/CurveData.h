@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace Quillon::Cli {
+
 /// What is plotted and listed of a few tone curves. Luminances in nits.
 
 struct CurveKnee {
@@ -48,3 +50,5 @@ struct CurveData {
 
   double LargestNits() const { return sourceNits.back(); }
 };
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 
 #include "tools/quillon/plot/CurveStyle.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr double kTickSize = 11.0;
@@ -238,3 +240,5 @@ void AddCurvePanel(Scene& scene, const CurveData& data, const Box& box, const Ni
   panel.AddCurves();
   panel.AddTitles();
 }
+
+}  // namespace Quillon::Cli

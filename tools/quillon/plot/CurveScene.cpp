@@ -8,6 +8,8 @@
 #include "tools/quillon/plot/HueStrips.h"
 #include "tools/quillon/plot/NitsAxis.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kWidth = 1200;
@@ -106,3 +108,5 @@ Scene MakeCurveScene(const CurveData& data) {
   scene.height = static_cast<int>(std::ceil(bottom));
   return scene;
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr Color Hex(unsigned rgb) {
@@ -36,3 +38,5 @@ CurveStyle StyleOf(std::string_view algorithm) {
   if (found->dashes[0] > 0.0) style.dashes.assign(found->dashes.begin(), found->dashes.end());
   return style;
 }
+
+}  // namespace Quillon::Cli

@@ -5,6 +5,8 @@
 
 #include "tools/quillon/plot/PlotScene.h"
 
+namespace Quillon::Cli {
+
 /// How an algorithm's line looks. The colours are told apart by colour-blind readers (Okabe and
 /// Ito); lines that often lie on another one are dashed, so that both are seen.
 struct CurveStyle {
@@ -19,3 +21,5 @@ inline constexpr Color kQuietInk{0.40, 0.40, 0.40};
 inline constexpr Color kGrid{0.85, 0.85, 0.85};
 inline constexpr Color kFaintGrid{0.94, 0.94, 0.94};
 inline constexpr Color kIdentity{0.72, 0.72, 0.72};
+
+}  // namespace Quillon::Cli

@@ -12,6 +12,8 @@
 
 #include "tools/quillon/plot/DrawnText.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr const char* kFont = "DejaVu Sans";
@@ -213,3 +215,5 @@ Bitmap DrawBitmap(const Scene& given) {
   }
   return bitmap;
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 
 #include "tools/quillon/plot/PlotScene.h"
 
+namespace Quillon::Cli {
+
 /// The scene as an SVG file, its texts as outlines and again, to be read and searched, in the
 /// file's description. Throws std::runtime_error.
 std::string DrawSvg(const Scene& scene);
@@ -19,3 +21,5 @@ struct Bitmap {
 
 /// The scene as pixels. Throws std::runtime_error.
 Bitmap DrawBitmap(const Scene& scene);
+
+}  // namespace Quillon::Cli

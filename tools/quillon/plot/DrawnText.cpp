@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
@@ -51,3 +53,5 @@ std::string DrawnText(std::string_view text) {
   }
   return drawn;
 }
+
+}  // namespace Quillon::Cli

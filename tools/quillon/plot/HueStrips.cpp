@@ -5,6 +5,8 @@
 
 #include "tools/quillon/plot/CurveStyle.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr double kLeft = 130.0;
@@ -122,3 +124,5 @@ void AddHueStrips(Scene& scene, const CurveData& data, double top, const NitsAxi
   }
   AddTicks(scene, axis, bottom);
 }
+
+}  // namespace Quillon::Cli

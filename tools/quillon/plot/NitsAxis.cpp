@@ -7,6 +7,8 @@
 
 #include "curves/St2084.h"
 
+namespace Quillon::Cli {
+
 NitsAxis::NitsAxis(Scale scale, double lowest, double highest)
     : scale_(scale), lowest_(lowest), highest_(highest) {}
 
@@ -33,3 +35,5 @@ std::string FormatNits(double nits) {
   std::snprintf(text.data(), text.size(), nits >= 1000.0 ? "%.0f" : "%.4g", nits);
   return text.data();
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace Quillon::Cli {
+
 /// An axis of luminances.
 class NitsAxis {
  public:
@@ -27,3 +29,5 @@ class NitsAxis {
 
 /// A luminance for the reader: "203", "101.5", "0.1".
 std::string FormatNits(double nits);
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace Quillon::Cli {
+
 /// A drawing as a list of what is to be seen, in pixels from the top left corner. Drawn in the
 /// order pictures, lines, dots, texts, each over the ones before.
 
@@ -76,3 +78,5 @@ struct Scene {
   std::vector<Dot> dots;
   std::vector<Text> texts;
 };
+
+}  // namespace Quillon::Cli

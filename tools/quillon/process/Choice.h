@@ -4,9 +4,11 @@
 
 #include "mapper/Mapping.h"
 
+namespace Quillon::Cli {
+
 /// A value of an option that takes one of several names.
 template <class Value>
-using Choice = Quillon::Mapper::Named<Value>;
+using Choice = Mapper::Named<Value>;
 
 /// The names as help and messages list them: "auto|hue|none".
 template <class Choices>
@@ -18,3 +20,5 @@ std::string ChoiceNames(const Choices& choices) {
   }
   return names;
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace Quillon::Cli {
+
 /// Exit codes of the command line.
 enum class ExitCode : int {
   Success = 0,
@@ -31,3 +33,5 @@ class CommandError : public std::runtime_error {
 inline void RefuseUsage(bool condition, const std::string& sentence) {
   if (condition) throw CommandError(ExitCode::Usage, sentence);
 }
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 
 #include "tools/quillon/process/UnfinishedFile.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kSignalBase = 128;  // exit codes of signals, as shells have them
@@ -42,3 +44,5 @@ bool InterruptGuard::IsInterrupted() const { return caught != 0; }
 ExitCode InterruptGuard::Code() const {
   return caught == SIGTERM ? ExitCode::Terminated : ExitCode::Interrupted;
 }
+
+}  // namespace Quillon::Cli

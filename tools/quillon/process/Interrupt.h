@@ -2,6 +2,8 @@
 
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 /// From now on Ctrl-C (SIGINT) and SIGTERM remove unfinished files and end the program with the
 /// exit code of the signal, but for what an InterruptGuard says.
 void EndOnSignals();
@@ -19,3 +21,5 @@ class InterruptGuard {
   /// Of the signal that came; Interrupted where none did.
   ExitCode Code() const;
 };
+
+}  // namespace Quillon::Cli

@@ -2,7 +2,9 @@
 
 #include "tools/quillon/process/ExitCodes.h"
 
-using Quillon::Mapper::Code;
+namespace Quillon::Cli {
+
+using Mapper::Code;
 
 namespace {
 
@@ -26,10 +28,12 @@ ExitCode ExitCodeOf(Code code) {
 
 }  // namespace
 
-void FailMapping(const Quillon::Mapper::Error& error, const std::string& subject) {
+void FailMapping(const Mapper::Error& error, const std::string& subject) {
   std::string message = error.message;
   if (!error.trace.empty()) message += ": " + error.trace;
   if (!subject.empty() && error.code == Code::EngineRefused) message = subject + ": " + message;
   if (error.code == Code::NoDevice) message += "; --device cpu maps it in system memory";
   throw CommandError(ExitCodeOf(error.code), message);
 }
+
+}  // namespace Quillon::Cli

@@ -7,6 +7,8 @@
 
 #include <unistd.h>
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// A signal handler may read it at any time: no memory that could be freed meanwhile.
@@ -46,3 +48,5 @@ void RemoveUnfinishedFiles() {
     if (slot.named) unlink(slot.path.data());
   }
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <atomic>
 #include <filesystem>
 
+namespace Quillon::Cli {
+
 /// A file that is to go when the program is ended while the object lives. Any thread.
 class UnfinishedFile {
  public:
@@ -17,3 +19,5 @@ class UnfinishedFile {
 
 /// Removes all of them. For a signal handler that ends the program.
 void RemoveUnfinishedFiles();
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace Quillon::Cli {
+
 /// "1 frame", "2 frames".
 inline std::string Counted(std::int64_t count, const std::string& thing) {
   return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
@@ -19,3 +21,5 @@ inline std::string JoinWords(const std::vector<std::string_view>& words, std::st
   }
   return list;
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <array>
 #include <new>
 
+namespace Quillon::Cli {
+
 void CloseAvOutput::operator()(AVFormatContext* context) const {
   if (context == nullptr) return;
   avio_closep(&context->pb);
@@ -26,3 +28,5 @@ std::string AvErrorText(int code) {
   av_strerror(code, text.data(), text.size());
   return text.data();
 }
+
+}  // namespace Quillon::Cli

@@ -10,6 +10,8 @@ extern "C" {
 #include <libavutil/frame.h>
 }
 
+namespace Quillon::Cli {
+
 /// Owners of FFmpeg's objects, and what its libraries have no C++ form for.
 
 struct FreeAvFrame {
@@ -65,3 +67,5 @@ class AvOptions {
  private:
   AVDictionary* dictionary_ = nullptr;
 };
+
+}  // namespace Quillon::Cli

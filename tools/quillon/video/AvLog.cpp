@@ -13,6 +13,8 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// Who wants to know of a message; null: nobody.
@@ -67,3 +69,5 @@ std::string AvComplaints::Last() const {
   const std::lock_guard lock(mutex_);
   return last_;
 }
+
+}  // namespace Quillon::Cli

@@ -4,6 +4,8 @@
 #include <mutex>
 #include <string>
 
+namespace Quillon::Cli {
+
 /// Keeps FFmpeg and the encoders under it from writing to standard error of themselves, and hands
 /// on what they complain of: some conceal damage without a word in their results.
 void QuietAvLog();
@@ -22,3 +24,5 @@ class AvComplaints {
   std::int64_t count_ = 0;
   std::string last_;
 };
+
+}  // namespace Quillon::Cli

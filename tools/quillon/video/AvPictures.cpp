@@ -10,6 +10,8 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr int kAlignment = 64;
@@ -117,3 +119,5 @@ std::shared_ptr<AVFrame> AvFramePool::Take() {
   }
   return frame;
 }
+
+}  // namespace Quillon::Cli

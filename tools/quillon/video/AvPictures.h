@@ -7,6 +7,8 @@
 #include "refhost/kestrel/PixelFormats.h"
 #include "tools/quillon/video/AvHandles.h"
 
+namespace Quillon::Cli {
+
 /// FFmpeg's frames as the host's.
 
 /// How the samples of a pixel format lie, where the host has a format for them: planar or
@@ -44,3 +46,5 @@ class AvFramePool {
   int height_;
   AvBufferPoolPtr pool_;
 };
+
+}  // namespace Quillon::Cli

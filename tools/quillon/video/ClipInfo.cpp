@@ -7,6 +7,8 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+namespace Quillon::Cli {
+
 namespace {
 
 int RotationOf(const AVStream& stream) {
@@ -73,3 +75,5 @@ ClipInfo DescribeClip(const ClipInput& input, const AVFrame& first) {
   info.tags = TagsOf(first, *input.video);
   return info;
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 #include "tools/quillon/video/ClipInput.h"
 #include "tools/quillon/video/ClipTags.h"
 
+namespace Quillon::Cli {
+
 /// What a clip is, as far as its head and its first frame tell.
 struct ClipInfo {
   std::string container;    ///< FFmpeg's names, as "mov,mp4,m4a,3gp,3g2,mj2"
@@ -26,3 +28,5 @@ struct ClipInfo {
 
 /// Of an open clip and its first frame.
 ClipInfo DescribeClip(const ClipInput& input, const AVFrame& first);
+
+}  // namespace Quillon::Cli

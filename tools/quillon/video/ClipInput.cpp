@@ -6,6 +6,8 @@
 
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -100,3 +102,5 @@ std::string NameOfStream(const AVStream& stream) {
   return "stream " + std::to_string(stream.index) + " (" + (type != nullptr ? type : "unknown") +
          ", " + avcodec_get_name(stream.codecpar->codec_id) + ")";
 }
+
+}  // namespace Quillon::Cli

@@ -8,6 +8,8 @@
 #include "tools/quillon/video/AvHandles.h"
 #include "tools/quillon/video/AvLog.h"
 
+namespace Quillon::Cli {
+
 /// A container that is open for reading, and its video stream.
 struct ClipInput {
   std::unique_ptr<AvComplaints> complaints;  ///< of the container
@@ -37,3 +39,5 @@ bool CanBeginAnywhere(const ClipInput& input);
 
 /// "stream 1 (audio, aac)".
 std::string NameOfStream(const AVStream& stream);
+
+}  // namespace Quillon::Cli

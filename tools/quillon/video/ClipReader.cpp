@@ -7,6 +7,8 @@
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Words.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -279,3 +281,5 @@ void ClipReader::NoteDamageAndStop(const std::string& what) {
   damage_.Note(what);
   stopped_ = policy_ == DamagePolicy::Stop;
 }
+
+}  // namespace Quillon::Cli

@@ -16,6 +16,8 @@
 #include "tools/quillon/video/PacketWatch.h"
 #include "tools/quillon/video/SteadyTimes.h"
 
+namespace Quillon::Cli {
+
 /// A decoded frame.
 struct ClipFrame {
   std::shared_ptr<const AVFrame> samples;
@@ -110,3 +112,5 @@ class ClipReader {
   ClipDamage damage_;
   ClipInfo info_;
 };
+
+}  // namespace Quillon::Cli

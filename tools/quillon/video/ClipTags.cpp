@@ -12,6 +12,8 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::Chromaticities;
 using orvmediatypes::color::Chromaticity;
 using orvmediatypes::color::ColorDescription;
@@ -164,3 +166,5 @@ void TagStream(const ClipTags& tags, AVStream& stream) {
     light.MaxFALL = static_cast<unsigned>(std::lround(tags.light.maxFALL));
   }
 }
+
+}  // namespace Quillon::Cli

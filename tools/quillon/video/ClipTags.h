@@ -4,6 +4,8 @@
 #include "tools/quillon/io/Still.h"
 #include "tools/quillon/video/AvHandles.h"
 
+namespace Quillon::Cli {
+
 /// What a clip says of its colours and its light: H.273 code points, the mastering display (SMPTE
 /// ST 2086) and the content light level (CTA-861.3). 0: not said.
 struct ClipTags {
@@ -24,3 +26,5 @@ void TagEncoder(const orvmediatypes::color::ColorDescription& colors, AVCodecCon
 
 /// Puts mastering display and light level, where they are given, on a stream of a container.
 void TagStream(const ClipTags& tags, AVStream& stream);
+
+}  // namespace Quillon::Cli

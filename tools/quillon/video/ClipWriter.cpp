@@ -7,6 +7,8 @@
 #include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -347,3 +349,5 @@ void RewriteClip(const fs::path& from, const fs::path& to, const ClipInput* pass
   if (result >= 0) result = container->pb->error;
   if (result < 0) FailFile(to, result);
 }
+
+}  // namespace Quillon::Cli

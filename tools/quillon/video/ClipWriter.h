@@ -12,6 +12,8 @@
 #include "tools/quillon/video/PacketWatch.h"
 #include "tools/quillon/video/PassedPackets.h"
 
+namespace Quillon::Cli {
+
 /// Writes a clip: pictures through an encoder, all other streams as they are. The file can be
 /// played as far as it has come even when the program is killed. Not for several threads at a time.
 class ClipWriter {
@@ -86,3 +88,5 @@ void RewriteClip(const std::filesystem::path& from, const std::filesystem::path&
 
 /// MP4 and MOV are written in fragments while the run lasts, and so have to be written again.
 bool NeedsRewriting(const std::filesystem::path& path);
+
+}  // namespace Quillon::Cli

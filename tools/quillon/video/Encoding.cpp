@@ -18,6 +18,8 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+namespace Quillon::Cli {
+
 using orvmediatypes::color::Chromaticity;
 using orvmediatypes::color::ColorDescription;
 
@@ -402,3 +404,5 @@ void Encoder::Fail(int result) const {
   throw CommandError(ExitCode::EngineRefused, start + " failed (" + AvErrorText(result) +
                                                   "); try another --codec or --preset");
 }
+
+}  // namespace Quillon::Cli

@@ -9,6 +9,8 @@
 #include "tools/quillon/process/Choice.h"
 #include "tools/quillon/video/ClipTags.h"
 
+namespace Quillon::Cli {
+
 enum class VideoCodec { H264, Hevc, Av1, Ffv1, ProRes };
 
 inline constexpr std::array<Choice<VideoCodec>, 5> kVideoCodecs = {{
@@ -96,3 +98,5 @@ class Encoder {
   bool ended_ = false;
   std::int64_t owed_ = 0;  ///< packets
 };
+
+}  // namespace Quillon::Cli

@@ -5,6 +5,8 @@
 
 #include "tools/quillon/process/ExitCodes.h"
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// Six days at 60 frames a second: a head that promises more is wrong.
@@ -70,3 +72,5 @@ std::int64_t FrameIndex::FirstPacketFor(std::int64_t frame) const {
   }
   return first;
 }
+
+}  // namespace Quillon::Cli

@@ -8,6 +8,8 @@
 #include "tools/quillon/video/ClipInput.h"
 #include "tools/quillon/video/PacketWatch.h"
 
+namespace Quillon::Cli {
+
 /// Where the frames of a clip lie, found by reading all its packets without decoding. Frames count
 /// from 0 in the order in which they are shown.
 class FrameIndex {
@@ -41,3 +43,5 @@ class FrameIndex {
   bool hasTimes_ = true;
   ClipDamage damage_;
 };
+
+}  // namespace Quillon::Cli

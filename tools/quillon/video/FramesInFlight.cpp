@@ -2,6 +2,8 @@
 
 #include <iterator>
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// Packets of other codecs may hold several pictures, or one that is never shown.
@@ -42,3 +44,5 @@ std::int64_t FramesInFlight::Finish() {
   times_.clear();
   return lost;
 }
+
+}  // namespace Quillon::Cli

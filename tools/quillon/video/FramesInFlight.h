@@ -6,6 +6,8 @@
 
 #include "tools/quillon/video/AvHandles.h"
 
+namespace Quillon::Cli {
+
 /// The times of pictures that went into a decoder and have not come out yet. Pictures come out in
 /// the order of their times: one whose time has passed is lost.
 class FramesInFlight {
@@ -24,3 +26,5 @@ class FramesInFlight {
   std::optional<std::int64_t> firstKey_;
   std::multiset<std::int64_t> times_;
 };
+
+}  // namespace Quillon::Cli

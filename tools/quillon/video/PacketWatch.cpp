@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <utility>
 
+namespace Quillon::Cli {
+
 namespace {
 
 /// How much earlier than its head says a clip may end.
@@ -58,3 +60,5 @@ std::string PacketWatch::LookAtEnd(int result) const {
   // From while it was opened, when some of it is read ahead.
   return input_.complaints->Count() > 0 ? Broken(input_) : std::string();
 }
+
+}  // namespace Quillon::Cli

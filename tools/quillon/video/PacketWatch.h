@@ -5,6 +5,8 @@
 
 #include "tools/quillon/video/ClipInput.h"
 
+namespace Quillon::Cli {
+
 /// What was found damaged.
 struct ClipDamage {
   std::int64_t places = 0;
@@ -35,3 +37,5 @@ class PacketWatch {
   std::int64_t videoPackets_ = 0;
   double endSeconds_ = 0.0;
 };
+
+}  // namespace Quillon::Cli

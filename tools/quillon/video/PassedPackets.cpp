@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace Quillon::Cli {
+
 PassedPackets::Waiting& PassedPackets::Of(int stream) {
   const auto found = std::find_if(streams_.begin(), streams_.end(),
                                   [stream](const Waiting& w) { return w.stream == stream; });
@@ -45,3 +47,5 @@ void PassedPackets::DropWritten(const AVFormatContext& container) {
     }
   }
 }
+
+}  // namespace Quillon::Cli

@@ -6,6 +6,8 @@
 
 #include "tools/quillon/video/AvHandles.h"
 
+namespace Quillon::Cli {
+
 /// The packets of streams that pass through as they are and wait in a muxer, which writes in the
 /// order of time: to tell whose packet it refused.
 class PassedPackets {
@@ -29,3 +31,5 @@ class PassedPackets {
 
   std::vector<Waiting> streams_;
 };
+
+}  // namespace Quillon::Cli

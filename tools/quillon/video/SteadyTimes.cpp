@@ -3,6 +3,8 @@
 #include <cmath>
 #include <utility>
 
+namespace Quillon::Cli {
+
 namespace {
 
 constexpr double kTolerance =
@@ -26,3 +28,5 @@ std::int64_t SteadyTimes::MissingBefore(double seconds) {
   pending_ += static_cast<std::int64_t>(whole) - 1;
   return steady_ < kFewestSteady ? 0 : std::exchange(pending_, 0);
 }
+
+}  // namespace Quillon::Cli

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <optional>
 
+namespace Quillon::Cli {
+
 /// Finds frames that are missing among frames that follow each other at one rate. A clip whose
 /// times vary is not judged.
 class SteadyTimes {
@@ -20,3 +22,5 @@ class SteadyTimes {
   int steady_ = 0;            ///< gaps of one frame so far
   std::int64_t pending_ = 0;  ///< missing, and not told before the clip is known to be steady
 };
+
+}  // namespace Quillon::Cli

@@ -54,8 +54,8 @@ TEST_F(CudaCalls, TakeNoMemoryAndWaitForNothingTheSecondTime) {
     SCOPED_TRACE(hasPools);
     driver_->devices[0].hasPools = hasPools;
     const auto device = IL::OpenCudaDevice(0);
-    const auto source = MakeGpuFrame(device, KS::kBgraHalf, 33, 17, Space(9, 16));
-    PX::VideoFrameRef destination = MakeGpuFrame(device, KS::kBgraHalf, 33, 17, Space(1, 13));
+    const auto source = MakeGPUFrame(device, KS::kBgraHalf, 33, 17, Space(9, 16));
+    PX::VideoFrameRef destination = MakeGPUFrame(device, KS::kBgraHalf, 33, 17, Space(1, 13));
     const auto settings = SettingsFor(Space(9, 16), Space(1, 13), ToneMapAlgorithmType::ITU2446A);
     ASSERT_EQ(Quillon::ApplyGamutMapping(source, settings, destination), 0) << Trace();
     ASSERT_EQ(device->Finish(), 0);
@@ -82,8 +82,8 @@ TEST_F(CudaCalls, TakeNoMemoryAndWaitForNothingTheSecondTime) {
 TEST_F(CudaCalls, EndBeforeAnyLaunchWhereFramesAreOnTwoDevices) {
   const auto first = IL::OpenCudaDevice(0);
   const auto second = IL::OpenCudaDevice(1);
-  const auto source = MakeGpuFrame(first, KS::kBgraFloat, 33, 17, Space(9, 8));
-  PX::VideoFrameRef destination = MakeGpuFrame(second, KS::kBgraFloat, 33, 17, Space(1, 13));
+  const auto source = MakeGPUFrame(first, KS::kBgraFloat, 33, 17, Space(9, 8));
+  PX::VideoFrameRef destination = MakeGPUFrame(second, KS::kBgraFloat, 33, 17, Space(1, 13));
   for (const auto algorithm :
        {ToneMapAlgorithmType::ITU2446A, ToneMapAlgorithmType::HuePreservationDesaturation,
         ToneMapAlgorithmType::None}) {
@@ -97,8 +97,8 @@ TEST_F(CudaCalls, EndBeforeAnyLaunchWhereFramesAreOnTwoDevices) {
 TEST_F(CudaCalls, LaunchNoKernelOfTheEngineWhereFramesAreOnTwoDevices) {
   const auto first = IL::OpenCudaDevice(0);
   const auto second = IL::OpenCudaDevice(1);
-  const auto source = MakeGpuFrame(first, KS::kBgraFloat, 33, 17, Space(9, 16));
-  PX::VideoFrameRef destination = MakeGpuFrame(second, KS::kBgraFloat, 33, 17, Space(1, 13));
+  const auto source = MakeGPUFrame(first, KS::kBgraFloat, 33, 17, Space(9, 16));
+  PX::VideoFrameRef destination = MakeGPUFrame(second, KS::kBgraFloat, 33, 17, Space(1, 13));
   const auto settings = SettingsFor(Space(9, 16), Space(1, 13), ToneMapAlgorithmType::ITU2446A);
   EXPECT_LT(Quillon::ApplyGamutMapping(source, settings, destination), 0);
   EXPECT_EQ(first->Finish(), 0);
@@ -109,8 +109,8 @@ TEST_F(CudaCalls, LaunchNoKernelOfTheEngineWhereFramesAreOnTwoDevices) {
 
 TEST_F(CudaCalls, OfTheThreadThatFailedFindItWhenTheResultIsFetched) {
   const auto device = IL::OpenCudaDevice(0);
-  const auto source = MakeGpuFrame(device, KS::kBgraFloat, 33, 17, Space(9, 8));
-  PX::VideoFrameRef destination = MakeGpuFrame(device, KS::kBgraFloat, 33, 17, Space(1, 13));
+  const auto source = MakeGPUFrame(device, KS::kBgraFloat, 33, 17, Space(9, 8));
+  PX::VideoFrameRef destination = MakeGPUFrame(device, KS::kBgraFloat, 33, 17, Space(1, 13));
   const auto settings = SettingsFor(Space(9, 8), Space(1, 13), ToneMapAlgorithmType::CARToneCurve);
   driver_->failingLater = "cuLaunchKernel";
   driver_->error = 700;

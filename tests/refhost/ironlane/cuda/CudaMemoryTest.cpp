@@ -45,7 +45,7 @@ class CudaMemory : public CudaTest, public testing::WithParamInterface<bool> {
     return bytes;
   }
 
-  std::shared_ptr<IL::GpuDevice> device_;
+  std::shared_ptr<IL::GPUDevice> device_;
 };
 
 template <class Function>
@@ -223,7 +223,7 @@ class CudaTransfers : public CudaTest {
     return reinterpret_cast<std::uint8_t*>(ring.memory + row % ring.rows * ring.rowBytes);
   }
 
-  std::shared_ptr<IL::GpuDevice> device_;
+  std::shared_ptr<IL::GPUDevice> device_;
   std::uint64_t memory_ = 0;
   std::vector<std::uint8_t> bytes_ = std::vector<std::uint8_t>(kRowBytes * kRows);
 };

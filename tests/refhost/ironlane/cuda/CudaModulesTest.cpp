@@ -200,7 +200,7 @@ TEST_F(FirstDevice, IsTheNextWhereKernelsDoNotBuildOnOne) {
   EXPECT_THAT(Trace(), HasSubstr("CUDA : Old cannot be used"));
 }
 
-TEST(OrderOfChoice, HasGpusBeforeProcessors) {
+TEST(OrderOfChoice, HasGPUsBeforeProcessors) {
   const auto info = [](const char* name, bool isProcessor) {
     IL::DeviceInfo made;
     made.name = name;

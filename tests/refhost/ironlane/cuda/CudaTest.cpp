@@ -77,7 +77,7 @@ std::ptrdiff_t CudaTest::KeptBinaries() const {
   return fs::exists(folder) ? std::distance(fs::directory_iterator(folder), {}) : 0;
 }
 
-int LaunchOn(IL::GpuDevice& device, std::uint64_t memory) {
+int LaunchOn(IL::GPUDevice& device, std::uint64_t memory) {
   const auto kernel = device.LoadKernel("ToneMapMain", "GamutCompressionKernelReinhard");
   if (kernel == nullptr) return device.IsLost() ? IL::kDeviceLost : IL::kDeviceFailed;
   orvcore::classref::InterfaceRef<IL::IArgumentSet> arguments;
@@ -102,7 +102,7 @@ int LaunchOn(IL::GpuDevice& device, std::uint64_t memory) {
   return device.Launch(kernel, arguments, 3, 2, 16, 8, 0);
 }
 
-int UseDevice(IL::GpuDevice& device) {
+int UseDevice(IL::GPUDevice& device) {
   std::uint64_t memory = 0;
   std::uint64_t other = 0;
   std::vector<char> bytes(kBytes, 'x');

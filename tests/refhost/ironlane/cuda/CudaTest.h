@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 #include "tests/refhost/ironlane/cuda/ScriptedDriver.h"
 
 /// The driver that the process has open, which is the scripted one; null where it is not.
@@ -44,10 +44,10 @@ class CudaTest : public ::testing::Test {
 inline constexpr std::size_t kBytes = 4096;
 
 /// Launches a kernel with six arguments over a frame of 4 by 16 floats: 0 or a negative code.
-int LaunchOn(IL::GpuDevice& device, std::uint64_t memory);
+int LaunchOn(IL::GPUDevice& device, std::uint64_t memory);
 
 /// Everything that is done with a device, in order; the first negative code ends it.
-int UseDevice(IL::GpuDevice& device);
+int UseDevice(IL::GPUDevice& device);
 
 /// For tests that need kernels.
 #define QUILLON_NEEDS_PTX() \

@@ -180,7 +180,7 @@ int cuModuleLoadData(void** module, const void* image) {
   if (call.result != 0) return call.result;
   const std::string text(static_cast<const char*>(image));
   const std::string start = BinaryFor(call, "");
-  if (!text.starts_with(start)) return kNoBinaryForGpu;
+  if (!text.starts_with(start)) return kNoBinaryForGPU;
   auto made = std::make_unique<Module>();
   made->context = call.context;
   made->ptx = text.substr(start.size());

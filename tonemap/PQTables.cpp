@@ -1,4 +1,4 @@
-#include "tonemap/PqTables.h"
+#include "tonemap/PQTables.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include "base/DefaultFloatingPoint.h"
 #include "curves/St2084.h"
 #include "curves/Three.h"
-#include "tonemap/PqTransfer.h"
+#include "tonemap/PQTransfer.h"
 
 namespace Quillon {
 
@@ -35,13 +35,13 @@ Table<Size> BuildTable(const CHR::TransferFunction& function, float step) {
 }
 
 const Table<10000>& EncodeTable() {
-  static const Table<10000> kTable = BuildTable<10000>(kPqLinearToSignal, 1.0F);
+  static const Table<10000> kTable = BuildTable<10000>(kPQLinearToSignal, 1.0F);
   return kTable;
 }
 
 const Table<8191>& DecodeTable() {
   // Deliberate: its function is obtained anew.
-  static const Table<8191> kTable = BuildTable<8191>(ObtainPqSignalToLinear(), kDecodeStep);
+  static const Table<8191> kTable = BuildTable<8191>(ObtainPQSignalToLinear(), kDecodeStep);
   return kTable;
 }
 
@@ -61,7 +61,7 @@ bool EncodesAsSt2084(float nits, float encoded) {
 bool EncodesAsSt2084Beyond(float nits) try {
   std::array<float, 3> pixel = {nits, -nits, nits * 0.75F};
   std::array<float, 3> encoded = pixel;
-  kPqLinearToSignal(encoded.data(), 1.0F);
+  kPQLinearToSignal(encoded.data(), 1.0F);
   return std::equal(pixel.begin(), pixel.end(), encoded.begin(), EncodesAsSt2084);
 } catch (...) {
   return false;
@@ -95,12 +95,12 @@ std::size_t PQDecodeIndex(float signal) {
 }
 
 void EncodePQByTable(float* pixel) {
-  if (!IsWithin(pixel, kMostNits)) return kPqLinearToSignal(pixel, 1.0F);
+  if (!IsWithin(pixel, kMostNits)) return kPQLinearToSignal(pixel, 1.0F);
   for (int i = 0; i < 3; ++i) pixel[i] = EncodeTable()[IndexOf(pixel[i], EncodeTable().size())];
 }
 
 void DecodePQByTable(float* pixel) {
-  if (!IsWithin(pixel, 1.0F)) return kPqSignalToLinear(pixel, 1.0F);
+  if (!IsWithin(pixel, 1.0F)) return kPQSignalToLinear(pixel, 1.0F);
   for (int i = 0; i < 3; ++i) pixel[i] = DecodeTable()[PQDecodeIndex(pixel[i])];
 }
 
@@ -110,7 +110,7 @@ bool HostEncodesAsSt2084() {
 }
 
 bool WarmPQTables() {
-  if (!kPqSignalToLinear || !kPqLinearToSignal) return false;
+  if (!kPQSignalToLinear || !kPQLinearToSignal) return false;
   std::array<float, 3> scratch = {1.0F, 1.0F, 1.0F};
   EncodePQByTable(scratch.data());
   scratch = {1.0F, 1.0F, 1.0F};

@@ -1,5 +1,5 @@
 #include "tests/tonemap/ToneMapTest.h"
-#include "tonemap/Itu2390.h"
+#include "tonemap/Bt2390.h"
 
 namespace {
 
@@ -12,9 +12,9 @@ struct HostWithoutPQDecoding {
 // Before the engine's static initialisation asks for it.
 [[gnu::init_priority(101)]] const HostWithoutPQDecoding kHostWithoutPQDecoding;
 
-class AbsentPqDecoding : public tonemap::ToneMapTest {};
+class AbsentPQDecoding : public tonemap::ToneMapTest {};
 
-TEST_F(AbsentPqDecoding, LeavesTheKneeStartAsItIs) {
+TEST_F(AbsentPQDecoding, LeavesTheKneeStartAsItIs) {
   ASSERT_EQ(host.StartupCalls().size(), 2U);
   SetAlgorithm(2);
   host.results.convertFrame = [](const scripted::Conversion& c) { c.destination[4] = 0.75F; };

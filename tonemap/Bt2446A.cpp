@@ -1,4 +1,4 @@
-#include "tonemap/Itu2446A.h"
+#include "tonemap/Bt2446A.h"
 
 #include <array>
 
@@ -47,9 +47,9 @@ float FullScaleInPQ(const ToneMapSettings& settings) {
 
 }  // namespace
 
-void ITU2446AToneMap::operator()(float* pixel, const SupportVector& params,
-                                 const ToneMapSettings& settings) const {
-  using P = Itu2446AParams;
+void Bt2446AToneMap::operator()(float* pixel, const SupportVector& params,
+                                const ToneMapSettings& settings) const {
+  using P = Bt2446AParams;
   ToneMapBt2446A(pixel, settings.controls.peakGain, params[P::kRhoHdr], params[P::kRhoSdr],
                  params[P::kInputScale], params[P::kOutputScale],
                  settings.controls.colorPreservation);

@@ -1,4 +1,4 @@
-#include "refhost/kestrel/GpuConversion.h"
+#include "refhost/kestrel/GPUConversion.h"
 
 #include <cstdint>
 
@@ -8,7 +8,7 @@ namespace KS {
 
 namespace {
 
-Quillon::GPUFrameDescriptor DescriptorOf(const GpuFrameView& frame) {
+Quillon::GPUFrameDescriptor DescriptorOf(const GPUFrameView& frame) {
   return {.devicePointer = frame.pixels,
           .width = frame.width,
           .height = frame.height,
@@ -25,7 +25,7 @@ struct Blocks {
 };
 
 /// OpenCL chooses its own work-groups.
-Blocks BlocksFor(const GpuFrameView& frame) {
+Blocks BlocksFor(const GPUFrameView& frame) {
   constexpr std::uint32_t kBlock = 16;
   if (frame.device->Info().platformKind == IL::kPlatformOpenCl) {
     return {1, frame.width, frame.height};
@@ -33,9 +33,9 @@ Blocks BlocksFor(const GpuFrameView& frame) {
   return {kBlock, (frame.width + kBlock - 1) / kBlock, (frame.height + kBlock - 1) / kBlock};
 }
 
-int Push(IL::IArgumentSet& arguments, const GpuFrameView& source, const GpuFrameView& destination,
+int Push(IL::IArgumentSet& arguments, const GPUFrameView& source, const GPUFrameView& destination,
          std::int32_t converts, const ConversionParams& params) {
-  for (const GpuFrameView* frame : {&source, &destination}) {
+  for (const GPUFrameView* frame : {&source, &destination}) {
     const Quillon::GPUFrameDescriptor descriptor = DescriptorOf(*frame);
     const int result = arguments.SetFrameArgument(&descriptor);
     if (result < 0) return result;
@@ -49,9 +49,9 @@ int Push(IL::IArgumentSet& arguments, const GpuFrameView& source, const GpuFrame
 
 }  // namespace
 
-int ConvertOnGpu(const GpuFrameView& source, const GpuFrameView& destination,
+int ConvertOnGPU(const GPUFrameView& source, const GPUFrameView& destination,
                  const CHR::PixelConverter* converter) {
-  IL::GpuDevice& device = *destination.device;
+  IL::GPUDevice& device = *destination.device;
   const IL::KernelHandle kernel = device.LoadKernel("PixelConversion", "ConvertPixels");
   if (kernel == nullptr) return IL::kDeviceFailed;
 

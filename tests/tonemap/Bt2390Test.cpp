@@ -1,5 +1,5 @@
 #include "tests/tonemap/ToneMapTest.h"
-#include "tonemap/Itu2390.h"
+#include "tonemap/Bt2390.h"
 
 namespace {
 
@@ -7,7 +7,7 @@ using scripted::Colors;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class Itu2390Params : public tonemap::ToneMapTest {
+class Bt2390Params : public tonemap::ToneMapTest {
  protected:
   void SetUp() override {
     ToneMapTest::SetUp();
@@ -32,7 +32,7 @@ class Itu2390Params : public tonemap::ToneMapTest {
   std::size_t conversions_ = 0;
 };
 
-TEST_F(Itu2390Params, AreBuiltFromBothConversionsInVersion3) {
+TEST_F(Bt2390Params, AreBuiltFromBothConversionsInVersion3) {
   Deliver({{0.125F, 0.875F}, {0.25F, 0.625F}});
   Build();
   const float kneeStart = 1.5F * ((0.625F - 0.125F) / 0.75F) - 0.5F;
@@ -61,7 +61,7 @@ TEST_F(Itu2390Params, AreBuiltFromBothConversionsInVersion3) {
           "CHR::GetColorConverterParamsForColorSpace(1/1, true, white 100)"));
 }
 
-TEST_F(Itu2390Params, ConvertNothingForPQOnBothSides) {
+TEST_F(Bt2390Params, ConvertNothingForPQOnBothSides) {
   SetSource(scripted::kPQ);
   SetDestination(scripted::kPQ);
   Build();
@@ -71,7 +71,7 @@ TEST_F(Itu2390Params, ConvertNothingForPQOnBothSides) {
   EXPECT_THAT(host.CallsTo({"CHR::ConvertFrame"}), IsEmpty());
 }
 
-TEST_F(Itu2390Params, ReadAPQDestinationFromTheBufferThatTheSourceLeft) {
+TEST_F(Bt2390Params, ReadAPQDestinationFromTheBufferThatTheSourceLeft) {
   SetDestination(Colors(9, 16, 1000));
   Deliver({{0.125F, 0.875F}});
   Build();
@@ -79,7 +79,7 @@ TEST_F(Itu2390Params, ReadAPQDestinationFromTheBufferThatTheSourceLeft) {
   EXPECT_NEAR(params[3], tonemap::kPQ1000, 1e-6F);
 }
 
-TEST_F(Itu2390Params, TakeTheDestinationsMetadataPeakOnAllChannelsInVersion3) {
+TEST_F(Bt2390Params, TakeTheDestinationsMetadataPeakOnAllChannelsInVersion3) {
   SetDestination(Colors(1, 1, 300));
   host.results.convertFrame = [](const scripted::Conversion& c) {
     if (c.width == 1) c.destination[0] = 0.375F;  // PQ of the metadata into the destination
@@ -91,7 +91,7 @@ TEST_F(Itu2390Params, TakeTheDestinationsMetadataPeakOnAllChannelsInVersion3) {
                   "1], 2, 1, 1/1@300, ")));
 }
 
-TEST_F(Itu2390Params, AssumeTheSourceAndSetOneChannelBelowVersion3) {
+TEST_F(Bt2390Params, AssumeTheSourceAndSetOneChannelBelowVersion3) {
   SetSource(scripted::kSDR);
   settings.controls.version = 2;
   Deliver({{0.25F, 0.625F}});
@@ -110,7 +110,7 @@ TEST_F(Itu2390Params, AssumeTheSourceAndSetOneChannelBelowVersion3) {
           "CHR::GetColorConverterParamsForColorSpace(1/1, true, white 100)"));
 }
 
-TEST_F(Itu2390Params, TakeTheMetadataPeakOnOneChannelBelowVersion3) {
+TEST_F(Bt2390Params, TakeTheMetadataPeakOnOneChannelBelowVersion3) {
   SetDestination(Colors(1, 1, 300));
   settings.controls.version = 2;
   host.results.convertFrame = [](const scripted::Conversion& c) {
@@ -122,14 +122,14 @@ TEST_F(Itu2390Params, TakeTheMetadataPeakOnOneChannelBelowVersion3) {
                                               "0.375 0 0 1], 2, 1, 1/1@300, ")));
 }
 
-TEST_F(Itu2390Params, Assume1000NitsForAnHLGSourceBelowVersion3) {
+TEST_F(Bt2390Params, Assume1000NitsForAnHLGSourceBelowVersion3) {
   settings.controls.version = 2;
   Build();
   EXPECT_EQ(params[0], 0.0F);
   EXPECT_EQ(params[1], 0.752F);
 }
 
-TEST_F(Itu2390Params, TakeTheReferenceWhiteByVersionAndKindOfDestination) {
+TEST_F(Bt2390Params, TakeTheReferenceWhiteByVersionAndKindOfDestination) {
   struct Case {
     int version;
     scripted::ColorDescription destination;
@@ -148,7 +148,7 @@ TEST_F(Itu2390Params, TakeTheReferenceWhiteByVersionAndKindOfDestination) {
   }
 }
 
-TEST_F(Itu2390Params, AreEmptyWhenTheSourceCannotBeConverted) {
+TEST_F(Bt2390Params, AreEmptyWhenTheSourceCannotBeConverted) {
   host.FailWithCode("CHR::ConvertFrame", -1);
   Build();
   EXPECT_THAT(params, IsEmpty());
@@ -156,7 +156,7 @@ TEST_F(Itu2390Params, AreEmptyWhenTheSourceCannotBeConverted) {
   EXPECT_THAT(host.CallsTo({"PX::ColorSpaceUtils", "CHR::GetColor"}), IsEmpty());
 }
 
-TEST_F(Itu2390Params, StopAfterTwoWhenTheDestinationCannotBeConverted) {
+TEST_F(Bt2390Params, StopAfterTwoWhenTheDestinationCannotBeConverted) {
   for (const int version : {2, 3}) {
     host.Reset();
     settings.controls.version = version;

@@ -1,10 +1,10 @@
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 
 #include <cstring>
 
 namespace IL {
 
-int GpuDevice::Upload(const void* from, std::uint64_t to, std::size_t bytes) {
+int GPUDevice::Upload(const void* from, std::uint64_t to, std::size_t bytes) {
   const auto* source = static_cast<const std::byte*>(from);
   return UploadRows(to, 1, bytes, [&](const RowRing& ring, std::size_t first, std::size_t last) {
     std::memcpy(ring.memory + first % ring.rows, source + first, last - first);
@@ -12,7 +12,7 @@ int GpuDevice::Upload(const void* from, std::uint64_t to, std::size_t bytes) {
   });
 }
 
-int GpuDevice::Download(std::uint64_t from, void* to, std::size_t bytes) {
+int GPUDevice::Download(std::uint64_t from, void* to, std::size_t bytes) {
   auto* destination = static_cast<std::byte*>(to);
   return DownloadRows(
       from, 1, bytes, [&](const RowRing& ring, std::size_t first, std::size_t last) {

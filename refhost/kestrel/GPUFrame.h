@@ -5,13 +5,13 @@
 #include <memory>
 
 #include "host/pavix/IVideoFrame.h"
-#include "refhost/ironlane/GpuDevice.h"
+#include "refhost/ironlane/GPUDevice.h"
 
 namespace KS {
 
 /// The pixels of a frame on a GPU, valid while the frame lives: float or half BGRA.
-struct GpuFrameView {
-  std::shared_ptr<IL::GpuDevice> device;
+struct GPUFrameView {
+  std::shared_ptr<IL::GPUDevice> device;
   std::uint64_t pixels = 0;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
@@ -24,9 +24,9 @@ struct GpuFrameView {
 
 /// 0, or `kNotSupported` for frames that are not on a GPU of this host, `kInvalidFrame` for handles
 /// that are not usable.
-int ViewGpuFrame(const PX::VideoFrameRef& frame, GpuFrameView& view);
+int ViewGPUFrame(const PX::VideoFrameRef& frame, GPUFrameView& view);
 
 /// Whether the frame's pixels live on a GPU.
-bool IsOnGpu(const PX::VideoFrameRef& frame);
+bool IsOnGPU(const PX::VideoFrameRef& frame);
 
 }  // namespace KS

@@ -2,8 +2,8 @@
 
 #include "host/kestrel/FrameManipulators.h"
 #include "refhost/kestrel/FrameView.h"
-#include "refhost/kestrel/GpuConversion.h"
-#include "refhost/kestrel/GpuFrame.h"
+#include "refhost/kestrel/GPUConversion.h"
+#include "refhost/kestrel/GPUFrame.h"
 #include "refhost/kestrel/MakeBandCopy.h"
 #include "refhost/kestrel/MakeConverter.h"
 #include "refhost/kestrel/PixelFormats.h"
@@ -15,13 +15,13 @@ namespace KS::GPUFrameManipulators {
 
 namespace {
 
-bool AreOfOneSize(const GpuFrameView& onGpu, const FrameView& inMemory) {
-  return static_cast<int>(onGpu.width) == inMemory.width &&
-         static_cast<int>(onGpu.height) == inMemory.height;
+bool AreOfOneSize(const GPUFrameView& onGPU, const FrameView& inMemory) {
+  return static_cast<int>(onGPU.width) == inMemory.width &&
+         static_cast<int>(onGPU.height) == inMemory.height;
 }
 
 /// A GPU frame's rows as they pass through a ring.
-FrameView ViewRing(const PX::VideoFrameRef& frame, const GpuFrameView& view,
+FrameView ViewRing(const PX::VideoFrameRef& frame, const GPUFrameView& view,
                    const IL::RowRing& ring) {
   FrameView rows;
   rows.format = frame->GetPixelFormat();
@@ -36,9 +36,9 @@ FrameView ViewRing(const PX::VideoFrameRef& frame, const GpuFrameView& view,
 int Upload(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
            const ColorManagementSettings& settings) {
   FrameView source;
-  GpuFrameView destination;
+  GPUFrameView destination;
   if (const int result = ViewFrame(from, source); result < 0) return result;
-  if (const int result = ViewGpuFrame(to, destination); result < 0) return result;
+  if (const int result = ViewGPUFrame(to, destination); result < 0) return result;
   if (!AreOfOneSize(destination, source)) return kInvalidFrame;
 
   std::unique_ptr<const BandCopy> copy;
@@ -58,9 +58,9 @@ int Upload(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
 
 int Download(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
              const ColorManagementSettings& settings) {
-  GpuFrameView source;
+  GPUFrameView source;
   FrameView destination;
-  if (const int result = ViewGpuFrame(from, source); result < 0) return result;
+  if (const int result = ViewGPUFrame(from, source); result < 0) return result;
   if (const int result = ViewFrame(to, destination); result < 0) return result;
   if (!AreOfOneSize(source, destination)) return kInvalidFrame;
 
@@ -82,12 +82,12 @@ int Download(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
   return source.device->DownloadRows(source.pixels, source.rowBytes, source.height, take);
 }
 
-int CopyOnGpu(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
+int CopyOnGPU(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
               const ColorManagementSettings& settings) {
-  GpuFrameView source;
-  GpuFrameView destination;
-  if (const int result = ViewGpuFrame(from, source); result < 0) return result;
-  if (const int result = ViewGpuFrame(to, destination); result < 0) return result;
+  GPUFrameView source;
+  GPUFrameView destination;
+  if (const int result = ViewGPUFrame(from, source); result < 0) return result;
+  if (const int result = ViewGPUFrame(to, destination); result < 0) return result;
   if (source.width != destination.width || source.height != destination.height) {
     return kInvalidFrame;
   }
@@ -102,7 +102,7 @@ int CopyOnGpu(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
   const bool sameBytes = converter == nullptr && source.pixelBytes == destination.pixelBytes &&
                          source.rowBytes == destination.rowBytes;
   if (sameBytes) return source.device->Copy(source.pixels, destination.pixels, source.Bytes());
-  return ConvertOnGpu(source, destination, converter.get());
+  return ConvertOnGPU(source, destination, converter.get());
 }
 
 }  // namespace
@@ -111,11 +111,11 @@ int CopyFrame(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
               orvmediatypes::RenderQuality quality, const ColorManagementSettings& settings) {
   if (!from.IsUsable() || !to.IsUsable()) return kInvalidFrame;
   if (from.Object() == to.Object()) return 0;
-  const bool fromGpu = IsOnGpu(from);
-  const bool toGpu = IsOnGpu(to);
-  if (fromGpu && toGpu) return CopyOnGpu(from, to, settings);
-  if (toGpu) return Upload(from, to, settings);
-  if (fromGpu) return Download(from, to, settings);
+  const bool fromGPU = IsOnGPU(from);
+  const bool toGPU = IsOnGPU(to);
+  if (fromGPU && toGPU) return CopyOnGPU(from, to, settings);
+  if (toGPU) return Upload(from, to, settings);
+  if (fromGPU) return Download(from, to, settings);
   return VideoFrameManipulators::CopyFrame(from, to, quality, settings);
 }
 

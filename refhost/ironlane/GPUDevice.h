@@ -34,9 +34,9 @@ struct DeviceInfo {
 /// on the same memory is done in the order in which it was given; what different threads give on
 /// different memory may be done at the same time. Any thread may call; failures that the device
 /// notices late come out of a later call that waits. Codes are those of ResultCodes.h.
-class GpuDevice : public Device {
+class GPUDevice : public Device {
  public:
-  virtual ~GpuDevice() = default;
+  virtual ~GPUDevice() = default;
 
   virtual const DeviceInfo& Info() const = 0;
 

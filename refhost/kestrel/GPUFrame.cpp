@@ -1,4 +1,4 @@
-#include "refhost/kestrel/GpuFrame.h"
+#include "refhost/kestrel/GPUFrame.h"
 
 #include <limits>
 #include <optional>
@@ -20,7 +20,7 @@ namespace {
 constexpr std::int64_t kRowAlignment = 256;
 
 /// What a frame on a GPU is made of.
-struct GpuFrameLayout {
+struct GPUFrameLayout {
   orvcore::geom::Bounds bounds;
   orvmediatypes::PixelAspectRatio aspect;
   orvmediatypes::PixelFormat format;
@@ -29,14 +29,14 @@ struct GpuFrameLayout {
   std::int32_t rowBytes;
 };
 
-class GpuFrame final : public orvcore::classref::IObject,
+class GPUFrame final : public orvcore::classref::IObject,
                        public PX::IVideoFrame,
                        public IGPUVideoFrame,
                        public IGPUVideoFrameMemoryAccess,
                        public IVideoFrame2DPixelMemoryAccess,
                        public ICompletionEventVideoFrame {
  public:
-  GpuFrame(GpuFrameLayout layout, std::unique_ptr<IL::DeviceMemory> memory)
+  GPUFrame(GPUFrameLayout layout, std::unique_ptr<IL::DeviceMemory> memory)
       : layout_(std::move(layout)), memory_(std::move(memory)) {}
 
   void* QueryInterface(std::string_view qualifiedName) noexcept override {
@@ -78,12 +78,12 @@ class GpuFrame final : public orvcore::classref::IObject,
   void WaitForCompletion() override { memory_->Device()->Finish(); }
 
  private:
-  GpuFrameLayout layout_;
+  GPUFrameLayout layout_;
   std::unique_ptr<IL::DeviceMemory> memory_;
 };
 
 /// Bytes of a pixel that kernels can work on; nothing for other formats.
-std::optional<std::int32_t> PixelBytesOnGpu(orvmediatypes::PixelFormat format) {
+std::optional<std::int32_t> PixelBytesOnGPU(orvmediatypes::PixelFormat format) {
   if (format == kBgraFloat) return 16;
   if (format == kBgraHalf) return 8;
   return std::nullopt;
@@ -100,8 +100,8 @@ int CreateGPUVideoFrame(PX::VideoFrameRef& frame, const std::shared_ptr<IL::Devi
                         std::uint64_t /*reserved3*/,
                         const std::shared_ptr<const orvcore::allocator::RecycledMemory>& /*memory*/,
                         const PX::VideoFrameRef& /*parent*/, bool /*shared*/) {
-  const auto gpu = std::dynamic_pointer_cast<IL::GpuDevice>(device);
-  const auto pixelBytes = PixelBytesOnGpu(format);
+  const auto gpu = std::dynamic_pointer_cast<IL::GPUDevice>(device);
+  const auto pixelBytes = PixelBytesOnGPU(format);
   if (gpu == nullptr || !pixelBytes.has_value()) return kNotSupported;
   if (width <= 0 || height <= 0) return kInvalidFrame;
   const std::int64_t packed = std::int64_t{width} * *pixelBytes;
@@ -112,8 +112,8 @@ int CreateGPUVideoFrame(PX::VideoFrameRef& frame, const std::shared_ptr<IL::Devi
   std::unique_ptr<IL::DeviceMemory> memory;
   const auto bytes = static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(height);
   if (const int result = IL::DeviceMemory::Allocate(gpu, bytes, memory); result < 0) return result;
-  frame = orvcore::classref::MakeShared<PX::IVideoFrame, GpuFrame>(
-      GpuFrameLayout{.bounds = {origin.x, origin.y, width, height},
+  frame = orvcore::classref::MakeShared<PX::IVideoFrame, GPUFrame>(
+      GPUFrameLayout{.bounds = {origin.x, origin.y, width, height},
                      .aspect = aspect,
                      .format = format,
                      .fieldType = fieldType,
@@ -123,15 +123,15 @@ int CreateGPUVideoFrame(PX::VideoFrameRef& frame, const std::shared_ptr<IL::Devi
   return 0;
 }
 
-int ViewGpuFrame(const PX::VideoFrameRef& frame, GpuFrameView& view) {
+int ViewGPUFrame(const PX::VideoFrameRef& frame, GPUFrameView& view) {
   using orvcore::classref::InterfaceCast;
   if (!frame.IsUsable()) return kInvalidFrame;
-  const auto onGpu = InterfaceCast<IGPUVideoFrame>(frame);
+  const auto onGPU = InterfaceCast<IGPUVideoFrame>(frame);
   const auto memory = InterfaceCast<IGPUVideoFrameMemoryAccess>(frame);
   const auto rows = InterfaceCast<IVideoFrame2DPixelMemoryAccess>(frame);
-  if (!onGpu.IsUsable() || !memory.IsUsable() || !rows.IsUsable()) return kNotSupported;
-  const auto pixelBytes = PixelBytesOnGpu(frame->GetPixelFormat());
-  auto device = std::dynamic_pointer_cast<IL::GpuDevice>(onGpu->GetDevice());
+  if (!onGPU.IsUsable() || !memory.IsUsable() || !rows.IsUsable()) return kNotSupported;
+  const auto pixelBytes = PixelBytesOnGPU(frame->GetPixelFormat());
+  auto device = std::dynamic_pointer_cast<IL::GPUDevice>(onGPU->GetDevice());
   if (device == nullptr || !pixelBytes.has_value()) return kNotSupported;
   const orvcore::geom::Bounds bounds = frame->GetBounds();
   view = {.device = std::move(device),
@@ -143,7 +143,7 @@ int ViewGpuFrame(const PX::VideoFrameRef& frame, GpuFrameView& view) {
   return 0;
 }
 
-bool IsOnGpu(const PX::VideoFrameRef& frame) {
+bool IsOnGPU(const PX::VideoFrameRef& frame) {
   return orvcore::classref::InterfaceCast<IGPUVideoFrame>(frame).IsUsable();
 }
 

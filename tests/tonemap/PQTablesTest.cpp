@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "tests/tonemap/CurveTest.h"
-#include "tonemap/PqTables.h"
+#include "tonemap/PQTables.h"
 
 namespace {
 
@@ -41,85 +41,85 @@ constexpr float kNitsOfEntry8190 = 9988.34473F;
 constexpr float kNitsOfHalf = 92.2457123F;
 constexpr float kNitsOfEntry4095 = 92.1893158F;
 
-TEST(PqTables, EncodeLightBelow1NitAsBlack) {
+TEST(PQTables, EncodeLightBelow1NitAsBlack) {
   ExpectThree(Encode({0.0F, 0.5F, std::nextafter(1.0F, 0.0F)}), {0.0F, 0.0F, 0.0F});
 }
 
-TEST(PqTables, EncodeByTheNextLowerWholeNit) {
+TEST(PQTables, EncodeByTheNextLowerWholeNit) {
   ExpectThree(Encode({1.0F, std::nextafter(2.0F, 0.0F), 100.5F}), {kPQ1, kPQ1, kPQ100});
   ExpectThree(Encode({2.0F, 2.5F, 1.5F}), {kPQ2, kPQ2, kPQ1});
 }
 
-TEST(PqTables, Encode10000NitsByTheLastEntry) {
+TEST(PQTables, Encode10000NitsByTheLastEntry) {
   ExpectThree(Encode({10000.0F, 9999.5F, 1.5F}), {kPQ9999, kPQ9999, kPQ1});
 }
 
-TEST(PqTables, EncodeJustAbove10000NitsExactlyInAllChannels) {
+TEST(PQTables, EncodeJustAbove10000NitsExactlyInAllChannels) {
   ExpectThree(Encode({std::nextafter(10000.0F, kInfinity), 100.5F, 1.5F}),
               {1.0F, kPQ100p5, kPQ1p5});
 }
 
-TEST(PqTables, EncodeTheSmallestNegativeLightExactlyInAllChannels) {
+TEST(PQTables, EncodeTheSmallestNegativeLightExactlyInAllChannels) {
   ExpectThree(Encode({-std::numeric_limits<float>::denorm_min(), 100.5F, 1.5F}),
               {0.0F, kPQ100p5, kPQ1p5});
 }
 
-TEST(PqTables, EncodeNegativeZeroByTheTable) {
+TEST(PQTables, EncodeNegativeZeroByTheTable) {
   ExpectThree(Encode({-0.0F, 100.5F, 1.5F}), {0.0F, kPQ100, kPQ1});
 }
 
-TEST(PqTables, EncodeNaNAsBlackAndTheRestByTheTable) {
+TEST(PQTables, EncodeNaNAsBlackAndTheRestByTheTable) {
   ExpectThree(Encode({kNaN, 100.5F, 1.5F}), {0.0F, kPQ100, kPQ1});
   ExpectThree(Encode({100.5F, kNaN, 1.5F}), {kPQ100, 0.0F, kPQ1});
 }
 
-TEST(PqTables, SeeLightBeyondTheTableBehindANaNButNotBehindAFirst) {
+TEST(PQTables, SeeLightBeyondTheTableBehindANaNButNotBehindAFirst) {
   // The search for the largest channel never leaves a first channel that is NaN.
   ExpectThree(Encode({kNaN, 20000.0F, 1.5F}), {0.0F, kPQ9999, kPQ1});
   ExpectThree(Encode({100.5F, 20000.0F, 1.5F}), {kPQ100p5, 1.07146144F, kPQ1p5});
 }
 
-TEST(PqTables, EncodeNextToInfinityExactly) {
+TEST(PQTables, EncodeNextToInfinityExactly) {
   const Three signal = Encode({100.5F, kInfinity, 1.5F});
   EXPECT_FLOAT_EQ(signal[0], kPQ100p5);
   EXPECT_FLOAT_EQ(signal[2], kPQ1p5);
 }
 
-TEST(PqTables, DecodeByTheNextLowerEntry) {
+TEST(PQTables, DecodeByTheNextLowerEntry) {
   ExpectThree(Decode({0.5F, kStep, std::nextafter(2.0F * kStep, 0.0F)}),
               {kNitsOfEntry4095, kNitsOfEntry1, kNitsOfEntry1});
 }
 
-TEST(PqTables, DecodeSignalsBelowOneStepAsBlack) {
+TEST(PQTables, DecodeSignalsBelowOneStepAsBlack) {
   ExpectThree(Decode({0.0F, -0.0F, std::nextafter(kStep, 0.0F)}), {0.0F, 0.0F, 0.0F});
 }
 
-TEST(PqTables, DecodeASignalOf1ByTheLastEntry) {
+TEST(PQTables, DecodeASignalOf1ByTheLastEntry) {
   // Place 8191, which the table of 8191 entries does not have.
   ExpectThree(Decode({1.0F, 0.5F, 0.0F}), {kNitsOfEntry8190, kNitsOfEntry4095, 0.0F});
 }
 
-TEST(PqTables, DecodeJustAbove1ExactlyInAllChannels) {
+TEST(PQTables, DecodeJustAbove1ExactlyInAllChannels) {
   ExpectThree(Decode({std::nextafter(1.0F, 2.0F), 0.5F, 0.25F}),
               {10000.0117F, kNitsOfHalf, 5.15417624F});
 }
 
-TEST(PqTables, DecodeTheSmallestNegativeSignalExactlyInAllChannels) {
+TEST(PQTables, DecodeTheSmallestNegativeSignalExactlyInAllChannels) {
   ExpectThree(Decode({0.25F, -std::numeric_limits<float>::denorm_min(), 0.5F}),
               {5.15417624F, 0.0F, kNitsOfHalf});
 }
 
-TEST(PqTables, DecodeNaNAsBlackAndTheRestByTheTable) {
+TEST(PQTables, DecodeNaNAsBlackAndTheRestByTheTable) {
   ExpectThree(Decode({0.5F, kNaN, 0.5F}), {kNitsOfEntry4095, 0.0F, kNitsOfEntry4095});
 }
 
-TEST(PqTables, FindTheEntryOfASignalByDivisionThroughTheStep) {
+TEST(PQTables, FindTheEntryOfASignalByDivisionThroughTheStep) {
   // 0x1.0028p-2 lies half a step of single precision below 2049 steps: the quotient rounds up to
   // 2049, the product with 8191 stays at 2048.99976.
   ExpectThree(Decode({0x1.0028p-2F, 2048.5F * kStep, 0.0F}), {5.16525459F, 5.15639019F, 0.0F});
 }
 
-TEST(PqTables, FindEveryEntryAtItsOwnSignal) {
+TEST(PQTables, FindEveryEntryAtItsOwnSignal) {
   Three last = Decode({0.0F, 0.0F, 0.0F});
   EXPECT_EQ(last[0], 0.0F);
   for (int entry = 1; entry <= 8190; ++entry) {

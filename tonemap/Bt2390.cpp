@@ -1,4 +1,4 @@
-#include "tonemap/Itu2390.h"
+#include "tonemap/Bt2390.h"
 
 #include <array>
 #include <cmath>
@@ -12,9 +12,9 @@
 #include "host/pavix/ColorSpaces.h"
 #include "tonemap/ColorSpaceMatch.h"
 #include "tonemap/GraphicsWhite.h"
+#include "tonemap/PQTables.h"
+#include "tonemap/PQTransfer.h"
 #include "tonemap/PeakLuminance.h"
-#include "tonemap/PqTables.h"
-#include "tonemap/PqTransfer.h"
 #include "tonemap/SupportParams.h"
 
 namespace Quillon {
@@ -26,7 +26,7 @@ using PX::ToneMappingUtils::ToneMapSettings;
 
 namespace {
 
-using P = Itu2390Params;
+using P = Bt2390Params;
 
 constexpr float kOldPeakSignal = 1.09F;      // super-white of a narrow-range SDR signal
 constexpr float kOldHlgPeakSignal = 0.752F;  // PQ code value of 1000 nits
@@ -96,32 +96,32 @@ float ReferenceWhite(const ToneMapSettings& settings, bool colorManaged) {
 /// A PQ code value in nits.
 float DecodePQ(float signal) {
   std::array<float, 3> pixel = {signal, 1.0F, 1.0F};
-  if (kPqSignalToLinear) kPqSignalToLinear(pixel.data(), 1.0F);
+  if (kPQSignalToLinear) kPQSignalToLinear(pixel.data(), 1.0F);
   return pixel[0];
 }
 
 /// Highlights desaturated in linear light, then the EETF on PQ code values.
-void ToneMap(Itu2390Form form, float* pixel, const SupportVector& params,
+void ToneMap(Bt2390Form form, float* pixel, const SupportVector& params,
              const ToneMapSettings& settings) {
   DesaturateHighlight(pixel, settings.controls.peakGain, params[P::kKneeStartLight],
                       settings.controls.peak, settings.controls.colorPreservation,
                       params[P::kWeightRed], params[P::kWeightGreen], params[P::kWeightBlue]);
   const float kneeStart = params[P::kKneeStart];
   if (kneeStart >= 1.0F) return;
-  ApplyItu2390(form, params.data(), pixel);
+  ApplyBt2390(form, params.data(), pixel);
 }
 
 bool IsCodeValue(float value) { return value >= 0.0F && value <= 1.0F; }
 
 template <class Curve>
 ToneMapPixelFunction BindTables(const SupportVector& params) {
-  if (!PrepareITU2390(params)) return {};
-  return Curve{MakeItu2390Tables(Curve::kForm, params)};
+  if (!PrepareBt2390(params)) return {};
+  return Curve{MakeBt2390Tables(Curve::kForm, params)};
 }
 
 }  // namespace
 
-bool PrepareITU2390(const SupportVector& params) {
+bool PrepareBt2390(const SupportVector& params) {
   constexpr float kTolerance = 1e-15F;
   const float range = params[P::kSourceRange];
   const float kneeStart = params[P::kKneeStart];
@@ -130,7 +130,7 @@ bool PrepareITU2390(const SupportVector& params) {
   return WarmPQTables();
 }
 
-Bt2390Params Itu2390CurveParams(const float* params) {
+EetfParams EetfParamsOf(const float* params) {
   return {.sourceBlack = params[P::kSourceBlack],
           .sourceRange = params[P::kSourceRange],
           .kneeStart = params[P::kKneeStart],
@@ -138,46 +138,45 @@ Bt2390Params Itu2390CurveParams(const float* params) {
           .maxLum = params[P::kMaxLum]};
 }
 
-double Itu2390CodeValue(const SupportVector& params, double share) {
+double Bt2390CodeValue(const SupportVector& params, double share) {
   const double sourceBlack = params[P::kSourceBlack];
   const double sourceRange = params[P::kSourceRange];
   return sourceBlack + share * sourceRange;
 }
 
-void ApplyItu2390(Itu2390Form form, const float* params, float* pixel) {
+void ApplyBt2390(Bt2390Form form, const float* params, float* pixel) {
   const float white = params[P::kReferenceWhite];
   std::array<float, 3> pq = {white * pixel[0], white * pixel[1], white * pixel[2]};
   EncodePQByTable(pq.data());
-  if (form == Itu2390Form::MaxRGB) {
-    EetfMaxRGB(pq.data(), Itu2390CurveParams(params));
+  if (form == Bt2390Form::MaxRGB) {
+    EetfMaxRGB(pq.data(), EetfParamsOf(params));
   } else {
-    EetfByChannel(pq.data(), Itu2390CurveParams(params));
+    EetfByChannel(pq.data(), EetfParamsOf(params));
   }
   DecodePQByTable(pq.data());
   for (std::size_t channel = 0; channel < pq.size(); ++channel)
     pixel[channel] = pq[channel] / white;
 }
 
-std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
-                                                       const SupportVector& params) {
+std::shared_ptr<const Bt2390Tables> MakeBt2390Tables(Bt2390Form form, const SupportVector& params) {
   const DefaultFloatingPoint mode;
-  const Bt2390Params curve = Itu2390CurveParams(params.data());
+  const EetfParams curve = EetfParamsOf(params.data());
   if (curve.kneeStart >= 1.0F) return nullptr;
   const float white = params[P::kReferenceWhite];
   const auto tables =
-      std::allocate_shared<Itu2390Tables>(orvcore::allocator::STLAllocator<Itu2390Tables>());
+      std::allocate_shared<Bt2390Tables>(orvcore::allocator::STLAllocator<Bt2390Tables>());
   tables->params = params;
   tables->hostEncodesAsSt2084 = HostEncodesAsSt2084();
   tables->decoded.reserve(PQDecodeTable().size());
   for (const float nits : PQDecodeTable()) tables->decoded.push_back(nits / white);
-  if (form == Itu2390Form::ByChannel) {
+  if (form == Bt2390Form::ByChannel) {
     tables->mapped.reserve(PQEncodeTable().size());
   } else {
     tables->encoded.reserve(PQEncodeTable().size());
     tables->ratio.reserve(PQEncodeTable().size());
   }
   for (const float pq : PQEncodeTable()) {
-    if (form == Itu2390Form::ByChannel) {
+    if (form == Bt2390Form::ByChannel) {
       const float mapped = EetfOfChannel(pq, curve);
       if (!IsCodeValue(mapped)) return nullptr;
       tables->mapped.push_back(tables->decoded[PQDecodeIndex(mapped)]);
@@ -192,21 +191,21 @@ std::shared_ptr<const Itu2390Tables> MakeItu2390Tables(Itu2390Form form,
   return tables;
 }
 
-ToneMapPixelFunction ITU2390MaxRGBToneMap::Bind(const SupportVector& params) {
-  return BindTables<ITU2390MaxRGBToneMap>(params);
+ToneMapPixelFunction Bt2390MaxRGBToneMap::Bind(const SupportVector& params) {
+  return BindTables<Bt2390MaxRGBToneMap>(params);
 }
 
-ToneMapPixelFunction ITU2390RGBByChannelToneMap::Bind(const SupportVector& params) {
-  return BindTables<ITU2390RGBByChannelToneMap>(params);
+ToneMapPixelFunction Bt2390RGBByChannelToneMap::Bind(const SupportVector& params) {
+  return BindTables<Bt2390RGBByChannelToneMap>(params);
 }
 
-void ITU2390MaxRGBToneMap::operator()(float* pixel, const SupportVector& params,
-                                      const ToneMapSettings& settings) const {
+void Bt2390MaxRGBToneMap::operator()(float* pixel, const SupportVector& params,
+                                     const ToneMapSettings& settings) const {
   ToneMap(kForm, pixel, params, settings);
 }
 
-void ITU2390RGBByChannelToneMap::operator()(float* pixel, const SupportVector& params,
-                                            const ToneMapSettings& settings) const {
+void Bt2390RGBByChannelToneMap::operator()(float* pixel, const SupportVector& params,
+                                           const ToneMapSettings& settings) const {
   ToneMap(kForm, pixel, params, settings);
 }
 
@@ -219,9 +218,9 @@ void GetITU2390SupportParams(ToneMapSettings& settings, SupportVector& params) {
   const float referenceWhite = ReferenceWhite(settings, colorManaged);
   params.push_back(referenceWhite);
 
-  const Bt2390Params curve =
-      MakeBt2390Params(params[P::kSourceBlack], params[P::kSourcePeak],
-                       params[P::kDestinationBlack], params[P::kDestinationPeak]);
+  const EetfParams curve =
+      MakeEetfParams(params[P::kSourceBlack], params[P::kSourcePeak], params[P::kDestinationBlack],
+                     params[P::kDestinationPeak]);
   params.push_back(curve.sourceRange);
   params.push_back(curve.minLum);
   params.push_back(curve.maxLum);

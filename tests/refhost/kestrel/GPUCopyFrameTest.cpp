@@ -64,7 +64,7 @@ std::vector<std::byte> SamplesOf(const PX::VideoFrameRef& frame) {
   return samples;
 }
 
-class GpuFrames : public OnDevice {
+class GPUFrames : public OnDevice {
  protected:
   static int Copy(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
                   std::uint32_t white = 203) {
@@ -72,15 +72,15 @@ class GpuFrames : public OnDevice {
   }
 };
 
-TEST_P(GpuFrames, ComeBackAsTheyWentUp) {
+TEST_P(GPUFrames, ComeBackAsTheyWentUp) {
   for (const PixelFormat format : {kBgraFloat, kBgraHalf}) {
     const Pixels pixels = RoundedToHalf(NotablePixels(37, 11, 4));
     const auto frame = MakeSystemFrame(format, 37, 11, Space(9, 16), pixels);
-    ExpectSameBits(PixelsOf(OnGpu(device_, frame)), pixels);
+    ExpectSameBits(PixelsOf(OnGPU(device_, frame)), pixels);
   }
 }
 
-TEST_P(GpuFrames, AreConvertedToTheBitsOfTheProcessor) {
+TEST_P(GPUFrames, AreConvertedToTheBitsOfTheProcessor) {
   const Pixels pixels = NotablePixels(37, 29, 7);
   const Pixels signals = [&] {
     Pixels scaled = pixels;
@@ -98,25 +98,25 @@ TEST_P(GpuFrames, AreConvertedToTheBitsOfTheProcessor) {
       const auto source = MakeSystemFrame(kBgraFloat, 37, 29, from, signals);
       const auto expected = MakeSystemFrame(kBgraFloat, 37, 29, to, pixels);
       ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(source, expected, 4, White(100)), 0);
-      const auto onGpu = MakeGpuFrame(device_, kBgraFloat, 37, 29, to);
-      ASSERT_EQ(Copy(OnGpu(device_, source), onGpu, 100), 0);
-      ExpectComputed(*device_, PixelsOf(onGpu), PixelsOf(expected));
+      const auto onGPU = MakeGPUFrame(device_, kBgraFloat, 37, 29, to);
+      ASSERT_EQ(Copy(OnGPU(device_, source), onGPU, 100), 0);
+      ExpectComputed(*device_, PixelsOf(onGPU), PixelsOf(expected));
     }
   }
 }
 
-TEST_P(GpuFrames, AreRoundedOnceBetweenFloatAndHalf) {
+TEST_P(GPUFrames, AreRoundedOnceBetweenFloatAndHalf) {
   const Pixels pixels = NotablePixels(37, 29, 9);
-  const auto source = OnGpu(device_, MakeSystemFrame(kBgraFloat, 37, 29, Space(9, 8), pixels));
-  const auto half = MakeGpuFrame(device_, kBgraHalf, 37, 29, Space(9, 8));
+  const auto source = OnGPU(device_, MakeSystemFrame(kBgraFloat, 37, 29, Space(9, 8), pixels));
+  const auto half = MakeGPUFrame(device_, kBgraHalf, 37, 29, Space(9, 8));
   ASSERT_EQ(Copy(source, half), 0);
   ExpectSameBits(PixelsOf(half), RoundedToHalf(pixels));
-  const auto back = MakeGpuFrame(device_, kBgraFloat, 37, 29, Space(9, 8));
+  const auto back = MakeGPUFrame(device_, kBgraFloat, 37, 29, Space(9, 8));
   ASSERT_EQ(Copy(half, back), 0);
   ExpectSameBits(PixelsOf(back), RoundedToHalf(pixels));
 }
 
-TEST_P(GpuFrames, TakeAndGiveOtherFormatsOfSystemMemory) {
+TEST_P(GPUFrames, TakeAndGiveOtherFormatsOfSystemMemory) {
   const auto integers = MakeSystemFrame(kBgraFloat, 9, 4, Space(1, 13), NotablePixels(9, 4, 2));
   PX::VideoFrameRef eight;
   ASSERT_EQ(KS::CreateSystemFrame(
@@ -124,21 +124,21 @@ TEST_P(GpuFrames, TakeAndGiveOtherFormatsOfSystemMemory) {
             0);
   ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(integers, eight, 4, {}), 0);
 
-  const auto onGpu = MakeGpuFrame(device_, kBgraFloat, 9, 4, Space(9, 16));
-  ASSERT_EQ(Copy(eight, onGpu), 0);
+  const auto onGPU = MakeGPUFrame(device_, kBgraFloat, 9, 4, Space(9, 16));
+  ASSERT_EQ(Copy(eight, onGPU), 0);
   const auto expected = MakeSystemFrame(kBgraFloat, 9, 4, Space(9, 16), NotablePixels(9, 4, 2));
   ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(eight, expected, 4, {}), 0);
-  ExpectComputed(*device_, PixelsOf(onGpu), PixelsOf(expected));
+  ExpectComputed(*device_, PixelsOf(onGPU), PixelsOf(expected));
 
   const auto linear = MakeSystemFrame(kBgraFloat, 9, 4, Space(9, 8), NotablePixels(9, 4, 3));
   const auto expectedLinear = MakeSystemFrame(kBgraFloat, 9, 4, Space(9, 8), PixelsOf(linear));
-  ASSERT_EQ(Copy(onGpu, linear), 0);
+  ASSERT_EQ(Copy(onGPU, linear), 0);
   ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(expected, expectedLinear, 4, {}), 0);
   ExpectSameBits(PixelsOf(linear), PixelsOf(expectedLinear));
 }
 
 /// Heights of a piece and a few rows, of whole pieces, and of more pieces than pass at once.
-TEST_P(GpuFrames, PassInPiecesWithTheBitsOfTheProcessor) {
+TEST_P(GPUFrames, PassInPiecesWithTheBitsOfTheProcessor) {
   for (const int height : {1, 63, 64, 65, 127, 128, 192, 193, 263, 511}) {
     SCOPED_TRACE(height);
     const auto picture =
@@ -146,22 +146,22 @@ TEST_P(GpuFrames, PassInPiecesWithTheBitsOfTheProcessor) {
     const auto expectedUp =
         MakeSystemFrame(kBgraFloat, 21, height, Space(9, 8), NotablePixels(21, height, 1));
     ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(picture, expectedUp, 4, White(203)), 0);
-    const auto onGpu = MakeGpuFrame(device_, kBgraFloat, 21, height, Space(9, 8));
-    ASSERT_EQ(Copy(picture, onGpu), 0);
-    ExpectSameBits(PixelsOf(onGpu), PixelsOf(expectedUp));
+    const auto onGPU = MakeGPUFrame(device_, kBgraFloat, 21, height, Space(9, 8));
+    ASSERT_EQ(Copy(picture, onGPU), 0);
+    ExpectSameBits(PixelsOf(onGPU), PixelsOf(expectedUp));
 
     const auto down =
         MakeSystemFrame(kBgraFloat, 21, height, Space(1, 13), NotablePixels(21, height, 2));
     const auto expectedDown =
         MakeSystemFrame(kBgraFloat, 21, height, Space(1, 13), NotablePixels(21, height, 3));
-    ASSERT_EQ(Copy(onGpu, down), 0);
+    ASSERT_EQ(Copy(onGPU, down), 0);
     ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(expectedUp, expectedDown, 4, White(203)), 0);
     ExpectSameBits(PixelsOf(down), PixelsOf(expectedDown));
   }
 }
 
 /// Chroma of a row is made from rows of the piece before and of the next.
-TEST_P(GpuFrames, PassInPiecesToAndFromHalvedChroma) {
+TEST_P(GPUFrames, PassInPiecesToAndFromHalvedChroma) {
   const auto format = KS::PlanarYCbCr(KS::ChromaFormat::C420, 10);
   const auto make = [&](int height) {
     PX::VideoFrameRef frame;
@@ -176,31 +176,31 @@ TEST_P(GpuFrames, PassInPiecesToAndFromHalvedChroma) {
         MakeSystemFrame(kBgraFloat, 34, height, Space(1, 13), RandomSignals(34, height));
     const auto planar = make(height);
     ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(pixels, planar, 4, White(203)), 0);
-    const auto onGpu = MakeGpuFrame(device_, kBgraFloat, 34, height, Space(1, 8));
-    ASSERT_EQ(Copy(planar, onGpu), 0);
+    const auto onGPU = MakeGPUFrame(device_, kBgraFloat, 34, height, Space(1, 8));
+    ASSERT_EQ(Copy(planar, onGPU), 0);
     const auto expected =
         MakeSystemFrame(kBgraFloat, 34, height, Space(1, 8), NotablePixels(34, height, 1));
     ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(planar, expected, 4, White(203)), 0);
-    ExpectSameBits(PixelsOf(onGpu), PixelsOf(expected));
+    ExpectSameBits(PixelsOf(onGPU), PixelsOf(expected));
 
     const auto back = make(height);
     const auto expectedBack = make(height);
-    ASSERT_EQ(Copy(onGpu, back), 0);
+    ASSERT_EQ(Copy(onGPU, back), 0);
     ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(expected, expectedBack, 4, White(203)), 0);
     EXPECT_EQ(SamplesOf(back), SamplesOf(expectedBack));
   }
 }
 
-TEST_P(GpuFrames, AreLeftAloneWhenCopiedOntoThemselves) {
+TEST_P(GPUFrames, AreLeftAloneWhenCopiedOntoThemselves) {
   const Pixels pixels = NotablePixels(5, 5, 1);
-  const auto frame = OnGpu(device_, MakeSystemFrame(kBgraFloat, 5, 5, Space(9, 16), pixels));
+  const auto frame = OnGPU(device_, MakeSystemFrame(kBgraFloat, 5, 5, Space(9, 16), pixels));
   EXPECT_EQ(Copy(frame, frame), 0);
   ExpectSameBits(PixelsOf(frame), pixels);
 }
 
-TEST_P(GpuFrames, ShowAllOfTheirInterfaces) {
+TEST_P(GPUFrames, ShowAllOfTheirInterfaces) {
   using orvcore::classref::InterfaceCast;
-  const auto frame = MakeGpuFrame(device_, kBgraHalf, 33, 7, Space(9, 16));
+  const auto frame = MakeGPUFrame(device_, kBgraHalf, 33, 7, Space(9, 16));
   EXPECT_EQ(InterfaceCast<KS::IGPUVideoFrame>(frame)->GetDevice(), device_);
   EXPECT_NE(InterfaceCast<KS::IGPUVideoFrameMemoryAccess>(frame)->GetDevicePointer(), 0U);
   const auto rows = InterfaceCast<KS::IVideoFrame2DPixelMemoryAccess>(frame);
@@ -215,14 +215,14 @@ TEST_P(GpuFrames, ShowAllOfTheirInterfaces) {
   EXPECT_EQ(frame->GetColorSpace().Description(), Space(1, 13).Description());
 }
 
-TEST_P(GpuFrames, KeepTheirDeviceAlive) {
+TEST_P(GPUFrames, KeepTheirDeviceAlive) {
   const Pixels pixels = NotablePixels(5, 5, 1);
-  const auto frame = OnGpu(device_, MakeSystemFrame(kBgraFloat, 5, 5, Space(9, 16), pixels));
+  const auto frame = OnGPU(device_, MakeSystemFrame(kBgraFloat, 5, 5, Space(9, 16), pixels));
   device_ = nullptr;
   ExpectSameBits(PixelsOf(frame), pixels);
 }
 
-TEST_P(GpuFrames, AreRefusedWhereTheyCannotBeMadeOrConverted) {
+TEST_P(GPUFrames, AreRefusedWhereTheyCannotBeMadeOrConverted) {
   const auto create = [&](const std::shared_ptr<IL::Device>& device, PixelFormat format, int width,
                           int height) {
     PX::VideoFrameRef frame;
@@ -241,14 +241,14 @@ TEST_P(GpuFrames, AreRefusedWhereTheyCannotBeMadeOrConverted) {
   // Fits no device.
   EXPECT_EQ(create(device_, kBgraFloat, 1 << 17, 1 << 17), IL::kOutOfDeviceMemory);
 
-  const auto frame = MakeGpuFrame(device_, kBgraFloat, 4, 4, Space(9, 16));
-  EXPECT_EQ(Copy(frame, MakeGpuFrame(device_, kBgraFloat, 4, 5, Space(9, 16))), KS::kInvalidFrame);
-  EXPECT_EQ(Copy(frame, MakeGpuFrame(device_, kBgraFloat, 4, 4, ColorSpace())), KS::kNotSupported);
+  const auto frame = MakeGPUFrame(device_, kBgraFloat, 4, 4, Space(9, 16));
+  EXPECT_EQ(Copy(frame, MakeGPUFrame(device_, kBgraFloat, 4, 5, Space(9, 16))), KS::kInvalidFrame);
+  EXPECT_EQ(Copy(frame, MakeGPUFrame(device_, kBgraFloat, 4, 4, ColorSpace())), KS::kNotSupported);
   EXPECT_EQ(Copy({}, frame), KS::kInvalidFrame);
   EXPECT_EQ(Copy(frame, {}), KS::kInvalidFrame);
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryDevice, GpuFrames, testing::ValuesIn(EveryDevice()), DeviceTestName);
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GpuFrames);
+INSTANTIATE_TEST_SUITE_P(EveryDevice, GPUFrames, testing::ValuesIn(EveryDevice()), DeviceTestName);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(GPUFrames);
 
 }  // namespace
