@@ -2,69 +2,17 @@
 
 #include <cstdint>
 
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/kestrel/PixelKernel.h"
 
 namespace KS {
 
-namespace {
-
-Quillon::GPUFrameDescriptor DescriptorOf(const GPUFrameView& frame) {
-  return {.devicePointer = frame.pixels,
-          .width = frame.width,
-          .height = frame.height,
-          .rowPitchPixels = frame.rowBytes / frame.pixelBytes,
-          .formatFlag = frame.IsHalf() ? 0U : 1U,
-          .reserved = 0,
-          .padding = 0};
-}
-
-struct Blocks {
-  std::uint32_t block;
-  std::uint32_t gridX;
-  std::uint32_t gridY;
-};
-
-/// OpenCL chooses its own work-groups.
-Blocks BlocksFor(const GPUFrameView& frame) {
-  constexpr std::uint32_t kBlock = 16;
-  if (frame.device->Info().platformKind == IL::kPlatformOpenCl) {
-    return {1, frame.width, frame.height};
-  }
-  return {kBlock, (frame.width + kBlock - 1) / kBlock, (frame.height + kBlock - 1) / kBlock};
-}
-
-int Push(IL::IArgumentSet& arguments, const GPUFrameView& source, const GPUFrameView& destination,
-         std::int32_t converts, const ConversionParams& params) {
-  for (const GPUFrameView* frame : {&source, &destination}) {
-    const Quillon::GPUFrameDescriptor descriptor = DescriptorOf(*frame);
-    const int result = arguments.SetFrameArgument(&descriptor);
-    if (result < 0) return result;
-  }
-  int result = arguments.SetValueArgument(&converts, sizeof(converts), alignof(std::int32_t));
-  if (result < 0) return result;
-  result = arguments.SetValueArgument(&params, sizeof(params), alignof(ConversionParams));
-  if (result < 0) return result;
-  return arguments.Finalize();
-}
-
-}  // namespace
-
 int ConvertOnGPU(const GPUFrameView& source, const GPUFrameView& destination,
                  const CHR::PixelConverter* converter) {
-  IL::GPUDevice& device = *destination.device;
-  const IL::KernelHandle kernel = device.LoadKernel("PixelConversion", "ConvertPixels");
-  if (kernel == nullptr) return IL::kDeviceFailed;
-
   const ConversionParams params = converter == nullptr ? ConversionParams{} : converter->Params();
   const std::int32_t converts = converter == nullptr ? 0 : 1;
-  orvcore::classref::InterfaceRef<IL::IArgumentSet> arguments;
-  int result = device.CreateArguments(kernel, sizeof(converts) + sizeof(params), arguments);
-  if (result < 0) return result;
-  result = Push(*arguments, source, destination, converts, params);
-  if (result < 0) return result;
-  const Blocks blocks = BlocksFor(destination);
-  return device.Launch(kernel, arguments, blocks.gridX, blocks.gridY, blocks.block, blocks.block,
-                       0);
+  return RunPixelKernel("PixelConversion", "ConvertPixels", {source, destination},
+                        {{&converts, sizeof(converts), alignof(std::int32_t)},
+                         {&params, sizeof(params), alignof(ConversionParams)}});
 }
 
 }  // namespace KS
