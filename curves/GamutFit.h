@@ -26,10 +26,10 @@ typedef struct GamutFitParams {
 /// The table of a fit holds, for hues at equal steps of HueOfFit from -1 to 3, first the intensity
 /// of each hue's cusp, where the gamut reaches farthest; then, row by row, the chroma of the
 /// boundary for intensities at equal steps from 0 to the cusp and on to the top.
-#define QUILLON_FIT_HUES 256
-#define QUILLON_FIT_COLUMNS 257
-#define QUILLON_FIT_STEPS 32
-#define QUILLON_FIT_ROWS 65
+#define QUILLON_FIT_HUES 128
+#define QUILLON_FIT_COLUMNS 129
+#define QUILLON_FIT_STEPS 24
+#define QUILLON_FIT_ROWS 49
 
 /// The hue as a number from -1 up to 3, without an angle.
 QUILLON_CURVE Real HueOfFit(Real t, Real p) {
@@ -95,44 +95,50 @@ QUILLON_CURVE Real RowTimes(const float* m, Real x, Real y, Real z) {
   return m[0] * x + m[1] * y + m[2] * z;
 }
 
-/// Brought from rounding, and from what the table leaves out between its entries.
 QUILLON_CURVE Real WithinLight(Real light, float top) {
   const Real positive = light > 0.0f ? light : Uniform(0.0f, light);
   return positive < top ? positive : Uniform(top, light);
 }
 
-/// Fits one pixel's three colour channels, in place.
-QUILLON_CURVE void FitToGamut(Real* pixel, QUILLON_TABLE table, GamutFitParams p) {
-  const QUILLON_MASK isFitting = IsSurelyFitting(pixel, p);
-  if (AllOf(isFitting)) return;
-  const Real x = isFitting ? Uniform(0.0f, pixel[0]) : pixel[0];
-  const Real y = isFitting ? Uniform(0.0f, pixel[0]) : pixel[1];
-  const Real z = isFitting ? Uniform(0.0f, pixel[0]) : pixel[2];
+/// The fit's three steps for a pixel that may not fit, which keep vectors busy when many take one
+/// step after the other. First light to LMS signals, in place;
+QUILLON_CURVE void FitSignals(Real* pixel, GamutFitParams p) {
+  const Real l = RowTimes(p.toLms, pixel[0], pixel[1], pixel[2]);
+  const Real m = RowTimes(p.toLms + 3, pixel[0], pixel[1], pixel[2]);
+  const Real s = RowTimes(p.toLms + 6, pixel[0], pixel[1], pixel[2]);
+  pixel[0] = EncodeSingleSt2084(l);
+  pixel[1] = EncodeSingleSt2084(m);
+  pixel[2] = EncodeSingleSt2084(s);
+}
 
-  const Real l = EncodeSingleSt2084(RowTimes(p.toLms, x, y, z));
-  const Real m = EncodeSingleSt2084(RowTimes(p.toLms + 3, x, y, z));
-  const Real s = EncodeSingleSt2084(RowTimes(p.toLms + 6, x, y, z));
-  const Real any = 0.5f * l + 0.5f * m;
+/// then the chroma of the signals, in place; whether it was within the share already;
+QUILLON_CURVE QUILLON_MASK FitChroma(Real* lms, QUILLON_TABLE table, GamutFitParams p) {
+  const Real any = 0.5f * lms[0] + 0.5f * lms[1];
   const Real i = any < p.topIntensity ? any : Uniform(p.topIntensity, any);
-  const Real ct = 1.61376953125f * l - 3.323486328125f * m + 1.709716796875f * s;
-  const Real cp = 4.378173828125f * l - 4.24560546875f * m - 0.132568359375f * s;
+  const Real ct = 1.61376953125f * lms[0] - 3.323486328125f * lms[1] + 1.709716796875f * lms[2];
+  const Real cp = 4.378173828125f * lms[0] - 4.24560546875f * lms[1] - 0.132568359375f * lms[2];
   const Real t = 0.5f * ct;
 
   const Real chroma = Magnitude(t) + Magnitude(cp);
   const Real boundary = BoundaryChroma(table, p.topIntensity, HueOfFit(t, cp), i);
-  const QUILLON_MASK isInside = isFitting | (chroma <= p.share * boundary);
-  if (AllOf(isInside)) return;
   const Real least = Uniform(1e-9f, chroma);
   const Real reach = boundary > least ? boundary : least;
   const Real scale = FittedShare(chroma / reach, p.share, p.bend) * reach / (chroma + 1e-30f);
   const Real ft = scale * ct;
   const Real fp = scale * cp;
-
   const Real tilt = 0.008609037037932755f * ft + 0.11102962500302596f * fp;
-  const Real fl = DecodeSingleSt2084(i + tilt);
-  const Real fm = DecodeSingleSt2084(i - tilt);
-  const Real fs = DecodeSingleSt2084(i + (0.5600313357106791f * ft - 0.32062717498731885f * fp));
-  pixel[0] = isInside ? pixel[0] : WithinLight(RowTimes(p.fromLms, fl, fm, fs), p.top);
-  pixel[1] = isInside ? pixel[1] : WithinLight(RowTimes(p.fromLms + 3, fl, fm, fs), p.top);
-  pixel[2] = isInside ? pixel[2] : WithinLight(RowTimes(p.fromLms + 6, fl, fm, fs), p.top);
+  lms[0] = i + tilt;
+  lms[1] = i - tilt;
+  lms[2] = i + (0.5600313357106791f * ft - 0.32062717498731885f * fp);
+  return chroma < p.share * boundary;
+}
+
+/// and light again, within the gamut whatever rounding and the table's steps have left.
+QUILLON_CURVE void FitLight(Real* lms, GamutFitParams p) {
+  const Real l = DecodeSingleSt2084(lms[0]);
+  const Real m = DecodeSingleSt2084(lms[1]);
+  const Real s = DecodeSingleSt2084(lms[2]);
+  lms[0] = WithinLight(RowTimes(p.fromLms, l, m, s), p.top);
+  lms[1] = WithinLight(RowTimes(p.fromLms + 3, l, m, s), p.top);
+  lms[2] = WithinLight(RowTimes(p.fromLms + 6, l, m, s), p.top);
 }

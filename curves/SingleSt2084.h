@@ -8,20 +8,28 @@
 //
 // Built from operations that IEEE 754 rounds exactly, and so the same bits everywhere.
 
-/// log2((1 + s) / (1 - s)) for |s| up to 0.172.
-QUILLON_CURVE Real SingleLog2OfRatio(Real s) {
-  const Real z = s * s;
-  const Real series = (0x1.ba14bcp-2f * z + 0x1.274734p-1f) * z + 0x1.ec70e6p-1f;
-  return s * (series * z + 0x1.715476p+1f);
-}
-
 /// log2(x) for positive normal x.
 QUILLON_CURVE Real SingleLog2(Real x) {
   const QUILLON_BITS shifted = BitsOf(x) + (0x3f800000U - 0x3f3504f3U);
-  const Real m = RealOf((shifted & 0x007fffffU) + 0x3f3504f3U, x);
+  const Real f = RealOf((shifted & 0x007fffffU) + 0x3f3504f3U, x) - 1.0f;
   // The float 2^23 + 127 + k, put together from its bits.
   const Real k = RealOf((shifted >> 23) | 0x4b000000U, x) - (0x1p23f + 127.0f);
-  return k + SingleLog2OfRatio((m - 1.0f) / (m + 1.0f));
+  const Real f2 = f * f;
+  const Real s0 = -0x1.715474p-1f * f + 0x1.715476p+0f;
+  const Real s1 = -0x1.715994p-2f * f + 0x1.ec73dep-2f;
+  const Real s2 = -0x1.e9d1e6p-3f * f + 0x1.26d01cp-2f;
+  const Real s3 = -0x1.a59aeap-3f * f + 0x1.ba8738p-3f;
+  const Real series = (s0 + f2 * s1) + (f2 * f2) * (s2 + f2 * (s3 + f2 * 0x1.f841dcp-4f));
+  return k + f * series;
+}
+
+/// -log2(1 - x) for x from -0.01 to 0.1645.
+QUILLON_CURVE Real SingleLog2OfOneLess(Real x) {
+  const Real x2 = x * x;
+  const Real s0 = 0x1.71547cp-1f * x + 0x1.715476p+0f;
+  const Real s1 = 0x1.732294p-2f * x + 0x1.ec6382p-2f;
+  const Real s2 = 0x1.77f40ap-2f * x + 0x1.0faa7p-2f;
+  return x * (s0 + x2 * (s1 + x2 * s2));
 }
 
 /// 2^x for |x| up to 120.
@@ -51,7 +59,7 @@ QUILLON_CURVE Real EncodeSingleSt2084(Real light) {
   const Real lit = isDark ? Uniform(0x1p-40f, light) : light;
   const Real power = SingleExp2(0.1593017578125f * SingleLog2(lit));
   const Real below = 0.1640625f * (1.0f - power) / (1.0f + 18.6875f * power);
-  const Real signal = SingleExp2(-78.84375f * SingleLog2OfRatio(below / (2.0f - below)));
+  const Real signal = SingleExp2(-78.84375f * SingleLog2OfOneLess(below));
   return isDark ? Uniform(0.0f, light) : signal;
 }
 

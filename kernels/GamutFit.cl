@@ -11,6 +11,9 @@ QUILLON_KERNEL FitPixels(QUILLON_FRAME(frame), QUILLON_FRAME(table), const Gamut
   const size_t place = PlaceOf(frame, column, row);
   float pixel[4];
   LoadPixel(QUILLON_PIXELS(frame), frame.formatFlag, place, pixel);
-  FitToGamut(pixel, (QUILLON_TABLE)QUILLON_PIXELS(table), params);
+  if (IsSurelyFitting(pixel, params)) return;
+  FitSignals(pixel, params);
+  if (FitChroma(pixel, (QUILLON_TABLE)QUILLON_PIXELS(table), params)) return;
+  FitLight(pixel, params);
   StorePixel(QUILLON_PIXELS(frame), frame.formatFlag, place, pixel);
 }

@@ -173,13 +173,32 @@ Itp At(float intensity, const Itp& direction, float chroma) {
   return {intensity, chroma * direction.t, chroma * direction.p};
 }
 
-float ChromaOfBoundary(const Gamut& gamut, float intensity, const Itp& direction) {
+/// Where the gamut ends along a direction, by false position. `guess` is near it, or 0.
+float ChromaOfBoundary(const Gamut& gamut, float intensity, const Itp& direction, float guess) {
+  const auto depthAt = [&](float chroma) { return gamut.Depth(At(intensity, direction, chroma)); };
   float within = 0.0F;
-  float without = 1.0F;
-  constexpr int kHalvings = 18;
-  for (int k = 0; k < kHalvings; ++k) {
-    const float middle = 0.5F * (within + without);
-    (gamut.Depth(At(intensity, direction, middle)) >= 0.0F ? within : without) = middle;
+  float depthWithin = depthAt(within);
+  float without = guess > 0.0F ? 1.25F * guess : 1.0F;
+  float depthWithout = depthAt(without);
+  while (depthWithout >= 0.0F && without < 1.0F) {
+    without *= 2.0F;
+    depthWithout = depthAt(without);
+  }
+  constexpr int kMostSteps = 24;
+  constexpr float kNear = 1e-4F;
+  for (int step = 0; step < kMostSteps && without - within > kNear * without; ++step) {
+    const float chroma = within + (without - within) * depthWithin / (depthWithin - depthWithout);
+    const float depth = depthAt(chroma);
+    // Illinois: the end that stays counts for half, so that both come nearer.
+    if (depth >= 0.0F) {
+      within = chroma;
+      depthWithin = depth;
+      depthWithout *= 0.5F;
+    } else {
+      without = chroma;
+      depthWithout = depth;
+      depthWithin *= 0.5F;
+    }
   }
   return within;
 }
@@ -202,11 +221,13 @@ std::vector<float> MakeTable(const Gamut& gamut) {
     const float cusp = IntensityOfCusp(cusps, hue);
     auto entry = table.begin() + column;
     *entry = cusp;
+    float chroma = 0.0F;
     for (int row = 0; row < QUILLON_FIT_ROWS; ++row) {
       entry += kColumns;
       const bool isEnd = row == 0 || row == QUILLON_FIT_ROWS - 1;
       const float intensity = IntensityOfRow(row, cusp, gamut.TopIntensity());
-      *entry = isEnd ? 0.0F : ChromaOfBoundary(gamut, intensity, DirectionOf(hue));
+      if (!isEnd) chroma = ChromaOfBoundary(gamut, intensity, DirectionOf(hue), chroma);
+      *entry = isEnd ? 0.0F : chroma;
     }
   }
   return table;

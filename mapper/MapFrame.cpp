@@ -10,6 +10,7 @@
 #include "mapper/FitFrame.h"
 #include "mapper/Frames.h"
 #include "refhost/ironlane/GPUDevice.h"
+#include "refhost/kestrel/PixelFormats.h"
 
 using orvmediatypes::color::ColorSpace;
 
@@ -66,7 +67,7 @@ Failure Convert(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to, int 
 
 /// Float BGRA frames of system memory, the destination in the plan's colours, through frames on the
 /// plan's device.
-Failure ApplyOnDevice(const Plan::Content& plan, const PX::VideoFrameRef& source,
+Failure ApplyOnDevice(const Plan::Content& plan, const PX::VideoFrameRef& source, bool fits,
                       const PX::VideoFrameRef& destination) {
   const orvcore::geom::Bounds bounds = source->GetBounds();
   const auto from = MakeFloatFrameOn(plan.device, bounds, source->GetColorSpace());
@@ -76,7 +77,7 @@ Failure ApplyOnDevice(const Plan::Content& plan, const PX::VideoFrameRef& source
   if (auto failure = MovePixels(source, *from)) return failure;
   if (auto failure = Apply(plan, *from, *to)) return failure;
   if (!plan.WritesLight()) return MovePixels(*to, destination);
-  if (plan.fit != nullptr) {
+  if (fits) {
     if (auto failure = FitOnDevice(*plan.fit, *to)) return failure;
   }
   const auto encoded = MakeFloatFrameOn(plan.device, bounds, plan.DestinationSpace());
@@ -134,11 +135,19 @@ Failure Deliver(const Plan::Content& plan, const PX::VideoFrameRef& mapped,
   return CopyConverted(mapped, destination, plan.asked.white);
 }
 
+bool Fits(const Plan::Content& plan, const PX::VideoFrameRef& destination) {
+  if (plan.fit == nullptr) return false;
+  const auto format = KS::DescribeFormat(destination->GetPixelFormat());
+  const bool isInteger = format && format->sampleType == KS::SampleType::UnsignedInteger;
+  return isInteger || plan.asked.fit == GamutFitting::Hue;
+}
+
 Failure MapOnDevice(const Plan::Content& plan, const WorkingFrame& source,
                     const PX::VideoFrameRef& destination) {
   const auto mapped = FrameBefore(destination, plan.DestinationSpace());
   if (!mapped) return mapped.error();
-  if (auto failure = ApplyOnDevice(plan, source.frame, *mapped)) return failure;
+  if (auto failure = ApplyOnDevice(plan, source.frame, Fits(plan, destination), *mapped))
+    return failure;
   return Deliver(plan, *mapped, destination);
 }
 
@@ -149,7 +158,7 @@ Failure MapOnProcessor(const Plan::Content& plan, const WorkingFrame& source,
   auto mapped = inPlace ? Result(source.frame) : FrameBefore(destination, plan.result);
   if (!mapped) return mapped.error();
   if (auto failure = Apply(plan, source.frame, *mapped)) return failure;
-  if (plan.fit != nullptr) FitFrame(*plan.fit, *mapped);
+  if (Fits(plan, destination)) FitFrame(*plan.fit, *mapped);
   return Deliver(plan, *mapped, destination);
 }
 

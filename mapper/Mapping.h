@@ -68,11 +68,11 @@ struct Settings {
   std::optional<float> knee{};
   /// Factor on the picture before the curve, above 0. Nothing: 1.
   std::optional<float> gain{};
-  /// 0 lets highlights go to white, 1 keeps their hue and saturation. Nothing: 0.8.
+  /// 0 lets highlights go to white, 1 keeps their hue and saturation. Nothing: 0.95.
   std::optional<float> colorPreservation{};
-  /// Of effect where the source's gamut reaches beyond the target's. Float results, too, lie within
-  /// the target's gamut with `Hue`; with `Clip` they keep what lies beyond it.
-  GamutFitting fit = GamutFitting::Hue;
+  /// Of effect where the source's gamut reaches beyond the target's. Nothing: `Hue` for pictures of
+  /// integers; floats keep what lies beyond the gamut, as they do with `Clip`.
+  std::optional<GamutFitting> fit{};
   /// Luminance in nits of graphics white (ITU-R BT.2408), which 1.0 in linear light and of an SDR
   /// signal is; 1 to 10000.
   int white = 203;

@@ -22,7 +22,7 @@ bool IsBt2390(Algorithm algorithm) {
 }
 
 /// Skies keep their colour with it and flames still go to white (docs/decisions/quality.md).
-constexpr float kColorPreservation = 0.8F;
+constexpr float kColorPreservation = 0.95F;
 
 /// Whether the curve scales a pixel as a whole, so that it may have channels below 0.
 bool KeepsRatios(Algorithm algorithm) {
@@ -173,7 +173,7 @@ Result<Plan> Plan::Make(const Source& source, const Target& target, const Settin
   content->settings.algorithmType = settings.gamut;
   content->settings.toneMapSettings = ToneMapSettingsFor(settings, from, to);
   content->destinationPeakNits = DestinationPeakNits(to, settings.white);
-  if (settings.fit == GamutFitting::Hue) {
+  if (settings.fit != GamutFitting::Clip) {
     content->fit =
         MakeGamutFit(ColorSpace(source.colors), to, content->destinationPeakNits, settings.white);
   }

@@ -21,6 +21,8 @@ const std::vector<Mapper::Named<Settings>>& NamedSettings() {
       {"preserve 0", {.colorPreservation = 0.0F}},
       {"preserve 0.5", {.colorPreservation = 0.5F}},
       {"preserve 0.8", {.colorPreservation = 0.8F}},
+      {"preserve 0.9", {.colorPreservation = 0.9F}},
+      {"fit clip", {.fit = Mapper::GamutFitting::Clip}},
       {"preserve 1", {.colorPreservation = 1.0F}},
       {"gamut desaturate", {.gamut = GamutAlgorithm::Desaturation}},
       {"gamut reinhard", {.gamut = GamutAlgorithm::Reinhard}},
@@ -34,6 +36,8 @@ using Bgra = std::array<float, 4>;
 
 std::vector<Signal> Map(Settings settings, const std::vector<Signal>& pixels, double peakNits) {
   settings.white = static_cast<int>(kWhiteNits);
+  // The pictures are floats here, and integers where people see them.
+  settings.fit = settings.fit.value_or(Mapper::GamutFitting::Hue);
   const auto plan =
       Mapper::Plan::Make({*Mapper::ColorSpaceOfName("bt2100-pq"), {}},
                          {*Mapper::ColorSpaceOfName("bt709"), {}}, settings, {peakNits, "given"});

@@ -75,9 +75,17 @@ static inline bool IsWorthSkipping(LaneInts mask) {
 }
 
 static inline Lanes LookUp(const float* table, LaneBits index, Lanes /*like*/) {
-  Lanes entries;
-  for (int lane = 0; lane < kLanes; ++lane) entries[lane] = table[index[lane]];
-  return entries;
+#if defined(__AVX512F__)
+  // The masked form, all lanes in: GCC 12 warns of the plain one's own undefined register.
+  return __builtin_bit_cast(
+      Lanes, _mm512_mask_i32gather_ps(_mm512_setzero_ps(), 0xffff,
+                                      __builtin_bit_cast(__m512i, index), table, sizeof(float)));
+#elif defined(__AVX2__)
+  return __builtin_bit_cast(
+      Lanes, _mm256_i32gather_ps(table, __builtin_bit_cast(__m256i, index), sizeof(float)));
+#else
+  return Lanes{table[index[0]], table[index[1]], table[index[2]], table[index[3]]};
+#endif
 }
 
 // Where powers are taken in vectors of their own kind, and where not.

@@ -34,7 +34,7 @@ TEST(KernelModules, AreFoundByName) {
 }
 
 TEST(KernelModules, NeedNoOtherTextInOpenCl) {
-  for (const char* module : {"ToneMapMain", "PixelConversion"}) {
+  for (const char* module : {"ToneMapMain", "PixelConversion", "GamutFit"}) {
     EXPECT_THAT(OpenClOf(module), Not(HasSubstr("#include \"")));
     EXPECT_THAT(OpenClOf(module), HasSubstr("#pragma OPENCL FP_CONTRACT OFF"));
   }
@@ -46,7 +46,7 @@ TEST(KernelModules, ReadTheFrameDescriptorInTheHostsOwnText) {
   const auto first = header.find("typedef struct GPUFrameDescriptor {");
   const auto last = header.find("} GPUFrameDescriptor;");
   ASSERT_LT(first, last);
-  for (const char* module : {"ToneMapMain", "PixelConversion"}) {
+  for (const char* module : {"ToneMapMain", "PixelConversion", "GamutFit"}) {
     EXPECT_THAT(OpenClOf(module), HasSubstr(header.substr(first, last - first)));
   }
 }
@@ -80,11 +80,15 @@ TEST(KernelModules, HaveTheSameKernelsInPtxWithNothingFusedOrFlushed) {
     EXPECT_THAT(KernelsOf(ptx), UnorderedElementsAre("ConvertPixels"));
     EXPECT_THAT(InexactLines(ptx), IsEmpty());
   }
+  for (const std::string& ptx : PtxOf("GamutFit")) {
+    EXPECT_THAT(KernelsOf(ptx), UnorderedElementsAre("FitPixels"));
+    EXPECT_THAT(InexactLines(ptx), IsEmpty());
+  }
 }
 
 TEST(KernelModules, HavePtxForOldDriversAndDevicesBehindThatForNewOnes) {
   if (std::string(QUILLON_CLANG_CUDA).empty()) GTEST_SKIP() << "needs clang++";
-  for (const char* module : {"ToneMapMain", "PixelConversion"}) {
+  for (const char* module : {"ToneMapMain", "PixelConversion", "GamutFit"}) {
     const auto texts = PtxOf(module);
     ASSERT_THAT(texts, SizeIs(std::string(QUILLON_NVCC).empty() ? 1 : 2));
     EXPECT_THAT(texts.back(), HasSubstr("\n.version 7.0\n.target sm_60\n"));
@@ -98,7 +102,7 @@ TEST(KernelModules, AssembleForDevicesOfSeveralGenerations) {
       std::filesystem::path(QUILLON_NVCC).parent_path() / "ptxas";
   if (!std::filesystem::exists(assembler)) GTEST_SKIP() << "needs ptxas, which comes with nvcc";
   const std::string file = testing::TempDir() + "quillon-kernels.ptx";
-  for (const char* module : {"ToneMapMain", "PixelConversion"}) {
+  for (const char* module : {"ToneMapMain", "PixelConversion", "GamutFit"}) {
     for (const std::string& ptx : PtxOf(module)) {
       std::ofstream(file) << ptx;
       for (const char* device : {"sm_75", "sm_90", "sm_120"}) {

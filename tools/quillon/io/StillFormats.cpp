@@ -5,6 +5,7 @@
 
 #include "tools/quillon/io/StillEncoders.h"
 #include "tools/quillon/io/StillReaders.h"
+#include "tools/quillon/io/TargetFile.h"
 #include "tools/quillon/process/Words.h"
 
 namespace Quillon::Cli {
@@ -12,7 +13,7 @@ namespace Quillon::Cli {
 namespace {
 
 constexpr std::array<StillFormat, 4> kFormats{{
-    {"EXR", {0, {"\x76\x2f\x31\x01", 4}}, ReadExr, ".exr", EncodeExr},
+    {"EXR", {0, {"\x76\x2f\x31\x01", 4}}, ReadExr, ".exr", EncodeExr, true},
     {"Radiance HDR", {0, {"#?", 2}}, ReadRadiance, "", nullptr},
     {"PNG", {0, {"\x89PNG\r\n\x1a\n", 8}}, ReadPng, ".png", EncodePng},
     {"AVIF", {4, {"ftyp", 4}}, ReadAvif, ".avif", EncodeAvif},
@@ -31,6 +32,13 @@ std::string ListOf(std::string_view StillFormat::*text, Take take) {
 bool IsWritten(const StillFormat& format) { return format.encode != nullptr; }
 
 }  // namespace
+
+bool HoldsAnyColor(const std::filesystem::path& name) {
+  const std::string extension = LowerCaseExtension(name);
+  return std::any_of(kFormats.begin(), kFormats.end(), [&](const StillFormat& format) {
+    return format.holdsAnyColor && format.extension == extension;
+  });
+}
 
 bool Mark::IsIn(std::span<const std::uint8_t> file) const {
   return file.size() >= offset + bytes.size() &&

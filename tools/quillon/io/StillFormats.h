@@ -30,10 +30,15 @@ struct StillFormat {
   std::string_view extension;
   /// The bytes of a file; `path` is for messages. Null: none are written.
   std::vector<std::uint8_t> (*encode)(const StillOutput& output, const std::filesystem::path& path);
+  /// Floats, which may lie beyond the gamut of their primaries.
+  bool holdsAnyColor = false;
 };
 
 /// All of them. Reading, writing, help texts and messages are made of this table.
 std::span<const StillFormat> StillFormats();
+
+/// Whether a name has the extension of a format that holds any colour.
+bool HoldsAnyColor(const std::filesystem::path& name);
 
 /// "EXR, Radiance HDR, PNG or AVIF"
 std::string ReadStillNames();

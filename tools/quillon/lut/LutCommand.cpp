@@ -46,6 +46,7 @@ Subcommand AddLutCommand(CLI::App& app) {
       "  quillon lut --size 65 --from bt2100-hlg --to bt709 --algorithm bt2446a hlg-to-709.cube\n"
       "  quillon lut --to bt2100-pq --target-peak 600 --peak 4000 pq-600.cube");
   return [options] {
+    SettleFit(options->mapping, false);
     RunLut(*options, std::cout, std::cerr);
     return std::vector{options->output};
   };

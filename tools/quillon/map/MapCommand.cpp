@@ -89,6 +89,7 @@ void RunMap(MapOptions options, bool destinationGiven, bool inPlace) {
     options.mapping.target.colors = ColorSpaceOfName("bt709");
   }
   RequireFittingOutput(options, kind);
+  SettleFit(options.mapping, HoldsAnyColor(options.output));
   CheckInPlace(options.output, options.input, inPlace);
   options.overwrite = options.overwrite || inPlace;
   std::optional<tbb::global_control> limit;

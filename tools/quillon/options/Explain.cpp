@@ -52,6 +52,10 @@ void Explain(std::ostream& out, const Decisions& decisions) {
   out << '\n';
   Label(out, "gamut") << decisions.gamut << (decisions.gamutApplies ? "" : " (does not apply)")
                       << '\n';
+  Label(out, "fit") << (decisions.settings.fit == Mapper::GamutFitting::Clip ? "clip"
+                        : decisions.fitApplies                               ? "hue"
+                                               : "hue (does not apply)")
+                    << '\n';
   if (decisions.toneMap) {
     ExplainToneMap(out, decisions, *decisions.toneMap);
     return;
@@ -69,6 +73,10 @@ void NoteOptionsWithoutEffect(std::ostream& notes, const MappingOptions& options
   if (!decisions.gamutApplies && settings.gamut != GamutAlgorithm::None) {
     notes << "note: the destination holds every colour of the source's gamut: --gamut has no "
              "effect\n";
+  }
+  if (!decisions.fitApplies && options.fit == Mapper::GamutFitting::Hue) {
+    notes
+        << "note: the destination holds every colour of the source's gamut: --fit has no effect\n";
   }
   const bool asked =
       settings.algorithm != Algorithm::Automatic && settings.algorithm != Algorithm::None;

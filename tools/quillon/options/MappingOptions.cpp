@@ -48,6 +48,11 @@ void CheckMappingOptions(const MappingOptions& options) {
                   std::to_string(options.settings.white) + " nits)");
 }
 
+void SettleFit(MappingOptions& options, bool intoFloats) {
+  using Mapper::GamutFitting;
+  options.settings.fit = options.fit.value_or(intoFloats ? GamutFitting::Clip : GamutFitting::Hue);
+}
+
 void CheckExplainIsSeen(bool explain, bool quiet) {
   RefuseUsage(quiet && explain, "--explain prints and --quiet prints nothing; give one of them");
 }

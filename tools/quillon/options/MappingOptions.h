@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "mapper/Device.h"
@@ -24,8 +25,12 @@ struct MappingOptions {
   PeakOptions peak;
   Mapper::Target target;
   Mapper::Settings settings;
-  std::string device = "cpu";  ///< one that `IsDeviceName` takes
+  std::optional<Mapper::GamutFitting> fit;  ///< --fit, which `SettleFit` puts into the settings
+  std::string device = "cpu";               ///< one that `IsDeviceName` takes
 };
+
+/// Settles --fit where it is not given. `intoFloats`: the result can hold any colour.
+void SettleFit(MappingOptions& options, bool intoFloats);
 
 /// Refuses --explain beside --quiet. Throws CommandError.
 void CheckExplainIsSeen(bool explain, bool quiet);

@@ -95,7 +95,11 @@ void AddAlgorithmOptions(CLI::App& app, MappingOptions& options) {
   AddChoice(app, "--algorithm", Mapper::Algorithms(), options.settings.algorithm,
             "Tone-map algorithm (auto when not given)");
   AddChoice(app, "--gamut", Mapper::GamutAlgorithms(), options.settings.gamut,
-            "Gamut compression (none when not given)");
+            "Gamut compression before the tone curve (none when not given)");
+  AddChoice(app, "--fit", Mapper::GamutFittings(), options.fit,
+            "What becomes of colours that the destination has not: hue reduces their chroma at "
+            "constant hue, clip ends each channel on its own (hue when not given, but for EXR, "
+            "which keeps them)");
 }
 
 void AddDialOptions(CLI::App& app, MappingOptions& options) {
@@ -106,7 +110,7 @@ void AddDialOptions(CLI::App& app, MappingOptions& options) {
             "Multiplies the picture before the curve (1 when not given)");
   AddNumber(app, "--preserve", options.settings.colorPreservation, 0.0F, 1.0F, "SHARE",
             "Colour preservation in highlights: 0 lets them go to white, 1 keeps their hue and "
-            "saturation (0.5 when not given)");
+            "saturation (0.95 when not given)");
 }
 
 void AddMaxPixelsOption(CLI::App& app, std::int64_t& maxPixels) {

@@ -24,10 +24,20 @@ auto ParseChoice(const std::string& option, const Choices& choices, const std::s
   throw CLI::ValidationError(option, "'" + text + "' is none of " + ChoiceNames(choices));
 }
 
-/// An option that takes one of the named values, which outlive it, and refuses all others.
+/// What is in a `Value` or `std::optional<Value>`.
+template <class Target>
+struct ValueIn {
+  using Type = Target;
+};
 template <class Value>
+struct ValueIn<std::optional<Value>> {
+  using Type = Value;
+};
+
+/// An option that takes one of the named values, which outlive it, and refuses all others.
+template <class Target, class Value = typename ValueIn<Target>::Type>
 CLI::Option* AddChoice(CLI::App& app, const std::string& name,
-                       std::type_identity_t<std::span<const Choice<Value>>> choices, Value& value,
+                       std::type_identity_t<std::span<const Choice<Value>>> choices, Target& value,
                        const std::string& help) {
   const auto assign = [choices, &value, name](const std::string& text) {
     value = ParseChoice(name, choices, text);
@@ -35,20 +45,10 @@ CLI::Option* AddChoice(CLI::App& app, const std::string& name,
   return app.add_option_function<std::string>(name, assign, help)->type_name(ChoiceNames(choices));
 }
 
-/// The number in a `Number` or `std::optional<Number>`.
-template <class Target>
-struct NumberIn {
-  using Type = Target;
-};
-template <class Number>
-struct NumberIn<std::optional<Number>> {
-  using Type = Number;
-};
-
 /// An option that takes a decimal number from `least` to `most`, whole where the target is, and
 /// refuses all else. `unit` is what the help calls it. A target that is not optional has the
 /// default.
-template <class Target, class Number = typename NumberIn<Target>::Type>
+template <class Target, class Number = typename ValueIn<Target>::Type>
 CLI::Option* AddNumber(CLI::App& app, const std::string& name, Target& target,
                        std::type_identity_t<Number> least, std::type_identity_t<Number> most,
                        const std::string& unit, const std::string& help) {
@@ -91,7 +91,7 @@ void AddTargetOptions(CLI::App& app, MappingOptions& options);
 /// --white.
 void AddWhiteOption(CLI::App& app, int& white, const std::string& help);
 
-/// --algorithm, once, and --gamut.
+/// --algorithm, once, --gamut and --fit.
 void AddAlgorithmOptions(CLI::App& app, MappingOptions& options);
 
 /// --knee, --gain and --preserve.
