@@ -30,7 +30,7 @@ struct Figures {
 /// `result`: the charts' pixels, mapped.
 Figures Measure(const Charts& charts, const std::vector<Signal>& result);
 
-/// What a display shows of the pixels.
+/// What the display shows of the pixels.
 std::vector<Light> ShownBy(const std::vector<Signal>& pixels);
 
 }  // namespace Quality

@@ -36,7 +36,7 @@ std::vector<Signal> Map(Settings settings, const std::vector<Signal>& pixels, do
   settings.white = static_cast<int>(kWhiteNits);
   const auto plan =
       Mapper::Plan::Make({*Mapper::ColorSpaceOfName("bt2100-pq"), {}},
-                         {*Mapper::ColorSpaceOfName("bt709"), {}}, settings, {peakNits, "given"});
+                         {*Mapper::ColorSpaceOfName("srgb"), {}}, settings, {peakNits, "given"});
   if (!plan) throw std::runtime_error(plan.error().message);
 
   std::vector<Bgra> picture(pixels.size());
