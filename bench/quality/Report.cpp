@@ -60,6 +60,18 @@ std::string ColorCells(const ColorFigures& colors) {
                  100.0 * colors.chromaLost);
 }
 
+std::string RampCells(const RampFigures& ramps) {
+  return Printed(" |%7zu%7.1f%7zu%8.2f", ramps.order.pixels, ramps.order.worstCodes, ramps.bands,
+                 100.0 * ramps.clippedShare);
+}
+
+Json RampsJson(const RampFigures& ramps) {
+  return {{"orderViolations", ramps.order.pixels},
+          {"worstOrderViolation", ramps.order.worstCodes},
+          {"bands", ramps.bands},
+          {"clippedShare", ramps.clippedShare}};
+}
+
 Json ColorsJson(const ColorFigures& colors) {
   return {{"meanHueError", colors.hue.meanDegrees},
           {"maxHueError", colors.hue.maxDegrees},
@@ -76,14 +88,15 @@ std::string FormatTable(const Report<Figures>& report) {
     above += Printed(" | %-18s", group);
     titles += " |   hue    max  lost";
   }
-  return Table<Figures>(report, above + " | ramps", titles + " |  order  worst  bands clipped",
-                        [](const Figures& figures) {
-                          return ColorCells(figures.insideBt709) + ColorCells(figures.insideP3) +
-                                 ColorCells(figures.outsideBt709) + ColorCells(figures.patches) +
-                                 Printed(" |%7zu%7.1f%7zu%8.2f", figures.order.pixels,
-                                         figures.order.worstCodes, figures.bands,
-                                         100.0 * figures.clippedShare);
-                        });
+  for (const char* group : {"ramps inside BT.709", "ramps outside BT.709"}) {
+    above += Printed(" | %-27s", group);
+    titles += " |  order  worst  bands clipped";
+  }
+  return Table<Figures>(report, above, titles, [](const Figures& figures) {
+    return ColorCells(figures.insideBt709) + ColorCells(figures.insideP3) +
+           ColorCells(figures.outsideBt709) + ColorCells(figures.patches) +
+           RampCells(figures.rampsInside) + RampCells(figures.rampsOutside);
+  });
 }
 
 std::string FormatTable(const Report<Difference>& report) {
@@ -99,10 +112,8 @@ Json ToJson(const Report<Figures>& report) {
                 {"insideP3", ColorsJson(figures.insideP3)},
                 {"outsideBt709", ColorsJson(figures.outsideBt709)},
                 {"patches", ColorsJson(figures.patches)},
-                {"orderViolations", figures.order.pixels},
-                {"worstOrderViolation", figures.order.worstCodes},
-                {"bands", figures.bands},
-                {"clippedShare", figures.clippedShare}};
+                {"rampsInsideBt709", RampsJson(figures.rampsInside)},
+                {"rampsOutsideBt709", RampsJson(figures.rampsOutside)}};
   });
 }
 
