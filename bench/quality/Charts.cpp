@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "curves/St2084.h"
@@ -95,9 +96,10 @@ Lights Patches(double peakNits) {
 
 Lights Ramp(Gamut gamut, double share, double hue, double peakNits) {
   Lights ramp;
-  const double last = EncodeSt2084(peakNits);
-  for (double intensity = EncodeSt2084(kRampFromNits); intensity < last; intensity += kRampStep) {
-    ramp.push_back(AtShare(gamut, share, intensity, hue, peakNits));
+  const double first = EncodeSt2084(kRampFromNits);
+  const int steps = static_cast<int>(std::ceil((EncodeSt2084(peakNits) - first) / kRampStep));
+  for (int step = 0; step < steps; ++step) {
+    ramp.push_back(AtShare(gamut, share, first + step * kRampStep, hue, peakNits));
   }
   ramp.push_back({peakNits, peakNits, peakNits});
   return ramp;

@@ -27,6 +27,7 @@ Chromaticities ChromaticitiesOf(Gamut gamut) {
   description.primaries = gamut == Gamut::BT709 ? H273::kPrimariesBT709
                           : gamut == Gamut::P3  ? H273::kPrimariesP3D65
                                                 : H273::kPrimariesBT2020;
+  // NOLINTNEXTLINE(bugprone-unchecked-optional-access): it knows these three
   return *H273::ChromaticitiesOf(orvmediatypes::color::ColorSpace(description));
 }
 

@@ -127,6 +127,22 @@ TEST(QualityFigures, FindTheHueAndChromaThatClippingCosts) {
   EXPECT_GT(figures.rampsInside.clippedShare, 0.1);
 }
 
+TEST(QualityFigures, AreOfEachGroupByItself) {
+  const Charts& charts = ChartsTo1000Nits();
+  const std::vector<Signal> result = Clip(charts.light);
+  const std::vector<Light> shown = ShownBy(result);
+  const Figures figures = Measure(charts, result);
+  for (const auto& [part, colors] : {std::pair{charts.insideBt709, figures.insideBt709},
+                                     std::pair{charts.insideP3, figures.insideP3},
+                                     std::pair{charts.outsideBt709, figures.outsideBt709},
+                                     std::pair{charts.patches, figures.patches}}) {
+    const auto source = part.Of(charts.light);
+    EXPECT_EQ(colors.hue, MeasureHueError(source, part.Of(shown)));
+    EXPECT_EQ(colors.chromaLost, MeasureChromaLost(source, part.Of(shown)));
+    EXPECT_GT(colors.hue.pixels, 50U);
+  }
+}
+
 TEST(QualityFigures, CountAllRamps) {
   const Charts& charts = ChartsTo1000Nits();
   std::vector<Signal> result = Clip(charts.light);
