@@ -44,8 +44,7 @@ FramePtr FrameOf(const std::vector<Signal>& pixels, double peakNits) {
   frame->colorspace = AVCOL_SPC_RGB;
   frame->color_range = AVCOL_RANGE_JPEG;
   frame->sample_aspect_ratio = {1, 1};
-  constexpr int kAlignment = 64;  // zscale uses AVX-512, the default may be half of that
-  CheckAv(av_frame_get_buffer(frame.get(), kAlignment), "frame");
+  AllocatePlanes(frame.get());
   for (std::size_t plane = 0; plane < kPlanes.size(); ++plane) {
     for (std::size_t i = 0; i < kWidth * static_cast<std::size_t>(frame->height); ++i) {
       const double code = i < pixels.size() ? pixels[i].*kPlanes[plane] : 0.0;

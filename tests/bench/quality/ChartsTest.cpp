@@ -88,6 +88,13 @@ TEST(QualityCharts, RampFromDarkToThePeakInSmallSteps) {
       EXPECT_LT(step, 0.26);
     }
   }
+  for (std::size_t i = 1; i < charts.rampsInside.size(); i += 2) {
+    constexpr std::size_t kAmid = 500;
+    const Polar half = PolarOf(charts.rampsInside[i].Of(charts.light)[kAmid]);
+    const Polar whole = PolarOf(charts.rampsInside[i + 1].Of(charts.light)[kAmid]);
+    EXPECT_NEAR(half.hue, whole.hue, 1e-3);
+    EXPECT_NEAR(half.chroma, 0.5 * whole.chroma, 1e-6);
+  }
   for (const Light& light : charts.rampsInside.front().Of(charts.light)) {
     EXPECT_LT(PolarOf(light).chroma, 1e-9);
   }

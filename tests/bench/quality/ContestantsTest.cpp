@@ -112,10 +112,11 @@ TEST(FilterChain, KeepsPixelsInTheirPlaces) {
 }
 
 TEST(FilterChain, RefusesFiltersThatEndElsewhere) {
-  EXPECT_THROW(
-      MapByFilters("zscale=t=linear:npl=203,format=gbrpf32le", {Signal{}}, 1000.0, nullptr),
-      std::runtime_error);
-  EXPECT_THROW(MapByFilters("nosuchfilter", {Signal{}}, 1000.0, nullptr), std::runtime_error);
+  for (const char* filters : {"nosuchfilter", "zscale=t=iec61966-2-1:m=gbr:r=full,format=gbrpf32le",
+                              "zscale=p=bt709:t=bt709:m=gbr:r=full,format=gbrpf32le",
+                              "zscale=p=bt709:t=iec61966-2-1:m=gbr:r=full,format=gbrp10le"}) {
+    EXPECT_THROW(MapByFilters(filters, {Signal{}}, 1000.0, nullptr), std::runtime_error) << filters;
+  }
 }
 
 TEST(PlaceboContestants, MapTheToldPeakToWhite) {
