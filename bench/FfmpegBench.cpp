@@ -53,7 +53,7 @@ FramePtr MakePlanarFrame(const std::vector<float>& picture) {
   frame->height = kHeight;
   frame->color_trc = AVCOL_TRC_LINEAR;
   frame->colorspace = AVCOL_SPC_BT2020_NCL;
-  CheckAv(av_frame_get_buffer(frame.get(), 0), "frame");
+  AllocatePlanes(frame.get());
   constexpr std::size_t kPlaneToChannel[] = {1, 0, 2};  // green, blue, red of BGRA
   for (int plane = 0; plane < 3; ++plane) {
     for (int y = 0; y < kHeight; ++y) {

@@ -29,6 +29,14 @@ inline void CheckAv(int result, const char* operation) {
   if (result < 0) throw std::runtime_error(std::string("FFmpeg: ") + operation + " failed");
 }
 
+/// Gives a frame of a format and a size its memory. Throws std::runtime_error.
+inline void AllocatePlanes(AVFrame* frame) {
+  // By default, planes but the first may lie half a vector off what zscale's AVX-512 takes for
+  // granted, and it crashes.
+  constexpr int kAlignment = 64;
+  CheckAv(av_frame_get_buffer(frame, kAlignment), "frame");
+}
+
 /// A new filter of the graph, which owns it. Throws std::runtime_error.
 inline AVFilterContext* AddFilter(AVFilterGraph* graph, const char* filter,
                                   const std::string& options) {

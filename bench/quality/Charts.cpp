@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "curves/St2084.h"
@@ -47,8 +48,6 @@ constexpr std::array<Chromaticity, 18> kPatches = {{
 constexpr double kRampFromNits = 0.1;
 constexpr double kRampStep = 0.25 / 720.0;
 constexpr int kRampDegrees = 30;
-constexpr std::array<std::pair<Gamut, double>, 4> kRampChromas = {
-    {{Gamut::BT709, 0.5}, {Gamut::BT709, 1.0}, {Gamut::P3, 1.0}, {Gamut::BT2020, 1.0}}};
 
 using Lights = std::vector<Light>;
 
@@ -97,9 +96,10 @@ Lights Patches(double peakNits) {
 
 Lights Ramp(Gamut gamut, double share, double hue, double peakNits) {
   Lights ramp;
-  const double last = EncodeSt2084(peakNits);
-  for (double intensity = EncodeSt2084(kRampFromNits); intensity < last; intensity += kRampStep) {
-    ramp.push_back(AtShare(gamut, share, intensity, hue, peakNits));
+  const double first = EncodeSt2084(kRampFromNits);
+  const int steps = static_cast<int>(std::ceil((EncodeSt2084(peakNits) - first) / kRampStep));
+  for (int step = 0; step < steps; ++step) {
+    ramp.push_back(AtShare(gamut, share, first + step * kRampStep, hue, peakNits));
   }
   ramp.push_back({peakNits, peakNits, peakNits});
   return ramp;
@@ -124,10 +124,15 @@ Charts MakeCharts(double peakNits) {
   charts.insideP3 = Append(charts.light, p3);
   charts.outsideBt709 = Append(charts.light, OutsideBt709(std::move(wide)));
   charts.patches = Append(charts.light, Patches(peakNits));
-  charts.ramps.push_back(Append(charts.light, Ramp(Gamut::BT709, 0.0, 0.0, peakNits)));
-  for (const auto& [gamut, share] : kRampChromas) {
-    for (int hue = -180; hue < 180; hue += kRampDegrees) {
-      charts.ramps.push_back(Append(charts.light, Ramp(gamut, share, hue, peakNits)));
+
+  const auto addRamp = [&charts](std::vector<Part>& ramps, Gamut gamut, double share, double hue) {
+    ramps.push_back(Append(charts.light, Ramp(gamut, share, hue, charts.peakNits)));
+  };
+  addRamp(charts.rampsInside, Gamut::BT709, 0.0, 0.0);
+  for (int hue = -180; hue < 180; hue += kRampDegrees) {
+    for (const double share : {0.5, 1.0}) addRamp(charts.rampsInside, Gamut::BT709, share, hue);
+    for (const Gamut gamut : {Gamut::P3, Gamut::BT2020}) {
+      addRamp(charts.rampsOutside, gamut, 1.0, hue);
     }
   }
   return charts;

@@ -38,9 +38,11 @@ struct Charts {
   /// Chromaticities of skin, sky, foliage and further colours of a chart for cameras, at 50, 100,
   /// 203, 400 and 1000 nits.
   Part patches;
-  /// Ramps from 0.1 nits to the peak in steps of a quarter of a delta-E ITP in intensity: grey, and
-  /// hues each 30 degrees at half of the BT.709 boundary, on it, and on those of P3 and BT.2020.
-  std::vector<Part> ramps;
+  /// Ramps from 0.1 nits to the peak in steps of a quarter of a delta-E ITP in intensity, each 30
+  /// degrees of hue: grey, at half of the BT.709 boundary, and on it.
+  std::vector<Part> rampsInside;
+  /// The same on the boundaries of P3 and BT.2020.
+  std::vector<Part> rampsOutside;
 };
 
 Charts MakeCharts(double peakNits);

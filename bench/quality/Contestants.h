@@ -9,7 +9,7 @@
 namespace Quality {
 
 /// Maps pixels of BT.2100 PQ, full range, whose brightest component is known to be `peakNits`, to
-/// SDR of BT.709 with white at `kWhiteNits`. The result is what a display takes, clamped to 0 to 1.
+/// sRGB with white at `kWhiteNits`. The result is what a display takes, clamped to 0 to 1.
 /// Throws std::runtime_error.
 using MapPixels =
     std::function<std::vector<Signal>(const std::vector<Signal>& pixels, double peakNits)>;

@@ -4,6 +4,27 @@
 
 namespace Quality {
 
+namespace {
+
+RampFigures MeasureRamps(const std::vector<Part>& ramps, const std::vector<Light>& source,
+                         const std::vector<Signal>& result, const std::vector<Light>& shown) {
+  RampFigures figures;
+  std::size_t clipped = 0;
+  std::size_t channels = 0;
+  for (const Part& ramp : ramps) {
+    const OrderViolations order = CountOrderViolations(ramp.Of(shown));
+    figures.order.pixels += order.pixels;
+    figures.order.worstCodes = std::max(figures.order.worstCodes, order.worstCodes);
+    figures.bands += CountBands(ramp.Of(source), ramp.Of(shown));
+    clipped += CountClipped(ramp.Of(source), ramp.Of(result));
+    channels += 3 * (ramp.count - 1);
+  }
+  figures.clippedShare = static_cast<double>(clipped) / static_cast<double>(channels);
+  return figures;
+}
+
+}  // namespace
+
 std::vector<Light> ShownBy(const std::vector<Signal>& pixels) {
   std::vector<Light> shown(pixels.size());
   std::transform(pixels.begin(), pixels.end(), shown.begin(),
@@ -23,18 +44,8 @@ Figures Measure(const Charts& charts, const std::vector<Signal>& result) {
   figures.insideP3 = colors(charts.insideP3);
   figures.outsideBt709 = colors(charts.outsideBt709);
   figures.patches = colors(charts.patches);
-
-  std::size_t clipped = 0;
-  std::size_t channels = 0;
-  for (const Part& ramp : charts.ramps) {
-    const OrderViolations order = CountOrderViolations(ramp.Of(shown));
-    figures.order.pixels += order.pixels;
-    figures.order.worstCodes = std::max(figures.order.worstCodes, order.worstCodes);
-    figures.bands += CountBands(ramp.Of(charts.light), ramp.Of(shown));
-    clipped += CountClipped(ramp.Of(charts.light), ramp.Of(result));
-    channels += 3 * (ramp.count - 1);
-  }
-  figures.clippedShare = static_cast<double>(clipped) / static_cast<double>(channels);
+  figures.rampsInside = MeasureRamps(charts.rampsInside, charts.light, result, shown);
+  figures.rampsOutside = MeasureRamps(charts.rampsOutside, charts.light, result, shown);
   return figures;
 }
 

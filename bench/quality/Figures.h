@@ -15,22 +15,29 @@ struct ColorFigures {
   friend bool operator==(const ColorFigures&, const ColorFigures&) = default;
 };
 
+/// Of all ramps of a group.
+struct RampFigures {
+  OrderViolations order;
+  std::size_t bands = 0;
+  double clippedShare = 0.0;
+  friend bool operator==(const RampFigures&, const RampFigures&) = default;
+};
+
 /// What came of the charts of one peak.
 struct Figures {
   ColorFigures insideBt709;
   ColorFigures insideP3;
   ColorFigures outsideBt709;
   ColorFigures patches;
-  OrderViolations order;  ///< of all ramps
-  std::size_t bands = 0;
-  double clippedShare = 0.0;
+  RampFigures rampsInside;
+  RampFigures rampsOutside;
   friend bool operator==(const Figures&, const Figures&) = default;
 };
 
 /// `result`: the charts' pixels, mapped.
 Figures Measure(const Charts& charts, const std::vector<Signal>& result);
 
-/// What a display shows of the pixels.
+/// What the display shows of the pixels.
 std::vector<Light> ShownBy(const std::vector<Signal>& pixels);
 
 }  // namespace Quality

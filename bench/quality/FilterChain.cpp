@@ -44,7 +44,7 @@ FramePtr FrameOf(const std::vector<Signal>& pixels, double peakNits) {
   frame->colorspace = AVCOL_SPC_RGB;
   frame->color_range = AVCOL_RANGE_JPEG;
   frame->sample_aspect_ratio = {1, 1};
-  CheckAv(av_frame_get_buffer(frame.get(), 0), "frame");
+  AllocatePlanes(frame.get());
   for (std::size_t plane = 0; plane < kPlanes.size(); ++plane) {
     for (std::size_t i = 0; i < kWidth * static_cast<std::size_t>(frame->height); ++i) {
       const double code = i < pixels.size() ? pixels[i].*kPlanes[plane] : 0.0;
@@ -89,7 +89,7 @@ std::vector<Signal> MapByFilters(const std::string& filters, const std::vector<S
   CheckAv(av_buffersrc_add_frame_flags(in, source.get(), AV_BUFFERSRC_FLAG_KEEP_REF), "source");
   CheckAv(av_buffersink_get_frame(out, result.get()), "sink");
   if (result->format != AV_PIX_FMT_GBRPF32LE || result->width != source->width ||
-      result->height != source->height || result->color_trc != AVCOL_TRC_BT709 ||
+      result->height != source->height || result->color_trc != AVCOL_TRC_IEC61966_2_1 ||
       result->color_primaries != AVCOL_PRI_BT709) {
     throw std::runtime_error("FFmpeg: the result is not what was asked for");
   }

@@ -19,14 +19,14 @@ namespace {
 std::string ToneMapFilters(const std::string& curve, double peakNits) {
   return "zscale=t=linear:npl=203,format=gbrpf32le,zscale=p=bt709,tonemap=" + curve +
          ":desat=0:peak=" + std::to_string(peakNits / kWhiteNits) +
-         ",zscale=p=bt709:t=bt709:m=gbr:r=full,format=gbrpf32le";
+         ",zscale=p=bt709:t=iec61966-2-1:m=gbr:r=full,format=gbrpf32le";
 }
 
 /// The peak comes from the metadata; it is not measured.
 std::string PlaceboFilters(const std::string& curve) {
   return "hwupload,libplacebo=tonemapping=" + curve +
          ":peak_detect=0:dithering=-1:colorspace=gbr:range=full:color_primaries=bt709:"
-         "color_trc=bt709:format=gbrpf32le,hwdownload,format=gbrpf32le";
+         "color_trc=iec61966-2-1:format=gbrpf32le,hwdownload,format=gbrpf32le";
 }
 
 }  // namespace

@@ -19,7 +19,6 @@ using CHR::Matrix3;
 using orvmediatypes::color::Chromaticities;
 
 constexpr double kDegrees = 180.0 / std::numbers::pi;
-constexpr double kDisplayGamma = 2.4;
 /// Share of a colour's largest component that counts as 0.
 constexpr double kRounding = 1e-9;
 
@@ -28,6 +27,7 @@ Chromaticities ChromaticitiesOf(Gamut gamut) {
   description.primaries = gamut == Gamut::BT709 ? H273::kPrimariesBT709
                           : gamut == Gamut::P3  ? H273::kPrimariesP3D65
                                                 : H273::kPrimariesBT2020;
+  // NOLINTNEXTLINE(bugprone-unchecked-optional-access): it knows these three
   return *H273::ChromaticitiesOf(orvmediatypes::color::ColorSpace(description));
 }
 
@@ -97,11 +97,11 @@ Signal EncodePQ(const Light& light) {
 }
 
 Light ShownBy(const Signal& signal) {
-  const auto decode = [](double code) { return kWhiteNits * DecodePower(code, kDisplayGamma); };
+  const auto decode = [](double code) { return kWhiteNits * DecodeSrgb(code); };
   return LightFrom(Gamut::BT709, {decode(signal.red), decode(signal.green), decode(signal.blue)});
 }
 
-double GreyCode(double nits) { return 255.0 * EncodePower(nits / kWhiteNits, kDisplayGamma); }
+double GreyCode(double nits) { return 255.0 * EncodeSrgb(nits / kWhiteNits); }
 
 ICtCp ItpOf(const Light& light) {
   return Quillon::Cli::ICtCpOfNits(light.red, light.green, light.blue);

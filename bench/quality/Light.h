@@ -42,7 +42,7 @@ Light LightOfxyY(double x, double y, double nits);
 /// The signal of BT.2100 PQ.
 Signal EncodePQ(const Light& light);
 
-/// What a BT.709 display with BT.1886's EOTF, a black of 0 and white at `kWhiteNits` shows.
+/// What an sRGB display with a black of 0 and white at `kWhiteNits` shows.
 Light ShownBy(const Signal& signal);
 
 /// The code value, 0 to 255 and beyond, of a grey of so many nits on that display.

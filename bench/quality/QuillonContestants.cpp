@@ -32,15 +32,20 @@ const std::vector<Mapper::Named<Settings>>& NamedSettings() {
   return kSettings;
 }
 
+Mapper::ColorDescription ColorSpace(const char* name) {
+  const auto known = Mapper::ColorSpaceOfName(name);
+  if (!known) throw std::runtime_error(std::string("no colour space ") + name);
+  return *known;
+}
+
 using Bgra = std::array<float, 4>;
 
 std::vector<Signal> Map(Settings settings, const std::vector<Signal>& pixels, double peakNits) {
   settings.white = static_cast<int>(kWhiteNits);
   // The pictures are floats here, and integers where people see them.
   settings.fit = settings.fit.value_or(Mapper::GamutFitting::Hue);
-  const auto plan =
-      Mapper::Plan::Make({*Mapper::ColorSpaceOfName("bt2100-pq"), {}},
-                         {*Mapper::ColorSpaceOfName("bt709"), {}}, settings, {peakNits, "given"});
+  const auto plan = Mapper::Plan::Make({ColorSpace("bt2100-pq"), {}}, {ColorSpace("srgb")},
+                                       settings, {peakNits, "given"});
   if (!plan) throw std::runtime_error(plan.error().message);
 
   std::vector<Bgra> picture(pixels.size());

@@ -3,96 +3,124 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <functional>
 
 namespace Quality {
 
 namespace {
 
-std::string Joined(const std::vector<std::string>& words) {
-  std::string all;
-  for (const std::string& word : words) all += (all.empty() ? "" : " = ") + word;
-  return all;
-}
+using Json = nlohmann::ordered_json;
 
-std::string Label(const Row& row) { return row.name + "  " + Joined(row.settings); }
-
-std::string FormatColors(const ColorFigures& colors) {
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), " |%6.2f%7.1f%6.1f", colors.hue.meanDegrees,
-                colors.hue.maxDegrees, 100.0 * colors.chromaLost);
+template <class... Arguments>
+std::string Printed(const char* format, Arguments... arguments) {
+  std::array<char, 128> text{};
+  std::snprintf(text.data(), text.size(), format, arguments...);
   return text.data();
 }
 
-std::string FormatRamps(const Figures& figures) {
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), " |%7zu%7.1f%7zu%8.2f", figures.order.pixels,
-                figures.order.worstCodes, figures.bands, 100.0 * figures.clippedShare);
-  return text.data();
+std::string Padded(const std::string& text, std::size_t width) {
+  return text + std::string(width - std::min(width, text.size()), ' ');
 }
 
-nlohmann::ordered_json ColorsJson(const ColorFigures& colors) {
+/// `above` and `titles` stand over the columns that `cells` gives a row.
+template <class Values>
+std::string Table(const Report<Values>& report, const std::string& above, const std::string& titles,
+                  const std::function<std::string(const Values&)>& cells) {
+  const std::string heading = report.picture + Printed(", peak %.0f nits", report.peakNits);
+  std::vector<std::string> labels;
+  std::size_t width = heading.size();
+  for (const auto& row : report.rows) {
+    std::string label = row.name;
+    for (const std::string& setting : row.settings) {
+      label += (&setting == &row.settings.front() ? "  " : " = ") + setting;
+    }
+    width = std::max(width, label.size());
+    labels.push_back(std::move(label));
+  }
+  std::string table = Padded(heading, width) + above + '\n' + Padded("", width) + titles + '\n';
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    table += Padded(labels[i], width) + cells(report.rows[i].values) + '\n';
+  }
+  return table;
+}
+
+template <class Values>
+Json ReportJson(const Report<Values>& report, const std::function<Json(const Values&)>& valuesOf) {
+  Json mappers = Json::array();
+  for (const auto& row : report.rows) {
+    Json mapper = {{"mapper", row.name}, {"settings", row.settings}};
+    mapper.update(valuesOf(row.values));
+    mappers.push_back(std::move(mapper));
+  }
+  return {{"picture", report.picture}, {"peakNits", report.peakNits}, {"mappers", mappers}};
+}
+
+std::string ColorCells(const ColorFigures& colors) {
+  return Printed(" |%6.2f%7.1f%6.1f", colors.hue.meanDegrees, colors.hue.maxDegrees,
+                 100.0 * colors.chromaLost);
+}
+
+std::string RampCells(const RampFigures& ramps) {
+  return Printed(" |%7zu%7.1f%7zu%8.2f", ramps.order.pixels, ramps.order.worstCodes, ramps.bands,
+                 100.0 * ramps.clippedShare);
+}
+
+Json RampsJson(const RampFigures& ramps) {
+  return {{"orderViolations", ramps.order.pixels},
+          {"worstOrderViolation", ramps.order.worstCodes},
+          {"bands", ramps.bands},
+          {"clippedShare", ramps.clippedShare}};
+}
+
+Json ColorsJson(const ColorFigures& colors) {
   return {{"meanHueError", colors.hue.meanDegrees},
           {"maxHueError", colors.hue.maxDegrees},
           {"pixelsWithHue", colors.hue.pixels},
           {"chromaLost", colors.chromaLost}};
 }
 
-nlohmann::ordered_json RowJson(const Row& row) {
-  const Figures& figures = row.figures;
-  return {{"mapper", row.name},
-          {"settings", row.settings},
-          {"insideBt709", ColorsJson(figures.insideBt709)},
-          {"insideP3", ColorsJson(figures.insideP3)},
-          {"outsideBt709", ColorsJson(figures.outsideBt709)},
-          {"patches", ColorsJson(figures.patches)},
-          {"orderViolations", figures.order.pixels},
-          {"worstOrderViolation", figures.order.worstCodes},
-          {"bands", figures.bands},
-          {"clippedShare", figures.clippedShare}};
-}
-
 }  // namespace
 
-void AddRow(PeakReport& report, const std::string& name, const std::string& settings,
-            const Figures& figures) {
-  for (Row& row : report.rows) {
-    if (row.name != name || row.figures != figures) continue;
-    row.settings.push_back(settings);
-    return;
+std::string FormatTable(const Report<Figures>& report) {
+  std::string above;
+  std::string titles;
+  for (const char* group : {"inside BT.709", "inside P3", "outside BT.709", "patches"}) {
+    above += Printed(" | %-18s", group);
+    titles += " |   hue    max  lost";
   }
-  report.rows.push_back({name, {}, figures});
-  if (!settings.empty()) report.rows.back().settings.push_back(settings);
+  for (const char* group : {"ramps inside BT.709", "ramps outside BT.709"}) {
+    above += Printed(" | %-27s", group);
+    titles += " |  order  worst  bands clipped";
+  }
+  return Table<Figures>(report, above, titles, [](const Figures& figures) {
+    return ColorCells(figures.insideBt709) + ColorCells(figures.insideP3) +
+           ColorCells(figures.outsideBt709) + ColorCells(figures.patches) +
+           RampCells(figures.rampsInside) + RampCells(figures.rampsOutside);
+  });
 }
 
-std::string FormatTable(const PeakReport& report) {
-  std::size_t width = 0;
-  for (const Row& row : report.rows) width = std::max(width, Label(row).size());
-  const auto padded = [width](const std::string& label) {
-    return label + std::string(width - std::min(width, label.size()), ' ');
-  };
-  std::array<char, 64> title{};
-  std::snprintf(title.data(), title.size(), "Peak %.0f nits", report.peakNits);
-
-  std::string table = padded(title.data()) + " |   inside BT.709   |     inside P3     |" +
-                      "  outside BT.709   |      patches      |            ramps\n" + padded("");
-  for (int group = 0; group < 4; ++group) table += " |  hue    max  lost";
-  table += " |  order  worst  bands clipped\n";
-  for (const Row& row : report.rows) {
-    const Figures& figures = row.figures;
-    table += padded(Label(row));
-    for (const ColorFigures* colors :
-         {&figures.insideBt709, &figures.insideP3, &figures.outsideBt709, &figures.patches}) {
-      table += FormatColors(*colors);
-    }
-    table += FormatRamps(figures) + '\n';
-  }
-  return table;
+std::string FormatTable(const Report<Difference>& report) {
+  return Table<Difference>(report, " | delta-E ITP", " |  mean  95 %",
+                           [](const Difference& values) {
+                             return Printed(" |%6.1f%6.1f", values.mean, values.percentile95);
+                           });
 }
 
-nlohmann::ordered_json ToJson(const PeakReport& report) {
-  nlohmann::ordered_json mappers = nlohmann::ordered_json::array();
-  for (const Row& row : report.rows) mappers.push_back(RowJson(row));
-  return {{"peakNits", report.peakNits}, {"mappers", mappers}};
+Json ToJson(const Report<Figures>& report) {
+  return ReportJson<Figures>(report, [](const Figures& figures) {
+    return Json{{"insideBt709", ColorsJson(figures.insideBt709)},
+                {"insideP3", ColorsJson(figures.insideP3)},
+                {"outsideBt709", ColorsJson(figures.outsideBt709)},
+                {"patches", ColorsJson(figures.patches)},
+                {"rampsInsideBt709", RampsJson(figures.rampsInside)},
+                {"rampsOutsideBt709", RampsJson(figures.rampsOutside)}};
+  });
+}
+
+Json ToJson(const Report<Difference>& report) {
+  return ReportJson<Difference>(report, [](const Difference& values) {
+    return Json{{"meanDeltaE", values.mean}, {"percentile95DeltaE", values.percentile95}};
+  });
 }
 
 }  // namespace Quality

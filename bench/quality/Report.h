@@ -8,25 +8,36 @@
 
 namespace Quality {
 
-/// What a mapper came to. Settings with the same figures share a row.
-struct Row {
-  std::string name;
-  std::vector<std::string> settings;  ///< empty where there is no choice
-  Figures figures;
-};
+/// What the mappers made of a picture; `Values` is what was measured.
+template <class Values>
+struct Report {
+  struct Row {
+    std::string name;
+    std::vector<std::string> settings;  ///< those with the same values; empty: there is no choice
+    Values values;
+  };
 
-struct PeakReport {
+  std::string picture;  ///< "charts"
   double peakNits = 0.0;
   std::vector<Row> rows;
+
+  /// Adds a mapper, or its settings to a row of its name that has the same values.
+  void Add(const std::string& name, const std::string& setting, const Values& values) {
+    for (Row& row : rows) {
+      if (row.name != name || !(row.values == values)) continue;
+      row.settings.push_back(setting);
+      return;
+    }
+    rows.push_back({name, {}, values});
+    if (!setting.empty()) rows.back().settings.push_back(setting);
+  }
 };
 
-/// Adds a mapper; its settings to the last row where that has the same name and the same figures.
-void AddRow(PeakReport& report, const std::string& name, const std::string& settings,
-            const Figures& figures);
+/// A table of a line a row, under a heading, for people.
+std::string FormatTable(const Report<Figures>& report);
+std::string FormatTable(const Report<Difference>& report);
 
-/// A table of fixed columns, for people.
-std::string FormatTable(const PeakReport& report);
-
-nlohmann::ordered_json ToJson(const PeakReport& report);
+nlohmann::ordered_json ToJson(const Report<Figures>& report);
+nlohmann::ordered_json ToJson(const Report<Difference>& report);
 
 }  // namespace Quality

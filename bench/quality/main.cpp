@@ -1,5 +1,5 @@
-// Picture quality of the mapping from HDR to SDR, by numbers: synthetic charts, mapped by the
-// mapper library and by others, and measured in ITP.
+// Picture quality of the mapping from HDR to SDR, by numbers: synthetic charts, and real pictures
+// where there are some, mapped by the mapper library and by others, and measured in ITP.
 
 #include <cstdio>
 #include <exception>
@@ -8,7 +8,6 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 extern "C" {
@@ -18,6 +17,7 @@ extern "C" {
 #include "bench/quality/Charts.h"
 #include "bench/quality/Contestants.h"
 #include "bench/quality/Figures.h"
+#include "bench/quality/Media.h"
 #include "bench/quality/Report.h"
 
 using namespace Quality;
@@ -26,13 +26,19 @@ namespace {
 
 struct Options {
   std::string json;  ///< empty: none is written
+  bool media = false;
 };
 
 std::optional<Options> ParseOptions(const std::vector<std::string>& arguments) {
   Options options;
   for (auto next = arguments.begin(); next != arguments.end(); ++next) {
-    if (*next != "--json" || std::next(next) == arguments.end()) return std::nullopt;
-    options.json = *++next;
+    if (*next == "--media") {
+      options.media = true;
+    } else if (*next == "--json" && std::next(next) != arguments.end()) {
+      options.json = *++next;
+    } else {
+      return std::nullopt;
+    }
   }
   return options;
 }
@@ -47,19 +53,34 @@ std::vector<Contestant> AllContestants() {
   return all;
 }
 
-PeakReport Run(const std::vector<Contestant>& contestants, double peakNits) {
+Report<Figures> MeasureCharts(const std::vector<Contestant>& contestants, double peakNits) {
   const Charts charts = MakeCharts(peakNits);
   std::vector<Signal> pixels;
   pixels.reserve(charts.light.size());
   for (const Light& light : charts.light) pixels.push_back(EncodePQ(light));
 
-  PeakReport report;
-  report.peakNits = peakNits;
+  Report<Figures> report{.picture = "charts", .peakNits = peakNits, .rows = {}};
   for (const Contestant& contestant : contestants) {
-    AddRow(report, contestant.name, contestant.settings,
-           Measure(charts, contestant.map(pixels, peakNits)));
+    report.Add(contestant.name, contestant.settings,
+               Measure(charts, contestant.map(pixels, peakNits)));
   }
   return report;
+}
+
+Report<Difference> MeasurePicture(const std::vector<Contestant>& contestants,
+                                  const MediaPair& pair) {
+  Report<Difference> report{.picture = pair.name, .peakNits = pair.peakNits, .rows = {}};
+  for (const Contestant& contestant : contestants) {
+    const auto shown = ShownBy(contestant.map(pair.pixels, pair.peakNits));
+    report.Add(contestant.name, contestant.settings, MeasureDifference(pair.reference, shown));
+  }
+  return report;
+}
+
+template <class Values>
+void Print(const Report<Values>& report) {
+  std::printf("\n%s", FormatTable(report).c_str());
+  std::fflush(stdout);
 }
 
 void WriteJson(const std::string& path, const nlohmann::ordered_json& json) {
@@ -70,20 +91,30 @@ void WriteJson(const std::string& path, const nlohmann::ordered_json& json) {
 }
 
 void RunAll(const Options& options) {
+  // Read first: what is wrong with it is known before the charts take their minute.
+  std::vector<MediaPair> pairs;
+  if (options.media) pairs = ReadMediaPairs(QUILLON_MEDIA_DIR);
   const std::vector<Contestant> contestants = AllContestants();
   std::printf(
-      "PQ to SDR BT.709, white at %.0f nits, the peak told. Hue error in degrees of ITP, mean and "
-      "largest; lost: chroma, %%.\nRamps: pixels darker than one before, the worst in code values "
-      "of 255; steps above 1.5 delta-E ITP; channels clipped, %%.\n",
+      "PQ to sRGB, white at %.0f nits, the peak told. Hue: error in degrees of ITP, mean and "
+      "largest; lost: chroma, %%.\nRamps: pixels darker than one before, and the worst in code "
+      "values of 255; steps above 1.5 delta-E ITP; channels clipped, %%.\n",
       kWhiteNits);
-  nlohmann::ordered_json peaks = nlohmann::ordered_json::array();
+
+  nlohmann::ordered_json reports = nlohmann::ordered_json::array();
   for (const double peakNits : {600.0, 1000.0, 4000.0, 10000.0}) {
-    const PeakReport report = Run(contestants, peakNits);
-    std::printf("\n%s", FormatTable(report).c_str());
-    std::fflush(stdout);
-    peaks.push_back(ToJson(report));
+    const auto report = MeasureCharts(contestants, peakNits);
+    Print(report);
+    reports.push_back(ToJson(report));
   }
-  if (!options.json.empty()) WriteJson(options.json, {{"whiteNits", kWhiteNits}, {"peaks", peaks}});
+  for (const MediaPair& pair : pairs) {
+    const auto report = MeasurePicture(contestants, pair);
+    Print(report);
+    reports.push_back(ToJson(report));
+  }
+  if (!options.json.empty()) {
+    WriteJson(options.json, {{"whiteNits", kWhiteNits}, {"pictures", reports}});
+  }
 }
 
 }  // namespace
@@ -91,7 +122,7 @@ void RunAll(const Options& options) {
 int main(int argc, char** argv) {
   const auto options = ParseOptions({argv + 1, argv + argc});
   if (!options) {
-    std::fprintf(stderr, "usage: quillon-quality-bench [--json FILE]\n");
+    std::fprintf(stderr, "usage: quillon-quality-bench [--json FILE] [--media]\n");
     return 2;
   }
   av_log_set_level(AV_LOG_QUIET);

@@ -32,7 +32,7 @@ FfmpegVideo::FfmpegVideo(const std::string& toneMap, int threads, const PX::Vide
   source_->colorspace = AVCOL_SPC_BT2020_NCL;
   source_->color_range = AVCOL_RANGE_MPEG;
   source_->chroma_location = AVCHROMA_LOC_LEFT;
-  CheckAv(av_frame_get_buffer(source_.get(), 0), "frame");
+  AllocatePlanes(source_.get());
   CopyPlanes(source, source_.get());
 
   graph_->nb_threads = threads;
