@@ -272,18 +272,22 @@ bool ReachesBeyond(const Chromaticities& source, const Chromaticities& destinati
 
 }  // namespace
 
-std::shared_ptr<const GamutFit> MakeGamutFit(const ColorSpace& source,
-                                             const ColorSpace& destination, double peakNits,
-                                             int white) {
+bool ReachesBeyond(const ColorSpace& source, const ColorSpace& destination) {
   const auto from = H273::ChromaticitiesOf(source);
   const auto to = H273::ChromaticitiesOf(destination);
-  if (!from || !to || !ReachesBeyond(*from, *to)) return nullptr;
+  return from && to && ReachesBeyond(*from, *to);
+}
+
+std::shared_ptr<const GamutFit> MakeGamutFit(const ColorSpace& destination, double peakNits,
+                                             int white) {
+  const auto to = H273::ChromaticitiesOf(destination);
+  if (!to) return nullptr;
   Gamut gamut(*to, peakNits, white);
   auto fit = std::make_shared<GamutFit>();
   fit->table = MakeTable(gamut);
   fit->params = gamut.Params();
   fit->params.share = kShare;
-  const float farthest = (ReachOf(Gamut(*from, peakNits, white), *fit) - kShare) / (1.0F - kShare);
+  const float farthest = (ReachOf(Gamut(Bt2020(), peakNits, white), *fit) - kShare) / (1.0F - kShare);
   fit->params.bend = farthest > 1.0F ? 1.0F - 1.0F / farthest : 0.0F;
   fit->params.safeRatio = SafeRatio(gamut, *fit);
   fit->params.safeLight = kSafeShareOfTop * gamut.Top();

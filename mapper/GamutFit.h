@@ -16,11 +16,16 @@ struct GamutFit {
   std::vector<float> table;  ///< as curves/GamutFit.h describes it
 };
 
-/// The fit into the primaries of `destination`, whose largest channel is `peakNits`, for pictures
-/// in the primaries of `source`; linear light is 1.0 at `white` nits. Null where the source's gamut
-/// does not reach beyond the destination's, or where either is not known.
-std::shared_ptr<const GamutFit> MakeGamutFit(const orvmediatypes::color::ColorSpace& source,
-                                             const orvmediatypes::color::ColorSpace& destination,
+/// Whether a colour space has colours that the other's primaries cannot mix. False where either's
+/// primaries are not known.
+bool ReachesBeyond(const orvmediatypes::color::ColorSpace& source,
+                   const orvmediatypes::color::ColorSpace& destination);
+
+/// The fit into the primaries of `destination`, whose largest channel is `peakNits`; linear light is
+/// 1.0 at `white` nits. How soon it holds colours back goes by the reach of BT.2020, wherever they
+/// come from, so that one colour comes out alike from every container. Null where the destination's
+/// primaries are not known.
+std::shared_ptr<const GamutFit> MakeGamutFit(const orvmediatypes::color::ColorSpace& destination,
                                              double peakNits, int white);
 
 /// Fits `count` float BGRA pixels of linear light in place. `set` must be one that can run.

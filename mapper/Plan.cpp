@@ -38,6 +38,19 @@ bool WorksInTarget(const ColorDescription& source, const Target& target, const S
          settings.gamut == GamutAlgorithm::None && KeepsRatios(settings.algorithm);
 }
 
+/// Whether pictures may hold colours that the destination has not. HDR pictures may, whatever their
+/// primaries, where there are colours beyond the destination's: one colour maps alike from every
+/// container.
+bool MayLackColors(const ColorDescription& source, const ColorSpace& destination) {
+  ColorDescription widest = source;
+  if (PX::ColorSpaceUtils::IsHDRColorSpace(ColorSpace(source))) {
+    widest.primaries = H273::kPrimariesBT2020;
+    widest.chromaticities = {};
+  }
+  return ReachesBeyond(ColorSpace(widest), destination) ||
+         ReachesBeyond(ColorSpace(source), destination);
+}
+
 /// Linear light in the same primaries.
 ColorSpace LinearLight(const ColorDescription& colors) {
   ColorDescription linear;
@@ -173,9 +186,8 @@ Result<Plan> Plan::Make(const Source& source, const Target& target, const Settin
   content->settings.algorithmType = settings.gamut;
   content->settings.toneMapSettings = ToneMapSettingsFor(settings, from, to);
   content->destinationPeakNits = DestinationPeakNits(to, settings.white);
-  if (settings.fit != GamutFitting::Clip) {
-    content->fit =
-        MakeGamutFit(ColorSpace(source.colors), to, content->destinationPeakNits, settings.white);
+  if (settings.fit != GamutFitting::Clip && MayLackColors(source.colors, to)) {
+    content->fit = MakeGamutFit(to, content->destinationPeakNits, settings.white);
   }
   const ColorSpace light = LinearLight(target.colors);
   const bool isLight = content->fit != nullptr || from.Description() == light.Description();

@@ -9,6 +9,7 @@
 #include "curves/Bt2446A.h"
 #include "curves/Car.h"
 #include "curves/GamutDesaturation.h"
+#include "curves/GamutFit.h"
 #include "curves/GamutReinhard.h"
 #include "curves/HalfFloat.h"
 #include "curves/HighlightDesaturation.h"
@@ -17,6 +18,7 @@
 #include "curves/Language.h"
 #include "curves/Matrix3.h"
 #include "curves/SdrTransfer.h"
+#include "curves/SingleSt2084.h"
 #include "curves/SoftKnee.h"
 #include "curves/St2084.h"
 #include "curves/Three.h"
@@ -35,6 +37,20 @@ QUILLON_FUNCTION void CallExponential(const float* in, float* out) { out[0] = Ex
 
 QUILLON_FUNCTION void CallSoftKnee(const float* in, float* out) {
   out[0] = SoftKnee(in[0], in[1], in[2], in[3]);
+}
+
+/// As light, and as a signal.
+QUILLON_FUNCTION void CallSingleSt2084(const float* in, float* out) {
+  out[0] = EncodeSingleSt2084(in[0]);
+  out[1] = DecodeSingleSt2084(in[0]);
+}
+
+/// T, P and intensity as they are named in a fit; what lies beyond a place; a share.
+QUILLON_FUNCTION void CallGamutFit(const float* in, float* out) {
+  out[0] = HueOfFit(in[0], in[1]);
+  out[2] = BitsOf(in[2]) > 0x7f800000U ? 0.0f : FittedShare(in[2], 0.9f, 0.94f);
+  float way = 0.0f;
+  out[1] = (float)EntryBelow(in[2], 24.0f, &way) + way;
 }
 
 /// A float rounded to half, and any half.

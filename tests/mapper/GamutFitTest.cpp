@@ -19,6 +19,7 @@ using Quillon::InstructionSet;
 using Quillon::Mapper::FitPixels;
 using Quillon::Mapper::GamutFit;
 using Quillon::Mapper::MakeGamutFit;
+using Quillon::Mapper::ReachesBeyond;
 
 namespace {
 
@@ -32,7 +33,7 @@ ColorSpace Of(std::uint8_t primaries) {
 }
 
 std::shared_ptr<const GamutFit> FitIntoBt709(double peakNits = kWhite) {
-  return MakeGamutFit(Of(H273::kPrimariesBT2020), Of(H273::kPrimariesBT709), peakNits, kWhite);
+  return MakeGamutFit(Of(H273::kPrimariesBT709), peakNits, kWhite);
 }
 
 using Pixels = std::vector<float>;
@@ -231,14 +232,16 @@ TEST(AGamutFit, OverlooksNoPixelThatItWouldTouch) {
   }
 }
 
-TEST(AGamutFit, IsNotThereWhereTheDestinationHasEveryColour) {
-  EXPECT_EQ(MakeGamutFit(Of(H273::kPrimariesBT709), Of(H273::kPrimariesBT709), kWhite, kWhite),
-            nullptr);
-  EXPECT_EQ(MakeGamutFit(Of(H273::kPrimariesBT709), Of(H273::kPrimariesBT2020), kWhite, kWhite),
-            nullptr);
-  EXPECT_NE(MakeGamutFit(Of(H273::kPrimariesP3D65), Of(H273::kPrimariesBT709), kWhite, kWhite),
-            nullptr);
-  EXPECT_EQ(MakeGamutFit(Of(200), Of(H273::kPrimariesBT709), kWhite, kWhite), nullptr);
+TEST(AGamutFit, IsNotThereForPrimariesThatAreNotKnown) {
+  EXPECT_EQ(MakeGamutFit(Of(200), kWhite, kWhite), nullptr);
+}
+
+TEST(AGamut, ReachesBeyondANarrowerOne) {
+  EXPECT_TRUE(ReachesBeyond(Of(H273::kPrimariesBT2020), Of(H273::kPrimariesBT709)));
+  EXPECT_TRUE(ReachesBeyond(Of(H273::kPrimariesP3D65), Of(H273::kPrimariesBT709)));
+  EXPECT_FALSE(ReachesBeyond(Of(H273::kPrimariesBT709), Of(H273::kPrimariesBT709)));
+  EXPECT_FALSE(ReachesBeyond(Of(H273::kPrimariesBT709), Of(H273::kPrimariesBT2020)));
+  EXPECT_FALSE(ReachesBeyond(Of(200), Of(H273::kPrimariesBT709)));
 }
 
 }  // namespace

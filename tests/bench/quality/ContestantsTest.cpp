@@ -50,7 +50,7 @@ TEST(QuillonContestants, ShowLightAsItIsWithoutACurve) {
     EXPECT_NEAR(ShownGrey(none, nits, 1000.0), nits, 1e-3 * nits);
   }
   EXPECT_NEAR(ShownGrey(none, 1000.0, 1000.0), 203.0, 1e-9);
-  const Light red = LightFrom(Gamut::BT709, {100.0, 10.0, 1.0});
+  const Light red = LightFrom(Gamut::BT709, {100.0, 20.0, 10.0});
   const Light shown = ShownBy(none.map({EncodePQ(red)}, 1000.0).at(0));
   EXPECT_NEAR(shown.red, red.red, 0.01);
   EXPECT_NEAR(shown.green, red.green, 0.01);

@@ -64,7 +64,7 @@ void RunCurve(CurveOptions options) {
     for (const auto& choice : Mapper::Algorithms()) options.algorithms.push_back(choice.value);
   }
   CheckCurveOptions(options);
-  SettleFit(options.mapping, false);
+  SettleFit(options.mapping, true);
   PeakOptions& peak = options.mapping.peak;
   if (peak.from == PeakSource::Default) peak = {PeakSource::Number, kDefaultPeakNits};
   const CurveData data = RunCurves(options, std::cerr);
