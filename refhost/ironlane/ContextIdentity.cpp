@@ -2,11 +2,11 @@
 
 #include <atomic>
 
-namespace IL {
+namespace RefHost {
 
 std::uint64_t NewContextIdentity() {
   static std::atomic<std::uint64_t> last{0};
   return ++last;
 }
 
-}  // namespace IL
+}  // namespace RefHost

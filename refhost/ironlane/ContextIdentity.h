@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-namespace IL {
+namespace RefHost {
 
 /// A number that no device of this process had before; never 0.
 std::uint64_t NewContextIdentity();
 
-}  // namespace IL
+}  // namespace RefHost

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace IL {
+namespace RefHost {
 
 int GPUDevice::Upload(const void* from, std::uint64_t to, std::size_t bytes) {
   const auto* source = static_cast<const std::byte*>(from);
@@ -21,4 +21,4 @@ int GPUDevice::Download(std::uint64_t from, void* to, std::size_t bytes) {
       });
 }
 
-}  // namespace IL
+}  // namespace RefHost

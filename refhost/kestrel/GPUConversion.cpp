@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -50,10 +50,10 @@ int Push(IL::IArgumentSet& arguments, const GPUFrameView& source, const GPUFrame
 }  // namespace
 
 int ConvertOnGPU(const GPUFrameView& source, const GPUFrameView& destination,
-                 const CHR::PixelConverter* converter) {
-  IL::GPUDevice& device = *destination.device;
+                 const PixelConverter* converter) {
+  GPUDevice& device = *destination.device;
   const IL::KernelHandle kernel = device.LoadKernel("PixelConversion", "ConvertPixels");
-  if (kernel == nullptr) return IL::kDeviceFailed;
+  if (kernel == nullptr) return kDeviceFailed;
 
   const ConversionParams params = converter == nullptr ? ConversionParams{} : converter->Params();
   const std::int32_t converts = converter == nullptr ? 0 : 1;
@@ -67,4 +67,4 @@ int ConvertOnGPU(const GPUFrameView& source, const GPUFrameView& destination,
                        0);
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -14,7 +14,7 @@ bool ColorSpace::empty() const {
   return description_.primaries == 0 && description_.transfer == 0 && description_.matrix == 0;
 }
 
-bool ColorSpace::IsLinear() const { return description_.transfer == H273::kTransferLinear; }
+bool ColorSpace::IsLinear() const { return description_.transfer == RefHost::kTransferLinear; }
 
 const ColorDescription& ColorSpace::Description() const { return description_; }
 
