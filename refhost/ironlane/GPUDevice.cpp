@@ -1,5 +1,6 @@
 #include "refhost/ironlane/GPUDevice.h"
 
+#include <atomic>
 #include <cstring>
 
 namespace RefHost {
@@ -21,4 +22,19 @@ int GPUDevice::Download(std::uint64_t from, void* to, std::size_t bytes) {
       });
 }
 
+std::uint64_t GPUDevice::NewContextIdentity() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
+
 }  // namespace RefHost
+
+namespace IL {
+
+KernelHandle LoadKernel(const std::shared_ptr<Device>& device, std::string_view module,
+                        std::string_view kernel) {
+  const auto gpu = std::dynamic_pointer_cast<RefHost::GPUDevice>(device);
+  return gpu == nullptr ? nullptr : gpu->LoadKernel(module, kernel);
+}
+
+}  // namespace IL

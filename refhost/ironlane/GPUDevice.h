@@ -70,6 +70,10 @@ class GPUDevice : public IL::Device {
   /// Null, and a message to the trace that holds the compiler's, when there is none or it does not
   /// build; the next call tries again. Launches do not wait for it.
   virtual IL::KernelHandle LoadKernel(std::string_view module, std::string_view kernel) = 0;
+
+ protected:
+  /// A context identity that no device of this process had before; never 0.
+  static std::uint64_t NewContextIdentity();
 };
 
 }  // namespace RefHost

@@ -8,7 +8,6 @@
 
 #include "refhost/ResultCodes.h"
 #include "refhost/ironlane/ArgumentSet.h"
-#include "refhost/ironlane/ContextIdentity.h"
 #include "refhost/ironlane/Trace.h"
 #include "refhost/ironlane/cuda/CudaApi.h"
 #include "refhost/ironlane/cuda/CudaContext.h"

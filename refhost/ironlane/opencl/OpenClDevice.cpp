@@ -11,7 +11,6 @@
 
 #include "refhost/ResultCodes.h"
 #include "refhost/ironlane/ArgumentSet.h"
-#include "refhost/ironlane/ContextIdentity.h"
 #include "refhost/ironlane/Trace.h"
 #include "refhost/ironlane/opencl/OpenClDevices.h"
 #include "refhost/ironlane/opencl/OpenClKernels.h"
