@@ -40,6 +40,10 @@ class GPUDevice : public IL::Device {
 
   virtual const DeviceInfo& Info() const = 0;
 
+  /// Threads along either side of the blocks to launch the reference host's own kernels in; 1 where
+  /// the device chooses them itself.
+  virtual std::uint32_t BlockSide() const = 0;
+
   /// Whether the device failed in a way that only opening it anew mends.
   virtual bool IsLost() const { return false; }
 

@@ -18,21 +18,6 @@ Quillon::GPUFrameDescriptor DescriptorOf(const GPUFrameView& frame) {
           .padding = 0};
 }
 
-struct Blocks {
-  std::uint32_t block;
-  std::uint32_t gridX;
-  std::uint32_t gridY;
-};
-
-/// OpenCL chooses its own work-groups.
-Blocks BlocksFor(const GPUFrameView& frame) {
-  constexpr std::uint32_t kBlock = 16;
-  if (frame.device->Info().platformKind == IL::kPlatformOpenCl) {
-    return {1, frame.width, frame.height};
-  }
-  return {kBlock, (frame.width + kBlock - 1) / kBlock, (frame.height + kBlock - 1) / kBlock};
-}
-
 int Push(IL::IArgumentSet& arguments, const GPUFrameView& source, const GPUFrameView& destination,
          std::int32_t converts, const ConversionParams& params) {
   for (const GPUFrameView* frame : {&source, &destination}) {
@@ -62,9 +47,9 @@ int ConvertOnGPU(const GPUFrameView& source, const GPUFrameView& destination,
   if (result < 0) return result;
   result = Push(*arguments, source, destination, converts, params);
   if (result < 0) return result;
-  const Blocks blocks = BlocksFor(destination);
-  return device.Launch(kernel, arguments, blocks.gridX, blocks.gridY, blocks.block, blocks.block,
-                       0);
+  const std::uint32_t side = device.BlockSide();
+  return device.Launch(kernel, arguments, (destination.width + side - 1) / side,
+                       (destination.height + side - 1) / side, side, side, 0);
 }
 
 }  // namespace RefHost

@@ -83,6 +83,7 @@ class CudaDevice final : public GPUDevice {
   }
 
   const DeviceInfo& Info() const override { return info_; }
+  std::uint32_t BlockSide() const override { return 16; }
   bool IsLost() const override { return context_.IsLost(); }
 
   IL::DeviceDescription GetDescription() const override {

@@ -76,6 +76,7 @@ class OpenClDevice final : public GPUDevice {
   ~OpenClDevice() override { queue_.finish(); }
 
   const DeviceInfo& Info() const override { return info_; }
+  std::uint32_t BlockSide() const override { return 1; }
 
   IL::DeviceDescription GetDescription() const override {
     return {.platformKind = IL::kPlatformOpenCl,

@@ -39,6 +39,8 @@ TEST_P(OpenClDevices, RefuseMemoryThatIsNotTheirs) {
   EXPECT_EQ(device_->Upload(&byte, pointer, 1), RefHost::kInvalidLaunch);
 }
 
+TEST_P(OpenClDevices, ChooseTheirWorkGroupsThemselves) { EXPECT_EQ(device_->BlockSide(), 1U); }
+
 TEST_P(OpenClDevices, KeepCompiledModulesOnDisk) {
   const fs::path folder = fs::path(testing::TempDir()) / "quillon-opencl-modules";
   fs::remove_all(folder);

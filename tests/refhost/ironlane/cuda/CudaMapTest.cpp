@@ -17,6 +17,7 @@ namespace {
 using orvmediatypes::color::ColorSpace;
 using orvmediatypes::color::GamutCompressionAlgorithmType;
 using orvmediatypes::color::ToneMapAlgorithmType;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class CudaCalls : public CudaTest {
@@ -77,6 +78,16 @@ TEST_F(CudaCalls, TakeNoMemoryAndWaitForNothingTheSecondTime) {
             "ToneMapKernelITU2446A", "ToneMapKernelITU2446A"}));
     driver_->launches.clear();
   }
+}
+
+TEST_F(CudaCalls, ConvertInTheBlocksThatTheDeviceWants) {
+  const auto device = RefHost::OpenCudaDevice(0);
+  const auto source = MakeGPUFrame(device, RefHost::kBgraFloat, 33, 17, Space(9, 16));
+  const auto destination = MakeGPUFrame(device, RefHost::kBgraFloat, 33, 17, Space(1, 13));
+  ASSERT_EQ(KS::GPUFrameManipulators::CopyFrame(source, destination, 4, {}), 0) << Trace();
+  ASSERT_EQ(device->Finish(), 0);
+  ASSERT_EQ(Launched(), (std::multiset<std::string>{"ConvertPixels"}));
+  EXPECT_THAT(driver_->launches[0].sizes, ElementsAre(3, 2, 1, 16, 16, 1));
 }
 
 TEST_F(CudaCalls, EndBeforeAnyLaunchWhereFramesAreOnTwoDevices) {
