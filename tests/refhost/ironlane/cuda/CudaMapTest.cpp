@@ -18,7 +18,6 @@ using orvmediatypes::color::ColorSpace;
 using orvmediatypes::color::GamutCompressionAlgorithmType;
 using orvmediatypes::color::ToneMapAlgorithmType;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class CudaCalls : public CudaTest {
  protected:

@@ -50,6 +50,6 @@ int LaunchOn(RefHost::GPUDevice& device, std::uint64_t memory);
 int UseDevice(RefHost::GPUDevice& device);
 
 /// For tests that need kernels.
-#define QUILLON_NEEDS_PTX()                                                                     \
-  if (!RefHost::IsBuiltForCuda()) GTEST_SKIP() << "needs nvcc or clang++, which CMake did not " \
-                                                  "find"
+inline constexpr const char* kNeedsPtx = "needs nvcc or clang++, which CMake did not find";
+#define QUILLON_NEEDS_PTX() \
+  if (!RefHost::IsBuiltForCuda()) GTEST_SKIP() << kNeedsPtx
