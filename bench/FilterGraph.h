@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -36,4 +37,25 @@ inline AVFilterContext* AddFilter(AVFilterGraph* graph, const char* filter,
                                        options.c_str(), nullptr, graph),
           filter);
   return context;
+}
+
+/// Adds the filters of a description, "zscale=t=linear,tonemap=hable", between a source and a sink
+/// of the graph, which is not configured. Throws std::runtime_error.
+inline void AddFilters(AVFilterGraph* graph, const std::string& filters, AVFilterContext* source,
+                       AVFilterContext* sink) {
+  const auto endAt = [](AVFilterContext* filter, const char* name) {
+    AVFilterInOut* end = avfilter_inout_alloc();
+    if (end == nullptr) throw std::bad_alloc();
+    end->name = av_strdup(name);
+    end->filter_ctx = filter;
+    end->pad_idx = 0;
+    end->next = nullptr;
+    return end;
+  };
+  AVFilterInOut* outputs = endAt(source, "in");
+  AVFilterInOut* inputs = endAt(sink, "out");
+  const int result = avfilter_graph_parse_ptr(graph, filters.c_str(), &inputs, &outputs, nullptr);
+  avfilter_inout_free(&inputs);
+  avfilter_inout_free(&outputs);
+  CheckAv(result, filters.c_str());
 }

@@ -9,8 +9,8 @@
 // work only where AnyOf or AllOf say that no lane needs it, so that every lane sees the same
 // operations, each rounded as IEEE 754 says, whatever stands beside it. Where the work is about as
 // short as a branch that was guessed wrong, IsWorthSkipping stands for AllOf, and may be false. A
-// vector type needs AnyOf, AllOf, IsWorthSkipping, Uniform, Widen and Narrow of its own, declared
-// before the curves are included.
+// vector type needs AnyOf, AllOf, IsWorthSkipping, Uniform, Widen, Narrow and LookUp of its own
+// where curves call them, declared before the curves are included.
 //
 // Literals for the bits of a double end in U alone, which is as wide as the number needs in all
 // three languages; ULL is none of OpenCL C 1.2's.
@@ -59,6 +59,8 @@ typedef double Wide;
 #define AnyOf(mask) (mask)
 #define AllOf(mask) (mask)
 #define IsWorthSkipping(mask) (mask)
+#define QUILLON_TABLE __global const float*
+#define LookUp(table, index, like) ((table)[index])
 
 #else
 
@@ -118,5 +120,11 @@ QUILLON_FUNCTION float Narrow(double x, float /*like*/) { return static_cast<flo
 QUILLON_FUNCTION bool AnyOf(bool mask) { return mask; }
 QUILLON_FUNCTION bool AllOf(bool mask) { return mask; }
 QUILLON_FUNCTION bool IsWorthSkipping(bool mask) { return mask; }
+
+/// Memory that curves read tables from, and an entry of a table for every lane.
+#define QUILLON_TABLE const float*
+QUILLON_FUNCTION float LookUp(const float* table, unsigned index, float /*like*/) {
+  return table[index];
+}
 
 #endif

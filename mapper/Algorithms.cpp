@@ -26,11 +26,16 @@ constexpr auto kGamutAlgorithms = [] {
   return names;
 }();
 
+constexpr std::array<Named<GamutFitting>, 2> kGamutFittings{
+    {{"hue", GamutFitting::Hue}, {"clip", GamutFitting::Clip}}};
+
 }  // namespace
 
 std::span<const Named<Algorithm>> Algorithms() { return kAlgorithms; }
 
 std::span<const Named<GamutAlgorithm>> GamutAlgorithms() { return kGamutAlgorithms; }
+
+std::span<const Named<GamutFitting>> GamutFittings() { return kGamutFittings; }
 
 std::string_view AlgorithmName(Algorithm algorithm) {
   for (const auto& known : kAlgorithms) {

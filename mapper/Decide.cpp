@@ -71,6 +71,7 @@ Decisions Plan::Decide() const {
   decisions.gamut =
       PX::GamutMappingUtils::GetGamutCompressionMethodName(content_->settings.algorithmType, 1);
   decisions.gamutApplies = content_->gamutApplies;
+  decisions.fitApplies = content_->fit != nullptr;
   if (content_->toneMapApplies) decisions.toneMap = DecideToneMap(*content_);
   return decisions;
 }

@@ -44,7 +44,7 @@ Result<LightLevels> MeasureLight(const PX::VideoFrameRef& frame, int white);
 /// The colour space that the engine works from for a source in `tagged` colours. Frames in it are
 /// mapped without a conversion before.
 orvmediatypes::color::ColorSpace MappingColorSpace(const ColorDescription& tagged,
-                                                   Algorithm algorithm);
+                                                   const Target& target, const Settings& settings);
 
 /// The colours that a plan maps from, as its caller described them.
 const ColorDescription& SourceColors(const Plan& plan);

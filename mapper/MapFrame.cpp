@@ -7,6 +7,7 @@
 #include "host/kestrel/FrameManipulators.h"
 #include "mapper/Content.h"
 #include "mapper/EngineMessages.h"
+#include "mapper/FitFrame.h"
 #include "mapper/Frames.h"
 #include "refhost/ironlane/GPUDevice.h"
 
@@ -54,16 +55,34 @@ Failure MovePixels(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to) {
   return Error{Code::DeviceFailed, "the device failed", messages.Joined()};
 }
 
-/// Float BGRA frames of system memory, through frames on the plan's device.
+/// The same on the frame's device.
+Failure Convert(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to, int white) {
+  const EngineMessages messages;
+  if (KS::GPUFrameManipulators::CopyFrame(from, to, kCopyQuality, ColorManagementFor(white)) >= 0) {
+    return std::nullopt;
+  }
+  return Error{Code::DeviceFailed, "the device failed", messages.Joined()};
+}
+
+/// Float BGRA frames of system memory, the destination in the plan's colours, through frames on the
+/// plan's device.
 Failure ApplyOnDevice(const Plan::Content& plan, const PX::VideoFrameRef& source,
                       const PX::VideoFrameRef& destination) {
-  const auto from = MakeFloatFrameOn(plan.device, source->GetBounds(), source->GetColorSpace());
+  const orvcore::geom::Bounds bounds = source->GetBounds();
+  const auto from = MakeFloatFrameOn(plan.device, bounds, source->GetColorSpace());
   if (!from) return from.error();
-  auto to = MakeFloatFrameOn(plan.device, source->GetBounds(), destination->GetColorSpace());
+  auto to = MakeFloatFrameOn(plan.device, bounds, plan.result);
   if (!to) return to.error();
   if (auto failure = MovePixels(source, *from)) return failure;
   if (auto failure = Apply(plan, *from, *to)) return failure;
-  return MovePixels(*to, destination);
+  if (!plan.WritesLight()) return MovePixels(*to, destination);
+  if (plan.fit != nullptr) {
+    if (auto failure = FitOnDevice(*plan.fit, *to)) return failure;
+  }
+  const auto encoded = MakeFloatFrameOn(plan.device, bounds, plan.DestinationSpace());
+  if (!encoded) return encoded.error();
+  if (auto failure = Convert(*to, *encoded, plan.asked.white)) return failure;
+  return MovePixels(*encoded, destination);
 }
 
 bool IsFloat(const PX::VideoFrameRef& frame) {
@@ -85,23 +104,53 @@ ColorSpace CodedAs(const ColorDescription& frame, const ColorDescription& engine
   return ColorSpace(coded);
 }
 
-/// A float BGRA frame in the engine's source colour space, mapped into the destination whatever its
-/// format.
-Failure ApplyFloat(const Plan::Content& plan, const PX::VideoFrameRef& source,
-                   PX::VideoFrameRef& destination) {
-  const bool direct = IsFloat(destination) && destination->GetColorSpace().Description() ==
-                                                  plan.DestinationSpace().Description();
-  PX::VideoFrameRef mapped = destination;
-  if (!direct) {
-    const orvcore::geom::Bounds bounds = source->GetBounds();
-    auto made = MakeFloatFrame(bounds.width, bounds.height, plan.DestinationSpace());
-    if (!made) return made.error();
-    mapped = *made;
+/// A float BGRA frame in the colours that the engine works from.
+struct WorkingFrame {
+  PX::VideoFrameRef frame;
+  bool isOwn = false;  ///< made here, so that it may be written
+};
+
+/// A float BGRA frame with the picture's size.
+Result<PX::VideoFrameRef> MakeFrameFor(const PX::VideoFrameRef& picture,
+                                       const ColorSpace& colorSpace) {
+  const orvcore::geom::Bounds bounds = picture->GetBounds();
+  return MakeFloatFrame(bounds.width, bounds.height, colorSpace);
+}
+
+/// A frame to work in: the destination itself where it is such a frame, else one that is converted
+/// into the destination when it is done.
+Result<PX::VideoFrameRef> FrameBefore(const PX::VideoFrameRef& destination,
+                                      const ColorSpace& colorSpace) {
+  if (IsFloat(destination) &&
+      destination->GetColorSpace().Description() == colorSpace.Description()) {
+    return destination;
   }
-  auto failure =
-      plan.device != nullptr ? ApplyOnDevice(plan, source, mapped) : Apply(plan, source, mapped);
-  if (failure || direct) return failure;
+  return MakeFrameFor(destination, colorSpace);
+}
+
+Failure Deliver(const Plan::Content& plan, const PX::VideoFrameRef& mapped,
+                const PX::VideoFrameRef& destination) {
+  if (mapped.Object() == destination.Object()) return std::nullopt;
   return CopyConverted(mapped, destination, plan.asked.white);
+}
+
+Failure MapOnDevice(const Plan::Content& plan, const WorkingFrame& source,
+                    const PX::VideoFrameRef& destination) {
+  const auto mapped = FrameBefore(destination, plan.DestinationSpace());
+  if (!mapped) return mapped.error();
+  if (auto failure = ApplyOnDevice(plan, source.frame, *mapped)) return failure;
+  return Deliver(plan, *mapped, destination);
+}
+
+Failure MapOnProcessor(const Plan::Content& plan, const WorkingFrame& source,
+                       const PX::VideoFrameRef& destination) {
+  const bool inPlace = source.isOwn && plan.WritesLight() &&
+                       source.frame->GetColorSpace().Description() == plan.result.Description();
+  auto mapped = inPlace ? Result(source.frame) : FrameBefore(destination, plan.result);
+  if (!mapped) return mapped.error();
+  if (auto failure = Apply(plan, source.frame, *mapped)) return failure;
+  if (plan.fit != nullptr) FitFrame(*plan.fit, *mapped);
+  return Deliver(plan, *mapped, destination);
 }
 
 }  // namespace
@@ -117,14 +166,19 @@ Failure MapFrame(const Plan& plan, const PX::VideoFrameRef& source,
   const Plan::Content& content = plan.Inside();
   const ColorDescription tagged = source->GetColorSpace().Description();
   const ColorDescription& engine = content.SourceSpace().Description();
-  if (AreSameColors(tagged, engine) && (content.device == nullptr || IsFloat(source))) {
-    source->SetColorSpace(CodedAs(tagged, engine));
-    return content.device == nullptr ? Apply(content, source, destination)
-                                     : ApplyFloat(content, source, destination);
+  const bool isEngines = AreSameColors(tagged, engine);
+  if (isEngines) source->SetColorSpace(CodedAs(tagged, engine));
+  if (isEngines && content.device == nullptr && !content.WritesLight()) {
+    return Apply(content, source, destination);
   }
-  const auto floats = ConvertToFloat(source, content.SourceSpace(), content.asked.white);
-  if (!floats) return floats.error();
-  return ApplyFloat(content, *floats, destination);
+  WorkingFrame working{source};
+  if (!isEngines || !IsFloat(source)) {
+    const auto floats = ConvertToFloat(source, content.SourceSpace(), content.asked.white);
+    if (!floats) return floats.error();
+    working = {*floats, true};
+  }
+  return content.device != nullptr ? MapOnDevice(content, working, destination)
+                                   : MapOnProcessor(content, working, destination);
 }
 
 }  // namespace Quillon::Mapper

@@ -52,6 +52,13 @@ struct Target {
   std::optional<int> peakNits{};
 };
 
+/// What becomes of colours that the target's gamut has not.
+enum class GamutFitting {
+  Clip,  ///< each channel ends where the target's ends: hues shift
+  Hue,  ///< chroma is reduced at constant hue and intensity in ITP (ITU-R BT.2124), softly from 0.9
+        ///< of the way to the target's boundary on
+};
+
 /// How it is mapped.
 struct Settings {
   Algorithm algorithm = Algorithm::Automatic;
@@ -61,12 +68,18 @@ struct Settings {
   std::optional<float> knee{};
   /// Factor on the picture before the curve, above 0. Nothing: 1.
   std::optional<float> gain{};
-  /// 0 lets highlights go to white, 1 keeps their hue and saturation. Nothing: 0.5.
+  /// 0 lets highlights go to white, 1 keeps their hue and saturation. Nothing: 0.8.
   std::optional<float> colorPreservation{};
+  /// Of effect where the source's gamut reaches beyond the target's. Float results, too, lie within
+  /// the target's gamut with `Hue`; with `Clip` they keep what lies beyond it.
+  GamutFitting fit = GamutFitting::Hue;
   /// Luminance in nits of graphics white (ITU-R BT.2408), which 1.0 in linear light and of an SDR
   /// signal is; 1 to 10000.
   int white = 203;
 };
+
+/// What each fitting is called in options: "hue", "clip".
+std::span<const Named<GamutFitting>> GamutFittings();
 
 /// Whether the algorithm's curve reads `Settings::knee`.
 bool HasKnee(Algorithm algorithm);

@@ -21,6 +21,32 @@ bool IsBt2390(Algorithm algorithm) {
   return algorithm == Algorithm::ITU2390MaxRGB || algorithm == Algorithm::ITU2390RGBByChannel;
 }
 
+/// Skies keep their colour with it and flames still go to white (docs/decisions/quality.md).
+constexpr float kColorPreservation = 0.8F;
+
+/// Whether the curve scales a pixel as a whole, so that it may have channels below 0.
+bool KeepsRatios(Algorithm algorithm) {
+  return algorithm == Algorithm::Automatic || algorithm == Algorithm::HuePreservationDesaturation ||
+         algorithm == Algorithm::CARToneCurve;
+}
+
+/// Whether the engine works in the primaries of the target: colours that it has then keep their hue
+/// on their way to white. The engine's gamut compression wants the primaries of the source.
+bool WorksInTarget(const ColorDescription& source, const Target& target, const Settings& settings) {
+  return PX::ColorSpaceUtils::IsSDRColorSpace(ColorSpace(target.colors)) &&
+         PX::ColorSpaceUtils::IsHDRColorSpace(ColorSpace(source)) &&
+         settings.gamut == GamutAlgorithm::None && KeepsRatios(settings.algorithm);
+}
+
+/// Linear light in the same primaries.
+ColorSpace LinearLight(const ColorDescription& colors) {
+  ColorDescription linear;
+  linear.transfer = RefHost::kTransferLinear;
+  linear.primaries = colors.primaries;
+  linear.chromaticities = colors.chromaticities;
+  return ColorSpace(linear);
+}
+
 ColorSpace DestinationSpace(const Target& target) {
   ColorDescription destination = target.colors;
   destination.peakLuminance = target.peakNits.value_or(0);
@@ -44,8 +70,7 @@ ToneMapSettings ToneMapSettingsFor(const Settings& asked, const ColorSpace& sour
   settings.destinationColorSpace = destination;
   settings.colorManagementSettings = ColorManagementFor(asked.white);
   settings.controls.peakGain = asked.gain.value_or(settings.controls.peakGain);
-  settings.controls.colorPreservation =
-      asked.colorPreservation.value_or(settings.controls.colorPreservation);
+  settings.controls.colorPreservation = asked.colorPreservation.value_or(kColorPreservation);
   settings.knee = asked.knee.value_or(settings.knee);
   settings.algorithmType = asked.algorithm;
   return settings;
@@ -86,7 +111,9 @@ Error UntoldColors(const Source& source) {
 
 }  // namespace
 
-ColorSpace MappingColorSpace(const ColorDescription& tagged, Algorithm algorithm) {
+ColorSpace MappingColorSpace(const ColorDescription& tagged, const Target& target,
+                             const Settings& settings) {
+  if (WorksInTarget(tagged, target, settings)) return LinearLight(target.colors);
   ColorDescription source;
   source.transfer = tagged.transfer;
   source.primaries = tagged.primaries;
@@ -99,7 +126,7 @@ ColorSpace MappingColorSpace(const ColorDescription& tagged, Algorithm algorithm
     source.chromaticities = {};
   }
   // BT.2390 takes full scale for the source's peak, which linear light has not.
-  if (linear && IsBt2390(algorithm)) source.transfer = RefHost::kTransferPQ;
+  if (linear && IsBt2390(settings.algorithm)) source.transfer = RefHost::kTransferPQ;
   return ColorSpace(source);
 }
 
@@ -131,7 +158,7 @@ Result<Plan> Plan::Make(const Source& source, const Target& target, const Settin
   if (!IsConvertible(source.colors)) {
     return Error{Code::NotSupported, "no conversion from " + DescribeColorSpace(source.colors), {}};
   }
-  const ColorSpace from = MappingColorSpace(source.colors, settings.algorithm);
+  const ColorSpace from = MappingColorSpace(source.colors, target, settings);
   const ColorSpace to = DestinationSpace(target);
   if (!ConvertGrey(0.0F, from, to, settings.white)) {
     return Error{Code::NotSupported,
@@ -146,6 +173,13 @@ Result<Plan> Plan::Make(const Source& source, const Target& target, const Settin
   content->settings.algorithmType = settings.gamut;
   content->settings.toneMapSettings = ToneMapSettingsFor(settings, from, to);
   content->destinationPeakNits = DestinationPeakNits(to, settings.white);
+  if (settings.fit == GamutFitting::Hue) {
+    content->fit =
+        MakeGamutFit(ColorSpace(source.colors), to, content->destinationPeakNits, settings.white);
+  }
+  const ColorSpace light = LinearLight(target.colors);
+  const bool isLight = content->fit != nullptr || from.Description() == light.Description();
+  content->result = isLight ? light : to;
   if (auto failure = SetPeak(*content, peak)) return *std::move(failure);
   return Plan(std::move(content));
 }

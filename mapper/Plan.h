@@ -48,6 +48,7 @@ struct Decisions {
   double destinationPeakNits = 0.0;
   std::string gamut;          ///< for people; "None" where none was asked for
   bool gamutApplies = false;  ///< the source's gamut reaches beyond the destination's
+  bool fitApplies = false;    ///< so it does, and what does not fit is brought in
   /// Nothing where none was asked for, or where the source's peak, with its gain, is not above the
   /// destination's.
   std::optional<ToneMapDecision> toneMap;

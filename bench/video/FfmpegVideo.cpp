@@ -2,38 +2,11 @@
 
 #include <cstddef>
 #include <cstring>
-#include <memory>
 
 #include "bench/Frames.h"
 #include "refhost/kestrel/SystemFrame.h"
 
 namespace {
-
-struct FreeEnds {
-  void operator()(AVFilterInOut* ends) const { avfilter_inout_free(&ends); }
-};
-using Ends = std::unique_ptr<AVFilterInOut, FreeEnds>;
-
-Ends EndAt(AVFilterContext* filter, const char* name) {
-  Ends ends(avfilter_inout_alloc());
-  ends->name = av_strdup(name);
-  ends->filter_ctx = filter;
-  ends->pad_idx = 0;
-  ends->next = nullptr;
-  return ends;
-}
-
-/// Parses what stands between the source and the sink.
-void Parse(AVFilterGraph* graph, const std::string& filters, AVFilterContext* source,
-           AVFilterContext* sink) {
-  AVFilterInOut* outputs = EndAt(source, "in").release();
-  AVFilterInOut* inputs = EndAt(sink, "out").release();
-  const int result = avfilter_graph_parse_ptr(graph, filters.c_str(), &inputs, &outputs, nullptr);
-  const Ends inputsLeft(inputs);
-  const Ends outputsLeft(outputs);
-  CheckAv(result, filters.c_str());
-  CheckAv(avfilter_graph_config(graph, nullptr), "configuration");
-}
 
 void CopyPlanes(const PX::VideoFrameRef& from, AVFrame* to) {
   const auto planes = orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(from);
@@ -67,10 +40,11 @@ FfmpegVideo::FfmpegVideo(const std::string& toneMap, int threads, const PX::Vide
                   "video_size=" + std::to_string(kWidth) + "x" + std::to_string(kHeight) +
                       ":pix_fmt=yuv420p10le:time_base=1/1:pixel_aspect=1/1");
   out_ = AddFilter(graph_.get(), "buffersink", "");
-  Parse(graph_.get(),
-        "zscale=t=linear:npl=203,format=gbrpf32le,tonemap=" + toneMap +
-            ",zscale=p=bt709:t=bt709:m=bt709,format=yuv420p",
-        in_, out_);
+  AddFilters(graph_.get(),
+             "zscale=t=linear:npl=203,format=gbrpf32le,tonemap=" + toneMap +
+                 ",zscale=p=bt709:t=bt709:m=bt709,format=yuv420p",
+             in_, out_);
+  CheckAv(avfilter_graph_config(graph_.get(), nullptr), "configuration");
 }
 
 void FfmpegVideo::MapFrame() {

@@ -74,6 +74,12 @@ static inline bool IsWorthSkipping(LaneInts mask) {
 #endif
 }
 
+static inline Lanes LookUp(const float* table, LaneBits index, Lanes /*like*/) {
+  Lanes entries;
+  for (int lane = 0; lane < kLanes; ++lane) entries[lane] = table[index[lane]];
+  return entries;
+}
+
 // Where powers are taken in vectors of their own kind, and where not.
 #if defined(__AVX2__)
 

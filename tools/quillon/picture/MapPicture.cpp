@@ -83,7 +83,7 @@ PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem:
   frame->SetColorSpace(ColorSpace(source.colors));
   const int white = options.settings.white;
   const PX::VideoFrameRef floats = ConvertToFloat(
-      frame, Mapper::MappingColorSpace(source.colors, options.settings.algorithm), white);
+      frame, Mapper::MappingColorSpace(source.colors, options.target, options.settings), white);
   const auto measurePeak = [&] { return MeasureLightLevels(floats, white).peakNits; };
   return {PlanTagged(options, path, source, std::move(device), measurePeak), floats};
 }
