@@ -24,9 +24,9 @@ constexpr int kPeakNits = 1000;
 
 /// Fills each plane with a repeating ramp over legal 10-bit codes.
 void FillWithCodes(const PX::VideoFrameRef& frame) {
-  const auto planes = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(frame);
+  const auto planes = orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(frame);
   for (int index = 0; index < planes->GetPlaneCount(); ++index) {
-    const KS::Plane plane = planes->GetPlane(index);
+    const RefHost::Plane plane = planes->GetPlane(index);
     for (int y = 0; y < plane.height; ++y) {
       auto* row = reinterpret_cast<std::uint16_t*>(static_cast<std::byte*>(plane.data) +
                                                    static_cast<std::ptrdiff_t>(y) * plane.rowBytes);
@@ -38,10 +38,11 @@ void FillWithCodes(const PX::VideoFrameRef& frame) {
 }
 
 void CopyToLinear(benchmark::State& state, bool memoryIsKept) {
-  const ColorSpace linear = Bt2020(H273::kTransferLinear, kPeakNits);
+  const ColorSpace linear = Bt2020(RefHost::kTransferLinear, kPeakNits);
   const ColorManagementSettings settings;
-  const PX::VideoFrameRef source = Make4kFrame(KS::PlanarYCbCr(KS::ChromaFormat::C420, 10),
-                                               Bt2020(H273::kTransferPQ, kPeakNits));
+  const PX::VideoFrameRef source =
+      Make4kFrame(RefHost::PlanarYCbCr(RefHost::ChromaFormat::C420, 10),
+                  Bt2020(RefHost::kTransferPQ, kPeakNits));
   FillWithCodes(source);
   constexpr orvmediatypes::RenderQuality kQuality = 4;
   const auto call = [&] {
@@ -52,7 +53,7 @@ void CopyToLinear(benchmark::State& state, bool memoryIsKept) {
   if (memoryIsKept) call();
   std::vector<double> calls;
   while (state.KeepRunning()) {
-    if (!memoryIsKept) orvcore::allocator::ReleaseKeptBlocks();
+    if (!memoryIsKept) RefHost::ReleaseKeptBlocks();
     calls.push_back(SecondsOf(call));
     state.SetIterationTime(calls.back());
   }

@@ -27,12 +27,12 @@ ColorSpace SpaceOf(std::uint8_t primaries, std::uint8_t matrix, std::uint8_t tra
 
 ColorSpace Bt2020(std::uint8_t transfer, int peakNits) {
   constexpr std::uint8_t kMatrixBT2020NonConstant = 9;
-  return SpaceOf(H273::kPrimariesBT2020, kMatrixBT2020NonConstant, transfer, peakNits);
+  return SpaceOf(RefHost::kPrimariesBT2020, kMatrixBT2020NonConstant, transfer, peakNits);
 }
 
 ColorSpace Bt709(std::uint8_t transfer, int peakNits) {
   constexpr std::uint8_t kMatrixBT709 = 1;
-  return SpaceOf(H273::kPrimariesBT709, kMatrixBT709, transfer, peakNits);
+  return SpaceOf(RefHost::kPrimariesBT709, kMatrixBT709, transfer, peakNits);
 }
 
 PX::VideoFrameRef Make4kFrame(orvmediatypes::PixelFormat format, const ColorSpace& colorSpace) {

@@ -56,8 +56,8 @@ GamutMappingSettings SettingsOf(const Algorithm& algorithm) {
   auto& toneMap = settings.toneMapSettings;
   const bool needsPQ = IsBt2390(algorithm.toneMap);
   toneMap.sourceColorSpace =
-      Bt2020(needsPQ ? H273::kTransferPQ : H273::kTransferLinear, kSourceNits);
-  toneMap.destinationColorSpace = Bt709(H273::kTransferLinear, kWhiteNits);
+      Bt2020(needsPQ ? RefHost::kTransferPQ : RefHost::kTransferLinear, kSourceNits);
+  toneMap.destinationColorSpace = Bt709(RefHost::kTransferLinear, kWhiteNits);
   toneMap.controls.peak = needsPQ ? 0.7518F : static_cast<float>(kSourceNits) / kWhiteNits;
   toneMap.algorithmType = algorithm.toneMap;
   settings.GamutCompressionSettings::algorithmType = algorithm.gamut;
@@ -76,7 +76,7 @@ void ReadAndWriteInParallel(std::span<float> floats) {
 void MapInPlace(benchmark::State& state, const Algorithm& algorithm, std::size_t threadCount) {
   const tbb::global_control threads(tbb::global_control::max_allowed_parallelism, threadCount);
   const GamutMappingSettings settings = SettingsOf(algorithm);
-  const ColorSpace linear = Bt709(H273::kTransferLinear, kWhiteNits);
+  const ColorSpace linear = Bt709(RefHost::kTransferLinear, kWhiteNits);
   const std::vector<float> picture = MakePicture(Picture::Hdr);
   const PX::VideoFrameRef frame = Make4kFrame(orvmediatypes::kLinearFloatBGRA, linear);
   const std::span<float> floats = FloatsOf(frame);

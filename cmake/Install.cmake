@@ -25,13 +25,11 @@ if(NOT QUILLON_HOST_DIR)
   # What a program needs to be a host: make frames, find devices, name colour spaces, hear
   # the trace.
   foreach(header
-      chromant/ResultCodes.h
+      ResultCodes.h
       ironlane/Devices.h
       ironlane/GPUDevice.h
-      ironlane/ResultCodes.h
       ironlane/RowTransfer.h
       kestrel/PixelFormats.h
-      kestrel/ResultCodes.h
       kestrel/SystemFrame.h
       orvcore/NullPtrException.h
       orvcore/RecycledMemory.h

@@ -9,8 +9,8 @@
 // work only where AnyOf or AllOf say that no lane needs it, so that every lane sees the same
 // operations, each rounded as IEEE 754 says, whatever stands beside it. Where the work is about as
 // short as a branch that was guessed wrong, IsWorthSkipping stands for AllOf, and may be false. A
-// vector type needs AnyOf, AllOf, IsWorthSkipping, Uniform, Widen, Narrow and LookUp of its own where
-// curves call them, declared before the curves are included.
+// vector type needs AnyOf, AllOf, IsWorthSkipping, Uniform, Widen, Narrow and LookUp of its own
+// where curves call them, declared before the curves are included.
 //
 // Literals for the bits of a double end in U alone, which is as wide as the number needs in all
 // three languages; ULL is none of OpenCL C 1.2's.

@@ -7,7 +7,7 @@
 
 #include "base/KernelSignature.h"
 #include "base/SupportVector.h"
-#include "gpu/GPUFrameDescriptor.h"
+#include "host/ironlane/GPUFrameDescriptor.h"
 #include "host/orvmediatypes/PixelFormat.h"
 #include "host/orvmediatypes/ToneMapControls.h"
 

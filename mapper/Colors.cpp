@@ -106,7 +106,7 @@ std::string DescribeColorSpace(const ColorDescription& description) {
 bool TellsColors(const ColorDescription& description) {
   const orvmediatypes::color::ColorSpace colorSpace(description);
   return Tells(description.transfer) &&
-         (Tells(description.primaries) || H273::ChromaticitiesOf(colorSpace).has_value());
+         (Tells(description.primaries) || RefHost::ChromaticitiesOf(colorSpace).has_value());
 }
 
 }  // namespace Quillon::Mapper

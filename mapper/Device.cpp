@@ -6,19 +6,19 @@
 namespace Quillon::Mapper {
 
 bool IsDeviceName(std::string_view text) {
-  return text == "cpu" || text == "gpu" || IL::ParseDeviceName(text).has_value();
+  return text == "cpu" || text == "gpu" || RefHost::ParseDeviceName(text).has_value();
 }
 
 Result<std::shared_ptr<Device>> OpenDevice(std::string_view name) {
   if (name == "cpu") return std::shared_ptr<Device>();
-  const auto parsed = IL::ParseDeviceName(name);
+  const auto parsed = RefHost::ParseDeviceName(name);
   if (name != "gpu" && !parsed) {
     return Error{
         Code::InvalidArgument, "'" + std::string(name) + "' is none of " + kDeviceSyntax, {}};
   }
   const EngineMessages messages;
-  auto device =
-      parsed ? IL::OpenDevice(parsed->platformKind, parsed->ordinal) : IL::OpenFirstDevice();
+  auto device = parsed ? RefHost::OpenDevice(parsed->platformKind, parsed->ordinal)
+                       : RefHost::OpenFirstDevice();
   if (device != nullptr) return device;
   const std::string wrong =
       parsed ? "there is no such device" : "there is no GPU that can run the kernels";
@@ -27,7 +27,7 @@ Result<std::shared_ptr<Device>> OpenDevice(std::string_view name) {
 
 std::string DeviceName(const Device* device) {
   if (device == nullptr) return "cpu";
-  return IL::DeviceName(device->Info().platformKind, device->Info().ordinal);
+  return RefHost::DeviceName(device->Info().platformKind, device->Info().ordinal);
 }
 
 }  // namespace Quillon::Mapper

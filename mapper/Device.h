@@ -6,7 +6,7 @@
 
 #include "mapper/Result.h"
 
-namespace IL {
+namespace RefHost {
 class GPUDevice;
 }
 
@@ -14,7 +14,7 @@ namespace Quillon {
 namespace [[gnu::visibility("default")]] Mapper {
 
 /// A GPU that plans map on. Shared by all plans that name it; it is let go with the last of them.
-using Device = IL::GPUDevice;
+using Device = RefHost::GPUDevice;
 
 /// What `IsDeviceName` takes.
 inline constexpr const char* kDeviceSyntax = "cpu|gpu|opencl:N|cuda:N";

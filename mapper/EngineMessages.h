@@ -27,7 +27,7 @@ class EngineMessages {
   EngineMessages* const outer_;
   mutable std::mutex mutex_;
   std::string text_;
-  orvcore::debug::TraceListener listener_;  // the last: it may call at once
+  RefHost::TraceListener listener_;  // the last: it may call at once
 };
 
 }  // namespace Mapper

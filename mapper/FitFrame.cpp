@@ -15,7 +15,7 @@ constexpr int kBandRows = 16;
 /// A table in the memory of a device, which kernels take as a frame of one row.
 class TableOnDevice {
  public:
-  TableOnDevice(std::shared_ptr<IL::GPUDevice> device, const std::vector<float>& table)
+  TableOnDevice(std::shared_ptr<RefHost::GPUDevice> device, const std::vector<float>& table)
       : bytes_(table.size() * sizeof(float)) {
     std::uint64_t pointer = 0;
     if (device->Allocate(bytes_, pointer) < 0) return;
@@ -34,11 +34,11 @@ class TableOnDevice {
   }
 
   bool IsThere() const { return isThere_; }
-  const KS::GPUFrameView& View() const { return view_; }
+  const RefHost::GPUFrameView& View() const { return view_; }
 
  private:
   std::size_t bytes_;
-  KS::GPUFrameView view_;
+  RefHost::GPUFrameView view_;
   bool isThere_ = false;
 };
 
@@ -49,7 +49,7 @@ void FitFrame(const GamutFit& fit, const PX::VideoFrameRef& frame) {
   const orvcore::geom::Bounds bounds = frame->GetBounds();
   auto* const pixels = static_cast<std::byte*>(memory->GetData());
   const std::ptrdiff_t rowBytes = memory->GetRowBytes();
-  orvcore::threads::RunInBands(bounds.height, kBandRows, [&](int first, int last) {
+  RefHost::RunInBands(bounds.height, kBandRows, [&](int first, int last) {
     for (std::ptrdiff_t row = first; row < last; ++row) {
       FitPixels(BestInstructionSet(), fit, reinterpret_cast<float*>(pixels + row * rowBytes),
                 static_cast<std::size_t>(bounds.width));
@@ -59,12 +59,12 @@ void FitFrame(const GamutFit& fit, const PX::VideoFrameRef& frame) {
 
 Failure FitOnDevice(const GamutFit& fit, const PX::VideoFrameRef& frame) {
   const EngineMessages messages;
-  KS::GPUFrameView pixels;
-  if (KS::ViewGPUFrame(frame, pixels) >= 0) {
+  RefHost::GPUFrameView pixels;
+  if (RefHost::ViewGPUFrame(frame, pixels) >= 0) {
     const TableOnDevice table(pixels.device, fit.table);
-    const KS::KernelValue params = {&fit.params, sizeof(fit.params), alignof(GamutFitParams)};
+    const RefHost::KernelValue params = {&fit.params, sizeof(fit.params), alignof(GamutFitParams)};
     if (table.IsThere() &&
-        KS::RunPixelKernel("GamutFit", "FitPixels", {pixels, table.View()}, {params}) >= 0) {
+        RefHost::RunPixelKernel("GamutFit", "FitPixels", {pixels, table.View()}, {params}) >= 0) {
       return std::nullopt;
     }
   }

@@ -61,16 +61,17 @@ Result<PX::VideoFrameRef> ConvertToFloat(const PX::VideoFrameRef& frame,
 }
 
 PX::VideoFrameRef ShowRows(const PX::VideoFrameRef& frame, int first, int last) {
-  const auto access = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(frame);
-  const auto info = KS::DescribeFormat(frame->GetPixelFormat()).value_or(KS::FormatInfo{});
+  const auto access = orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(frame);
+  const auto info =
+      RefHost::DescribeFormat(frame->GetPixelFormat()).value_or(RefHost::FormatInfo{});
   const orvcore::geom::Bounds bounds = frame->GetBounds();
-  KS::SystemFrameLayout layout{.format = frame->GetPixelFormat(),
-                               .width = bounds.width,
-                               .height = last - first,
-                               .colorSpace = frame->GetColorSpace()};
-  KS::BorrowedMemory memory;
+  RefHost::SystemFrameLayout layout{.format = frame->GetPixelFormat(),
+                                    .width = bounds.width,
+                                    .height = last - first,
+                                    .colorSpace = frame->GetColorSpace()};
+  RefHost::BorrowedMemory memory;
   for (int i = 0; i < access->GetPlaneCount(); ++i) {
-    const KS::Plane plane = access->GetPlane(i);
+    const RefHost::Plane plane = access->GetPlane(i);
     const std::ptrdiff_t row = i == 0 ? first : first >> info.ChromaShiftY();
     const auto index = static_cast<std::size_t>(i);
     memory.planes[index] = static_cast<std::byte*>(plane.data) + row * plane.rowBytes;
@@ -78,7 +79,7 @@ PX::VideoFrameRef ShowRows(const PX::VideoFrameRef& frame, int first, int last) 
   }
   layout.borrowed = std::move(memory);
   PX::VideoFrameRef rows;
-  if (KS::CreateSystemFrame(rows, layout) < 0) throw std::bad_alloc();
+  if (RefHost::CreateSystemFrame(rows, layout) < 0) throw std::bad_alloc();
   return rows;
 }
 

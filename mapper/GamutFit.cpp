@@ -35,8 +35,8 @@ struct Itp {
 };
 
 /// Rows and columns of red, green and blue, as blue, green and red.
-CHR::Matrix3 Mirrored(const CHR::Matrix3& m, bool rows, bool columns) {
-  CHR::Matrix3 mirrored{};
+RefHost::Matrix3 Mirrored(const RefHost::Matrix3& m, bool rows, bool columns) {
+  RefHost::Matrix3 mirrored{};
   for (std::size_t y = 0; y < 3; ++y) {
     for (std::size_t x = 0; x < 3; ++x) {
       mirrored[y * 3 + x] = m[(rows ? 2 - y : y) * 3 + (columns ? 2 - x : x)];
@@ -45,8 +45,8 @@ CHR::Matrix3 Mirrored(const CHR::Matrix3& m, bool rows, bool columns) {
   return mirrored;
 }
 
-CHR::Matrix3 Product(const CHR::Matrix3& a, const CHR::Matrix3& b) {
-  CHR::Matrix3 product{};
+RefHost::Matrix3 Product(const RefHost::Matrix3& a, const RefHost::Matrix3& b) {
+  RefHost::Matrix3 product{};
   for (std::size_t y = 0; y < 3; ++y) {
     for (std::size_t x = 0; x < 3; ++x) {
       for (std::size_t k = 0; k < 3; ++k) product[y * 3 + x] += a[y * 3 + k] * b[k * 3 + x];
@@ -55,38 +55,38 @@ CHR::Matrix3 Product(const CHR::Matrix3& a, const CHR::Matrix3& b) {
   return product;
 }
 
-CHR::Matrix3 Inverse(const CHR::Matrix3& m) {
+RefHost::Matrix3 Inverse(const RefHost::Matrix3& m) {
   const auto minor = [&m](std::size_t a, std::size_t b, std::size_t c, std::size_t d) {
     return m[a] * m[d] - m[b] * m[c];
   };
-  const CHR::Matrix3 adjugate = {minor(4, 5, 7, 8), minor(2, 1, 8, 7), minor(1, 2, 4, 5),
-                                 minor(5, 3, 8, 6), minor(0, 2, 6, 8), minor(2, 0, 5, 3),
-                                 minor(3, 4, 6, 7), minor(1, 0, 7, 6), minor(0, 1, 3, 4)};
+  const RefHost::Matrix3 adjugate = {minor(4, 5, 7, 8), minor(2, 1, 8, 7), minor(1, 2, 4, 5),
+                                     minor(5, 3, 8, 6), minor(0, 2, 6, 8), minor(2, 0, 5, 3),
+                                     minor(3, 4, 6, 7), minor(1, 0, 7, 6), minor(0, 1, 3, 4)};
   const double determinant = m[0] * adjugate[0] + m[1] * adjugate[3] + m[2] * adjugate[6];
-  CHR::Matrix3 inverse{};
+  RefHost::Matrix3 inverse{};
   for (std::size_t k = 0; k < 9; ++k) inverse[k] = adjugate[k] / determinant;
   return inverse;
 }
 
 // ITU-R BT.2100-2, table 7, from light of BT.2020.
-constexpr CHR::Matrix3 kLmsOfBt2020 = {1688 / 4096.0, 2146 / 4096.0, 262 / 4096.0,
-                                       683 / 4096.0,  2951 / 4096.0, 462 / 4096.0,
-                                       99 / 4096.0,   309 / 4096.0,  3688 / 4096.0};
+constexpr RefHost::Matrix3 kLmsOfBt2020 = {1688 / 4096.0, 2146 / 4096.0, 262 / 4096.0,
+                                           683 / 4096.0,  2951 / 4096.0, 462 / 4096.0,
+                                           99 / 4096.0,   309 / 4096.0,  3688 / 4096.0};
 
 Chromaticities Bt2020() {
   orvmediatypes::color::ColorDescription description;
-  description.primaries = H273::kPrimariesBT2020;
-  return *H273::ChromaticitiesOf(ColorSpace(description));
+  description.primaries = RefHost::kPrimariesBT2020;
+  return *RefHost::ChromaticitiesOf(ColorSpace(description));
 }
 
 /// A gamut as the pixel's arithmetic sees it.
 class Gamut {
  public:
   Gamut(const Chromaticities& primaries, double peakNits, int white) {
-    CHR::Matrix3 toLms =
-        Mirrored(Product(kLmsOfBt2020, CHR::RgbToRgb(primaries, Bt2020())), false, true);
+    RefHost::Matrix3 toLms =
+        Mirrored(Product(kLmsOfBt2020, RefHost::RgbToRgb(primaries, Bt2020())), false, true);
     for (double& entry : toLms) entry *= white / kMostNits;
-    const CHR::Matrix3 fromLms = Inverse(toLms);
+    const RefHost::Matrix3 fromLms = Inverse(toLms);
     std::copy(toLms.begin(), toLms.end(), params_.toLms);
     std::copy(fromLms.begin(), fromLms.end(), params_.fromLms);
     params_.top = static_cast<float>(peakNits / white);
@@ -265,7 +265,7 @@ float SafeRatio(const Gamut& gamut, const GamutFit& fit) {
 }
 
 bool ReachesBeyond(const Chromaticities& source, const Chromaticities& destination) {
-  const CHR::Matrix3 matrix = CHR::RgbToRgb(source, destination);
+  const RefHost::Matrix3 matrix = RefHost::RgbToRgb(source, destination);
   constexpr double kRounding = 1e-4;  // of coordinates in files
   return *std::min_element(matrix.begin(), matrix.end()) < -kRounding;
 }
@@ -273,21 +273,22 @@ bool ReachesBeyond(const Chromaticities& source, const Chromaticities& destinati
 }  // namespace
 
 bool ReachesBeyond(const ColorSpace& source, const ColorSpace& destination) {
-  const auto from = H273::ChromaticitiesOf(source);
-  const auto to = H273::ChromaticitiesOf(destination);
+  const auto from = RefHost::ChromaticitiesOf(source);
+  const auto to = RefHost::ChromaticitiesOf(destination);
   return from && to && ReachesBeyond(*from, *to);
 }
 
 std::shared_ptr<const GamutFit> MakeGamutFit(const ColorSpace& destination, double peakNits,
                                              int white) {
-  const auto to = H273::ChromaticitiesOf(destination);
+  const auto to = RefHost::ChromaticitiesOf(destination);
   if (!to) return nullptr;
   Gamut gamut(*to, peakNits, white);
   auto fit = std::make_shared<GamutFit>();
   fit->table = MakeTable(gamut);
   fit->params = gamut.Params();
   fit->params.share = kShare;
-  const float farthest = (ReachOf(Gamut(Bt2020(), peakNits, white), *fit) - kShare) / (1.0F - kShare);
+  const float farthest =
+      (ReachOf(Gamut(Bt2020(), peakNits, white), *fit) - kShare) / (1.0F - kShare);
   fit->params.bend = farthest > 1.0F ? 1.0F - 1.0F / farthest : 0.0F;
   fit->params.safeRatio = SafeRatio(gamut, *fit);
   fit->params.safeLight = kSafeShareOfTop * gamut.Top();

@@ -137,8 +137,8 @@ Failure Deliver(const Plan::Content& plan, const PX::VideoFrameRef& mapped,
 
 bool Fits(const Plan::Content& plan, const PX::VideoFrameRef& destination) {
   if (plan.fit == nullptr) return false;
-  const auto format = KS::DescribeFormat(destination->GetPixelFormat());
-  const bool isInteger = format && format->sampleType == KS::SampleType::UnsignedInteger;
+  const auto format = RefHost::DescribeFormat(destination->GetPixelFormat());
+  const bool isInteger = format && format->sampleType == RefHost::SampleType::UnsignedInteger;
   return isInteger || plan.asked.fit == GamutFitting::Hue;
 }
 

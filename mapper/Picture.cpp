@@ -11,37 +11,37 @@ namespace Quillon::Mapper {
 
 namespace {
 
-KS::ChromaFormat HostChroma(PixelFormat::Chroma chroma) {
+RefHost::ChromaFormat HostChroma(PixelFormat::Chroma chroma) {
   switch (chroma) {
     case PixelFormat::Chroma::C420:
-      return KS::ChromaFormat::C420;
+      return RefHost::ChromaFormat::C420;
     case PixelFormat::Chroma::C422:
-      return KS::ChromaFormat::C422;
+      return RefHost::ChromaFormat::C422;
     default:
-      return KS::ChromaFormat::C444;
+      return RefHost::ChromaFormat::C444;
   }
 }
 
 std::optional<orvmediatypes::PixelFormat> InterleavedFormat(const PixelFormat& format) {
   switch (format.samples) {
     case PixelFormat::Samples::Half:
-      return format.bits == 16 ? std::optional(KS::kBgraHalf) : std::nullopt;
+      return format.bits == 16 ? std::optional(RefHost::kBgraHalf) : std::nullopt;
     case PixelFormat::Samples::Float:
-      return format.bits == 32 ? std::optional(KS::kBgraFloat) : std::nullopt;
+      return format.bits == 32 ? std::optional(RefHost::kBgraFloat) : std::nullopt;
     default:
-      if (format.bits == 16) return KS::kBgra16;
-      return format.bits == 8 ? std::optional(KS::kBgra8) : std::nullopt;
+      if (format.bits == 16) return RefHost::kBgra16;
+      return format.bits == 8 ? std::optional(RefHost::kBgra8) : std::nullopt;
   }
 }
 
 std::optional<orvmediatypes::PixelFormat> HostFormat(const PixelFormat& format) {
   if (format.layout == PixelFormat::Layout::BGRA) return InterleavedFormat(format);
   if (format.samples != PixelFormat::Samples::Integer) return std::nullopt;
-  const KS::ChromaFormat chroma = HostChroma(format.chroma);
+  const RefHost::ChromaFormat chroma = HostChroma(format.chroma);
   const auto known = format.layout == PixelFormat::Layout::Planar
-                         ? KS::PlanarYCbCr(chroma, format.bits)
-                         : KS::SemiPlanarYCbCr(chroma, format.bits);
-  return KS::DescribeFormat(known) ? std::optional(known) : std::nullopt;
+                         ? RefHost::PlanarYCbCr(chroma, format.bits)
+                         : RefHost::SemiPlanarYCbCr(chroma, format.bits);
+  return RefHost::DescribeFormat(known) ? std::optional(known) : std::nullopt;
 }
 
 std::string SizeText(int width, int height) {
@@ -69,20 +69,21 @@ Result<PX::VideoFrameRef> WrapPicture(const Picture& picture, const ColorDescrip
                  {}};
   }
   // 0 bytes a row would let the frame choose.
-  const int planes = KS::DescribeFormat(*format).value_or(KS::FormatInfo{}).planeCount;
+  const int planes = RefHost::DescribeFormat(*format).value_or(RefHost::FormatInfo{}).planeCount;
   bool whole = true;
   for (int i = 0; i < planes; ++i) {
     whole = whole && picture.rowBytes[static_cast<std::size_t>(i)] > 0;
   }
   PX::VideoFrameRef frame;
-  const int made = !whole ? -1
-                          : KS::CreateSystemFrame(
-                                frame, {.format = *format,
-                                        .width = picture.width,
-                                        .height = picture.height,
-                                        .colorSpace = ColorSpace(colors),
-                                        .rowBytes = picture.rowBytes,
-                                        .borrowed = KS::BorrowedMemory{.planes = picture.planes}});
+  const int made =
+      !whole ? -1
+             : RefHost::CreateSystemFrame(
+                   frame, {.format = *format,
+                           .width = picture.width,
+                           .height = picture.height,
+                           .colorSpace = ColorSpace(colors),
+                           .rowBytes = picture.rowBytes,
+                           .borrowed = RefHost::BorrowedMemory{.planes = picture.planes}});
   if (made >= 0) return frame;
   return Error{Code::InvalidArgument,
                "a picture of " + SizeText(picture.width, picture.height) +
@@ -98,10 +99,10 @@ Error NoFrame(int width, int height) {
 Result<PX::VideoFrameRef> MakeFrameLike(const PX::VideoFrameRef& frame, int height) {
   const int width = frame->GetBounds().width;
   PX::VideoFrameRef made;
-  if (KS::CreateSystemFrame(made, {.format = frame->GetPixelFormat(),
-                                   .width = width,
-                                   .height = height,
-                                   .colorSpace = frame->GetColorSpace()}) >= 0) {
+  if (RefHost::CreateSystemFrame(made, {.format = frame->GetPixelFormat(),
+                                        .width = width,
+                                        .height = height,
+                                        .colorSpace = frame->GetColorSpace()}) >= 0) {
     return made;
   }
   return NoFrame(width, height);

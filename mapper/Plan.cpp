@@ -44,7 +44,7 @@ bool WorksInTarget(const ColorDescription& source, const Target& target, const S
 bool MayLackColors(const ColorDescription& source, const ColorSpace& destination) {
   ColorDescription widest = source;
   if (PX::ColorSpaceUtils::IsHDRColorSpace(ColorSpace(source))) {
-    widest.primaries = H273::kPrimariesBT2020;
+    widest.primaries = RefHost::kPrimariesBT2020;
     widest.chromaticities = {};
   }
   return ReachesBeyond(ColorSpace(widest), destination) ||
@@ -54,7 +54,7 @@ bool MayLackColors(const ColorDescription& source, const ColorSpace& destination
 /// Linear light in the same primaries.
 ColorSpace LinearLight(const ColorDescription& colors) {
   ColorDescription linear;
-  linear.transfer = H273::kTransferLinear;
+  linear.transfer = RefHost::kTransferLinear;
   linear.primaries = colors.primaries;
   linear.chromaticities = colors.chromaticities;
   return ColorSpace(linear);
@@ -131,22 +131,22 @@ ColorSpace MappingColorSpace(const ColorDescription& tagged, const Target& targe
   source.transfer = tagged.transfer;
   source.primaries = tagged.primaries;
   source.chromaticities = tagged.chromaticities;
-  const bool linear = tagged.transfer == H273::kTransferLinear;
+  const bool linear = tagged.transfer == RefHost::kTransferLinear;
   // Scene-linear and PQ pictures are mapped in BT.2020 primaries whatever their container, so that
   // one colour maps alike from every file.
-  if (linear || tagged.transfer == H273::kTransferPQ) {
-    source.primaries = H273::kPrimariesBT2020;
+  if (linear || tagged.transfer == RefHost::kTransferPQ) {
+    source.primaries = RefHost::kPrimariesBT2020;
     source.chromaticities = {};
   }
   // BT.2390 takes full scale for the source's peak, which linear light has not.
-  if (linear && IsBt2390(settings.algorithm)) source.transfer = H273::kTransferPQ;
+  if (linear && IsBt2390(settings.algorithm)) source.transfer = RefHost::kTransferPQ;
   return ColorSpace(source);
 }
 
 bool IsConvertible(const ColorDescription& description) {
   ColorDescription light;
-  light.primaries = H273::kPrimariesBT709;
-  light.transfer = H273::kTransferLinear;
+  light.primaries = RefHost::kPrimariesBT709;
+  light.transfer = RefHost::kTransferLinear;
   constexpr int kAnyWhite = 203;
   return ConvertGrey(0.0F, ColorSpace(description), ColorSpace(light), kAnyWhite).has_value();
 }

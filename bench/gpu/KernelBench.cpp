@@ -29,7 +29,7 @@ Quillon::SupportVector ParamsFor(const Quillon::KernelSignature& kernel) {
 }
 
 /// As many frames as there is room for, up to 16; on a processor, where one takes long enough, one.
-std::size_t CountOfFrames(const IL::DeviceInfo& info, std::size_t frameBytes) {
+std::size_t CountOfFrames(const RefHost::DeviceInfo& info, std::size_t frameBytes) {
   if (info.isProcessor) return 1;
   return std::clamp<std::size_t>(info.memoryBytes / 4 / frameBytes, 1, 16);
 }
@@ -39,7 +39,7 @@ class Frames {
  public:
   Frames(const DeviceRef& device, const Shape& shape)
       : device_(device), picture_(MakePicture(device, shape, Bt2020(8, 0))) {
-    Check(KS::ViewGPUFrame(picture_, view_), "viewing a frame");
+    Check(RefHost::ViewGPUFrame(picture_, view_), "viewing a frame");
     for (std::size_t i = CountOfFrames(device->Info(), view_.Bytes()); i > 0; --i) {
       frames_.push_back(MakeOnDevice(device, shape, picture_->GetColorSpace()));
     }
@@ -48,8 +48,8 @@ class Frames {
   /// Seconds of a copy of the picture into a frame, done for all.
   double CopyPicture() {
     return SecondsEach([&](const PX::VideoFrameRef& frame) {
-      KS::GPUFrameView to;
-      Check(KS::ViewGPUFrame(frame, to), "viewing a frame");
+      RefHost::GPUFrameView to;
+      Check(RefHost::ViewGPUFrame(frame, to), "viewing a frame");
       Check(device_->Copy(view_.pixels, to.pixels, view_.Bytes()), "a copy");
     });
   }
@@ -82,7 +82,7 @@ class Frames {
 
   DeviceRef device_;
   PX::VideoFrameRef picture_;
-  KS::GPUFrameView view_;
+  RefHost::GPUFrameView view_;
   std::vector<PX::VideoFrameRef> frames_;
 };
 

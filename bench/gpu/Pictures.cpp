@@ -9,7 +9,7 @@
 
 std::string Shape::Name() const {
   return std::to_string(width) + "x" + std::to_string(height) +
-         (format == KS::kBgraFloat ? " float" : " half");
+         (format == RefHost::kBgraFloat ? " float" : " half");
 }
 
 PX::VideoFrameRef MakeOnDevice(const DeviceRef& device, const Shape& shape,
@@ -24,11 +24,11 @@ PX::VideoFrameRef MakeOnDevice(const DeviceRef& device, const Shape& shape,
 PX::VideoFrameRef MakePicture(const DeviceRef& device, const Shape& shape,
                               const orvmediatypes::color::ColorSpace& colorSpace) {
   PX::VideoFrameRef picture;
-  Check(KS::CreateVideoFrame(picture, KS::kBgraFloat, shape.width, shape.height, {}, colorSpace,
-                             false, false),
+  Check(KS::CreateVideoFrame(picture, RefHost::kBgraFloat, shape.width, shape.height, {},
+                             colorSpace, false, false),
         "making a frame");
-  KS::FrameView view;
-  Check(KS::ViewFrame(picture, view), "viewing a frame");
+  RefHost::FrameView view;
+  Check(RefHost::ViewFrame(picture, view), "viewing a frame");
   for (int row = 0; row < view.height; ++row) {
     auto* pixel = reinterpret_cast<float*>(view.Row(0, row));
     for (int column = 0; column < view.width; ++column, pixel += 4) {
@@ -46,8 +46,8 @@ PX::VideoFrameRef MakePicture(const DeviceRef& device, const Shape& shape,
 }
 
 std::vector<char> BytesOf(const PX::VideoFrameRef& frame) {
-  KS::GPUFrameView view;
-  Check(KS::ViewGPUFrame(frame, view), "viewing a frame");
+  RefHost::GPUFrameView view;
+  Check(RefHost::ViewGPUFrame(frame, view), "viewing a frame");
   std::vector<char> bytes(view.Bytes());
   Check(view.device->Download(view.pixels, bytes.data(), bytes.size()), "a download");
   return bytes;

@@ -7,7 +7,7 @@
 #include "host/pavix/IVideoFrame.h"
 #include "refhost/ironlane/GPUDevice.h"
 
-using DeviceRef = std::shared_ptr<IL::GPUDevice>;
+using DeviceRef = std::shared_ptr<RefHost::GPUDevice>;
 
 /// A size and a format of frames.
 struct Shape {

@@ -20,7 +20,7 @@
 namespace {
 
 struct Measurements {
-  IL::DeviceInfo device;
+  RefHost::DeviceInfo device;
   std::vector<KernelTime> kernels;
   std::vector<CallTime> calls;
 };
@@ -38,16 +38,16 @@ void Print(const CallTime& time) {
 }
 
 std::vector<Shape> Shapes() {
-  return {{3840, 2160, KS::kBgraFloat},
-          {3840, 2160, KS::kBgraHalf},
-          {7680, 4320, KS::kBgraFloat},
-          {7680, 4320, KS::kBgraHalf}};
+  return {{3840, 2160, RefHost::kBgraFloat},
+          {3840, 2160, RefHost::kBgraHalf},
+          {7680, 4320, RefHost::kBgraFloat},
+          {7680, 4320, RefHost::kBgraHalf}};
 }
 
 Measurements MeasureAll(const DeviceRef& device) {
   Measurements all{device->Info(), {}, {}};
   std::printf("%s: %s, %s, driver %s\n",
-              IL::DeviceName(all.device.platformKind, all.device.ordinal).c_str(),
+              RefHost::DeviceName(all.device.platformKind, all.device.ordinal).c_str(),
               all.device.name.c_str(), all.device.platform.c_str(), all.device.driver.c_str());
   std::printf("%-46s %-16s %9s %9s %8s\n", "kernel", "frame", "ms", "copy ms", "of copy");
   for (const Shape& shape : Shapes()) {
@@ -99,11 +99,11 @@ void WriteJson(std::ostream& out, const std::vector<Measurements>& devices) {
 /// Those of this name; without one, what programs choose.
 std::vector<DeviceRef> Choose(const std::string& name) {
   std::vector<DeviceRef> devices;
-  if (name.empty()) devices.push_back(IL::OpenFirstDevice());
-  for (const IL::DeviceInfo& info : IL::ListDevices()) {
+  if (name.empty()) devices.push_back(RefHost::OpenFirstDevice());
+  for (const RefHost::DeviceInfo& info : RefHost::ListDevices()) {
     const bool isOfAll = name == "gpus" && !info.isProcessor && info.obstacle.empty();
-    if (!isOfAll && name != IL::DeviceName(info.platformKind, info.ordinal)) continue;
-    devices.push_back(IL::OpenDevice(info.platformKind, info.ordinal));
+    if (!isOfAll && name != RefHost::DeviceName(info.platformKind, info.ordinal)) continue;
+    devices.push_back(RefHost::OpenDevice(info.platformKind, info.ordinal));
   }
   std::erase(devices, nullptr);
   if (!devices.empty()) return devices;

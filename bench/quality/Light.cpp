@@ -15,8 +15,8 @@ namespace Quality {
 
 namespace {
 
-using CHR::Matrix3;
 using orvmediatypes::color::Chromaticities;
+using RefHost::Matrix3;
 
 constexpr double kDegrees = 180.0 / std::numbers::pi;
 /// Share of a colour's largest component that counts as 0.
@@ -24,11 +24,11 @@ constexpr double kRounding = 1e-9;
 
 Chromaticities ChromaticitiesOf(Gamut gamut) {
   orvmediatypes::color::ColorDescription description;
-  description.primaries = gamut == Gamut::BT709 ? H273::kPrimariesBT709
-                          : gamut == Gamut::P3  ? H273::kPrimariesP3D65
-                                                : H273::kPrimariesBT2020;
+  description.primaries = gamut == Gamut::BT709 ? RefHost::kPrimariesBT709
+                          : gamut == Gamut::P3  ? RefHost::kPrimariesP3D65
+                                                : RefHost::kPrimariesBT2020;
   // NOLINTNEXTLINE(bugprone-unchecked-optional-access): it knows these three
-  return *H273::ChromaticitiesOf(orvmediatypes::color::ColorSpace(description));
+  return *RefHost::ChromaticitiesOf(orvmediatypes::color::ColorSpace(description));
 }
 
 Components Multiply(const Matrix3& m, const Components& v) {
@@ -61,8 +61,8 @@ const Conversion& ConversionOf(Gamut gamut) {
     const Chromaticities bt2020 = ChromaticitiesOf(Gamut::BT2020);
     for (const Gamut each : {Gamut::BT709, Gamut::P3, Gamut::BT2020}) {
       const Chromaticities own = ChromaticitiesOf(each);
-      conversions[static_cast<std::size_t>(each)] = {CHR::RgbToRgb(own, bt2020),
-                                                     CHR::RgbToRgb(bt2020, own)};
+      conversions[static_cast<std::size_t>(each)] = {RefHost::RgbToRgb(own, bt2020),
+                                                     RefHost::RgbToRgb(bt2020, own)};
     }
     return conversions;
   }();
@@ -87,7 +87,7 @@ bool IsInside(Gamut gamut, const Light& light) {
 }
 
 Light LightOfxyY(double x, double y, double nits) {
-  static const Matrix3 kFromXyz = Inverse(CHR::RgbToXyz(ChromaticitiesOf(Gamut::BT2020)));
+  static const Matrix3 kFromXyz = Inverse(RefHost::RgbToXyz(ChromaticitiesOf(Gamut::BT2020)));
   const Components light = Multiply(kFromXyz, {x / y * nits, nits, (1.0 - x - y) / y * nits});
   return {light[0], light[1], light[2]};
 }

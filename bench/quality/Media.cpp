@@ -42,7 +42,7 @@ Value Need(Quillon::Mapper::Result<Value> result) {
 template <class Pixel, class Use>
 std::vector<Pixel> ConvertedPixels(const PX::VideoFrameRef& frame, std::uint8_t transfer, Use use) {
   orvmediatypes::color::ColorDescription bt2020;
-  bt2020.primaries = H273::kPrimariesBT2020;
+  bt2020.primaries = RefHost::kPrimariesBT2020;
   bt2020.transfer = transfer;
   const auto converted = Need(
       Quillon::Mapper::ConvertToFloat(frame, orvmediatypes::color::ColorSpace(bt2020), kWhite));
@@ -66,12 +66,12 @@ std::vector<MediaPair> ReadMediaPairs(const std::filesystem::path& folder) {
     MediaPair pair;
     pair.name = files.name;
     pair.peakNits = std::ceil(Need(Quillon::Mapper::MeasureLight(picture, kWhite)).peakNits);
-    pair.pixels = ConvertedPixels<Signal>(picture, H273::kTransferPQ,
+    pair.pixels = ConvertedPixels<Signal>(picture, RefHost::kTransferPQ,
                                           [](double red, double green, double blue) {
                                             return Signal{red, green, blue};
                                           });
     pair.reference = ConvertedPixels<Light>(
-        Read(folder / files.reference), H273::kTransferLinear,
+        Read(folder / files.reference), RefHost::kTransferLinear,
         [](double red, double green, double blue) {
           return Light{kWhiteNits * red, kWhiteNits * green, kWhiteNits * blue};
         });

@@ -9,9 +9,9 @@
 namespace {
 
 void CopyPlanes(const PX::VideoFrameRef& from, AVFrame* to) {
-  const auto planes = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(from);
+  const auto planes = orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(from);
   for (int index = 0; index < planes->GetPlaneCount(); ++index) {
-    const KS::Plane plane = planes->GetPlane(index);
+    const RefHost::Plane plane = planes->GetPlane(index);
     for (int y = 0; y < plane.height; ++y) {
       std::memcpy(to->data[index] + std::ptrdiff_t{y} * to->linesize[index],
                   static_cast<const std::byte*>(plane.data) + std::ptrdiff_t{y} * plane.rowBytes,

@@ -15,8 +15,8 @@
 namespace {
 
 void AddGrain(const PX::VideoFrameRef& frame) {
-  const auto planes = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(frame);
-  const KS::Plane luma = planes->GetPlane(0);
+  const auto planes = orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(frame);
+  const RefHost::Plane luma = planes->GetPlane(0);
   std::minstd_rand random(5);
   for (int y = 0; y < luma.height; ++y) {
     auto* row = reinterpret_cast<std::uint16_t*>(static_cast<std::byte*>(luma.data) +
@@ -31,7 +31,7 @@ void AddGrain(const PX::VideoFrameRef& frame) {
 }  // namespace
 
 orvmediatypes::color::ColorSpace WorkingColorSpace() {
-  return Bt2020(H273::kTransferLinear, kSourceNits);
+  return Bt2020(RefHost::kTransferLinear, kSourceNits);
 }
 
 PX::VideoFrameRef MakeHdr10Frame() {
@@ -41,8 +41,8 @@ PX::VideoFrameRef MakeHdr10Frame() {
   std::transform(picture.begin(), picture.end(), FloatsOf(light).begin(),
                  [kPeak](float value) { return std::min(value, kPeak); });
 
-  PX::VideoFrameRef frame = Make4kFrame(KS::PlanarYCbCr(KS::ChromaFormat::C420, 10),
-                                        Bt2020(H273::kTransferPQ, kSourceNits));
+  PX::VideoFrameRef frame = Make4kFrame(RefHost::PlanarYCbCr(RefHost::ChromaFormat::C420, 10),
+                                        Bt2020(RefHost::kTransferPQ, kSourceNits));
   constexpr orvmediatypes::RenderQuality kQuality = 4;
   Check(KS::VideoFrameManipulators::CopyFrame(light, frame, kQuality, {}), "CopyFrame");
   AddGrain(frame);
@@ -50,5 +50,6 @@ PX::VideoFrameRef MakeHdr10Frame() {
 }
 
 PX::VideoFrameRef MakeSdrFrame() {
-  return Make4kFrame(KS::PlanarYCbCr(KS::ChromaFormat::C420, 8), Bt709(H273::kTransferBT709, 0));
+  return Make4kFrame(RefHost::PlanarYCbCr(RefHost::ChromaFormat::C420, 8),
+                     Bt709(RefHost::kTransferBT709, 0));
 }

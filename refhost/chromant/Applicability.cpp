@@ -36,7 +36,7 @@ bool IsSourcePeakAboveDestination(const ToneMapSettings& settings) {
   const float sourceNits =
       Nits(settings.sourceColorSpace, colorManagement, settings.controls.peak) *
       settings.controls.peakGain;
-  const auto metadataNits = orvmediatypes::color::MetadataPeakNits(settings.destinationColorSpace);
+  const auto metadataNits = RefHost::MetadataPeakNits(settings.destinationColorSpace);
   const float destinationNits = metadataNits.has_value()
                                     ? static_cast<float>(*metadataNits)
                                     : Nits(settings.destinationColorSpace, colorManagement, 1.0F);
@@ -46,11 +46,11 @@ bool IsSourcePeakAboveDestination(const ToneMapSettings& settings) {
 }
 
 bool IsSourceGamutOutsideDestination(const ToneMapSettings& settings) {
-  const auto source = H273::ChromaticitiesOf(settings.sourceColorSpace);
-  const auto destination = H273::ChromaticitiesOf(settings.destinationColorSpace);
+  const auto source = RefHost::ChromaticitiesOf(settings.sourceColorSpace);
+  const auto destination = RefHost::ChromaticitiesOf(settings.destinationColorSpace);
   if (!source.has_value() || !destination.has_value()) return false;
   // Each column is a source primary in the destination's light.
-  const Matrix3 matrix = RgbToRgb(*source, *destination);
+  const RefHost::Matrix3 matrix = RefHost::RgbToRgb(*source, *destination);
   constexpr double kRounding = 1e-4;  // of coordinates in files
   return *std::min_element(matrix.begin(), matrix.end()) < -kRounding;
 }

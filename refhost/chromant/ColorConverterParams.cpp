@@ -2,8 +2,8 @@
 
 #include "host/chromant/Conversion.h"
 #include "host/ironlane/ColorConvertParams.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/chromant/Primaries.h"
-#include "refhost/chromant/ResultCodes.h"
 #include "refhost/orvmediatypes/H273.h"
 
 using orvmediatypes::color::ColorManagementSettings;
@@ -29,9 +29,9 @@ int GetColorConverterParamsForColorSpace(const ColorSpace& colorSpace, bool line
                                          const ColorManagementSettings& /*settings*/,
                                          std::shared_ptr<IL::ColorConvertParams>& params,
                                          orvcore::utility::Guid& identity) {
-  const auto chromaticities = H273::ChromaticitiesOf(colorSpace);
-  if (!chromaticities.has_value()) return kNotSupported;
-  const Matrix3 toXyz = RgbToXyz(*chromaticities);
+  const auto chromaticities = RefHost::ChromaticitiesOf(colorSpace);
+  if (!chromaticities.has_value()) return RefHost::kNotSupported;
+  const RefHost::Matrix3 toXyz = RefHost::RgbToXyz(*chromaticities);
   params = std::make_shared<IL::ColorConvertParams>();
   params->luminanceCoefficients = {static_cast<float>(toXyz[3]), static_cast<float>(toXyz[4]),
                                    static_cast<float>(toXyz[5])};

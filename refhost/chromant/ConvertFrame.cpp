@@ -4,16 +4,16 @@
 #include <cstdint>
 
 #include "host/chromant/Conversion.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/chromant/PixelConverter.h"
 #include "refhost/chromant/PixelRows.h"
-#include "refhost/chromant/ResultCodes.h"
 #include "refhost/orvcore/Bands.h"
 
 using orvmediatypes::PixelFormat;
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ColorSpace;
 
-namespace CHR {
+namespace RefHost {
 
 namespace {
 
@@ -39,34 +39,39 @@ void ConvertRow(const PixelConverter& converter, const std::byte* source, Compon
 
 }  // namespace
 
+}  // namespace RefHost
+
+namespace CHR {
+
 int ConvertFrame(const void* sourcePixels, void* destinationPixels, int width, int height,
                  const ColorSpace& sourceColorSpace, PixelFormat sourceFormat, int sourceRowBytes,
                  const ColorSpace& destinationColorSpace, PixelFormat destinationFormat,
                  int destinationRowBytes, const ColorManagementSettings& settings) {
-  if (sourcePixels == nullptr || destinationPixels == nullptr) return kInvalidArgument;
-  if (width <= 0 || height <= 0) return kInvalidArgument;
+  if (sourcePixels == nullptr || destinationPixels == nullptr) return RefHost::kInvalidFrame;
+  if (width <= 0 || height <= 0) return RefHost::kInvalidFrame;
 
-  const auto sourceType = ComponentTypeOf(sourceFormat);
-  const auto destinationType = ComponentTypeOf(destinationFormat);
-  if (!sourceType.has_value() || !destinationType.has_value()) return kNotSupported;
-  if (height > 1 && !(HoldsRow(sourceRowBytes, width, *sourceType) &&
-                      HoldsRow(destinationRowBytes, width, *destinationType))) {
-    return kInvalidArgument;
+  const auto sourceType = RefHost::ComponentTypeOf(sourceFormat);
+  const auto destinationType = RefHost::ComponentTypeOf(destinationFormat);
+  if (!sourceType.has_value() || !destinationType.has_value()) return RefHost::kNotSupported;
+  if (height > 1 && !(RefHost::HoldsRow(sourceRowBytes, width, *sourceType) &&
+                      RefHost::HoldsRow(destinationRowBytes, width, *destinationType))) {
+    return RefHost::kInvalidFrame;
   }
 
-  const auto converter = MakePixelConverter(sourceColorSpace, destinationColorSpace, settings);
-  if (converter == nullptr) return kNotSupported;
+  const auto converter =
+      RefHost::MakePixelConverter(sourceColorSpace, destinationColorSpace, settings);
+  if (converter == nullptr) return RefHost::kNotSupported;
 
   const bool inPlace = sourcePixels == destinationPixels && *sourceType == *destinationType;
   if (inPlace && converter->IsIdentity()) return 0;
 
   const auto* source = static_cast<const std::byte*>(sourcePixels);
   auto* destination = static_cast<std::byte*>(destinationPixels);
-  orvcore::threads::RunInBands(height, kBandRows, [&](int first, int last) {
+  RefHost::RunInBands(height, RefHost::kBandRows, [&](int first, int last) {
     for (std::ptrdiff_t row = first; row < last; ++row) {
-      ConvertRow(*converter, source + row * sourceRowBytes, *sourceType,
-                 destination + row * destinationRowBytes, *destinationType,
-                 static_cast<std::size_t>(width));
+      RefHost::ConvertRow(*converter, source + row * sourceRowBytes, *sourceType,
+                          destination + row * destinationRowBytes, *destinationType,
+                          static_cast<std::size_t>(width));
     }
   });
   return 0;

@@ -15,10 +15,10 @@ namespace {
 constexpr int kIgnoreLuminanceMetadata = 2;
 
 bool SamePrimaries(const ColorSpace& first, const ColorSpace& second) {
-  const auto firstPoints = H273::ChromaticitiesOf(first);
-  const auto secondPoints = H273::ChromaticitiesOf(second);
+  const auto firstPoints = RefHost::ChromaticitiesOf(first);
+  const auto secondPoints = RefHost::ChromaticitiesOf(second);
   if (firstPoints.has_value() && secondPoints.has_value()) {
-    return AreSameChromaticities(*firstPoints, *secondPoints);
+    return RefHost::AreSameChromaticities(*firstPoints, *secondPoints);
   }
   return firstPoints.has_value() == secondPoints.has_value() &&
          first.Description().primaries == second.Description().primaries;
@@ -26,8 +26,8 @@ bool SamePrimaries(const ColorSpace& first, const ColorSpace& second) {
 
 bool SameTransfer(const ColorDescription& first, const ColorDescription& second) {
   if (first.transfer == second.transfer) return true;
-  const auto canonical = CanonicalTransfer(first.transfer);
-  return canonical != 0 && canonical == CanonicalTransfer(second.transfer);
+  const auto canonical = RefHost::CanonicalTransfer(first.transfer);
+  return canonical != 0 && canonical == RefHost::CanonicalTransfer(second.transfer);
 }
 
 /// What only matters to pixels that are stored as luma and chroma.
@@ -49,8 +49,8 @@ bool AreColorSpacesEquivalent(const ColorSpace& first, PixelFormat firstFormat,
                               const ColorSpace& second, PixelFormat secondFormat, int matchFlag) {
   const ColorDescription& one = first.Description();
   const ColorDescription& other = second.Description();
-  const bool bothRgb =
-      IsInterleavedFourComponent(firstFormat) && IsInterleavedFourComponent(secondFormat);
+  const bool bothRgb = RefHost::IsInterleavedFourComponent(firstFormat) &&
+                       RefHost::IsInterleavedFourComponent(secondFormat);
   return SamePrimaries(first, second) && SameTransfer(one, other) &&
          (bothRgb || SameYCbCr(one, other)) &&
          (matchFlag == kIgnoreLuminanceMetadata || SameLuminance(one, other));

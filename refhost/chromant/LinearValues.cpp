@@ -13,13 +13,13 @@ ColorSpace ORVColorSpaceToEquivalentLinearColorSpace(const ColorSpace& colorSpac
   // A space that says nothing is not made to say that its unknown pixels are linear.
   if (colorSpace.empty()) return colorSpace;
   auto description = colorSpace.Description();
-  description.transfer = H273::kTransferLinear;
+  description.transfer = RefHost::kTransferLinear;
   return ColorSpace(description);
 }
 
 float ConvertSignalToLinearValue(const ColorSpace& colorSpace,
                                  const ColorManagementSettings& settings, float signal) {
-  const auto converter = MakePixelConverter(
+  const auto converter = RefHost::MakePixelConverter(
       colorSpace, ORVColorSpaceToEquivalentLinearColorSpace(colorSpace), settings);
   if (converter == nullptr) return signal;
   std::array<float, 4> pixel = {signal, signal, signal, 1.0F};

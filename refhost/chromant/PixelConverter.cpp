@@ -14,7 +14,7 @@
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ColorSpace;
 
-namespace CHR {
+namespace RefHost {
 
 namespace {
 
@@ -75,8 +75,8 @@ std::unique_ptr<PixelConverter> MakePixelConverter(const ColorSpace& source,
   const double white = static_cast<std::uint32_t>(settings.GetGraphicsWhiteLuminance());
   const auto sourceTransfer = TransferParamsOf(source, white);
   const auto destinationTransfer = TransferParamsOf(destination, white);
-  const auto sourcePrimaries = H273::ChromaticitiesOf(source);
-  const auto destinationPrimaries = H273::ChromaticitiesOf(destination);
+  const auto sourcePrimaries = ChromaticitiesOf(source);
+  const auto destinationPrimaries = ChromaticitiesOf(destination);
   if (!sourceTransfer.has_value() || !destinationTransfer.has_value() ||
       !sourcePrimaries.has_value() || !destinationPrimaries.has_value()) {
     return nullptr;
@@ -94,4 +94,4 @@ std::unique_ptr<PixelConverter> MakePixelConverter(const ColorSpace& source,
   return std::make_unique<PixelConverter>(params);
 }
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 #include "host/orvmediatypes/ColorSpace.h"
 #include "refhost/chromant/ConversionParams.h"
 
-namespace CHR {
+namespace RefHost {
 
 /// Conversion of four-float pixels (blue, green, red, alpha; signal values of their colour space)
 /// from one colour space into another: decode to linear light, 3x3 matrix between primaries,
@@ -40,4 +40,4 @@ std::unique_ptr<PixelConverter> MakePixelConverter(
     const orvmediatypes::color::ColorSpace& destination,
     const orvmediatypes::color::ColorManagementSettings& settings);
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 
 #include "curves/HalfFloat.h"
 
-namespace CHR {
+namespace RefHost {
 
 namespace {
 
@@ -116,4 +116,4 @@ void StorePixels(ComponentType type, const float* floats, std::size_t pixels, st
   }
 }
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -5,7 +5,7 @@
 
 #include "host/orvmediatypes/PixelFormat.h"
 
-namespace CHR {
+namespace RefHost {
 
 /// Whether the format has four interleaved components, as RGB pixels with alpha have here.
 bool IsInterleavedFourComponent(orvmediatypes::PixelFormat format);
@@ -25,4 +25,4 @@ void LoadPixels(ComponentType type, const std::byte* stored, std::size_t pixels,
 /// Floats to stored pixels. Integers are clamped and rounded to nearest, NaN becomes 0.
 void StorePixels(ComponentType type, const float* floats, std::size_t pixels, std::byte* stored);
 
-}  // namespace CHR
+}  // namespace RefHost

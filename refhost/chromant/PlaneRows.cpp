@@ -2,7 +2,7 @@
 
 #include "refhost/chromant/rows/ConvertRows.h"
 
-namespace CHR {
+namespace RefHost {
 
 void SplitPixels(const float* pixels, std::size_t count, float* red, float* green, float* blue) {
   RowFunctionsOf(BestInstructionSet()).split(pixels, count, red, green, blue);
@@ -17,4 +17,4 @@ void BoundSamples(float* samples, std::size_t count, float most) {
   RowFunctionsOf(BestInstructionSet()).bound(samples, count, most);
 }
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace CHR {
+namespace RefHost {
 
 /// Blue, green and red of interleaved float pixels as planes.
 void SplitPixels(const float* pixels, std::size_t count, float* red, float* green, float* blue);
@@ -14,4 +14,4 @@ void JoinPixels(const float* red, const float* green, const float* blue, std::si
 /// NaN becomes 0, and what is beyond `most` or its negative becomes that.
 void BoundSamples(float* samples, std::size_t count, float most);
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -8,7 +8,7 @@
 using orvmediatypes::color::Chromaticities;
 using orvmediatypes::color::Chromaticity;
 
-namespace CHR {
+namespace RefHost {
 
 namespace {
 
@@ -90,4 +90,4 @@ bool AreSameChromaticities(const Chromaticities& first, const Chromaticities& se
          IsSamePoint(first.blue, second.blue) && IsSamePoint(first.white, second.white);
 }
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -5,13 +5,13 @@
 
 #include "host/orvmediatypes/ColorSpace.h"
 
-namespace CHR {
+namespace RefHost {
 
 /// Row by row, acting on column vectors of red, green and blue (or X, Y and Z).
 using Matrix3 = std::array<double, 9>;
 
 /// Linear RGB to CIE XYZ, white at Y = 1. The second row holds the luminance of the primaries.
-/// The chromaticities must be such as `H273::ChromaticitiesOf` gives.
+/// The chromaticities must be such as `ChromaticitiesOf` gives.
 Matrix3 RgbToXyz(const orvmediatypes::color::Chromaticities& chromaticities);
 
 /// Linear RGB to linear RGB. White goes to white: where the white points differ, colours are
@@ -30,4 +30,4 @@ bool HaveCommonGrey(const orvmediatypes::color::Chromaticities& source,
 bool AreSameChromaticities(const orvmediatypes::color::Chromaticities& first,
                            const orvmediatypes::color::Chromaticities& second);
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -7,24 +7,24 @@
 #include "refhost/orvmediatypes/H273.h"
 #include "refhost/orvmediatypes/PeakLuminance.h"
 
-namespace CHR {
+namespace RefHost {
 
 std::uint8_t CanonicalTransfer(std::uint8_t transfer) {
   switch (transfer) {
-    case H273::kTransferBT709:
-    case H273::kTransferSMPTE170M:
-    case H273::kTransferXvYCC:
-    case H273::kTransferBT2020:
-    case H273::kTransferBT2020TwelveBit:
-      return H273::kTransferBT709;
-    case H273::kTransferGamma22:
-    case H273::kTransferGamma28:
-    case H273::kTransferSMPTE240M:
-    case H273::kTransferLinear:
-    case H273::kTransferSRGB:
-    case H273::kTransferPQ:
-    case H273::kTransferST428:
-    case H273::kTransferHLG:
+    case kTransferBT709:
+    case kTransferSMPTE170M:
+    case kTransferXvYCC:
+    case kTransferBT2020:
+    case kTransferBT2020TwelveBit:
+      return kTransferBT709;
+    case kTransferGamma22:
+    case kTransferGamma28:
+    case kTransferSMPTE240M:
+    case kTransferLinear:
+    case kTransferSRGB:
+    case kTransferPQ:
+    case kTransferST428:
+    case kTransferHLG:
       return transfer;
     default:
       return 0;
@@ -34,14 +34,14 @@ std::uint8_t CanonicalTransfer(std::uint8_t transfer) {
 std::optional<TransferParams> TransferParamsOf(const orvmediatypes::color::ColorSpace& colorSpace,
                                                double whiteNits) {
   const auto& description = colorSpace.Description();
-  const auto chromaticities = H273::ChromaticitiesOf(colorSpace);
+  const auto chromaticities = ChromaticitiesOf(colorSpace);
   TransferParams params{};
   params.transfer = CanonicalTransfer(description.transfer);
   if (params.transfer == 0 || !chromaticities.has_value()) return std::nullopt;
   params.whiteNits = whiteNits;
-  if (params.transfer == H273::kTransferHLG) {
+  if (params.transfer == kTransferHLG) {
     const int peak = description.peakLuminance;
-    params.hlgPeakNits = peak > 0 ? peak : orvmediatypes::color::kNominalHlgNits;
+    params.hlgPeakNits = peak > 0 ? peak : kNominalHlgNits;
     params.hlgGamma = HlgSystemGamma(params.hlgPeakNits);
     const Matrix3 toXyz = RgbToXyz(*chromaticities);
     std::copy_n(toXyz.begin() + 3, 3, std::begin(params.luminanceWeights));
@@ -56,4 +56,4 @@ bool IsSameTransfer(const TransferParams& one, const TransferParams& other) {
                     std::begin(other.luminanceWeights));
 }
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -6,7 +6,7 @@
 #include "host/orvmediatypes/ColorSpace.h"
 #include "refhost/chromant/TransferParams.h"
 
-namespace CHR {
+namespace RefHost {
 
 /// What takes a colour space's signals to linear light and back; 1.0 is graphics white, whose
 /// luminance is `whiteNits`. Nothing for transfers or primaries that are not known here.
@@ -24,4 +24,4 @@ bool IsSameTransfer(const TransferParams& one, const TransferParams& other);
 /// The code point that stands for all that are shown alike; 0 for transfers not known here.
 std::uint8_t CanonicalTransfer(std::uint8_t transfer);
 
-}  // namespace CHR
+}  // namespace RefHost

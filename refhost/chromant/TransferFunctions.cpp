@@ -18,9 +18,9 @@ std::optional<TransferParams> CurveOf(int transferCharacteristic, int videoColor
   if (videoColorimetry != 0) return std::nullopt;
   if (transferCharacteristic < 0 || transferCharacteristic > UINT8_MAX) return std::nullopt;
   orvmediatypes::color::ColorDescription description;
-  description.primaries = H273::kPrimariesBT2020;
+  description.primaries = RefHost::kPrimariesBT2020;
   description.transfer = static_cast<std::uint8_t>(transferCharacteristic);
-  return TransferParamsOf(orvmediatypes::color::ColorSpace(description), 1.0);
+  return RefHost::TransferParamsOf(orvmediatypes::color::ColorSpace(description), 1.0);
 }
 
 using Rgb = std::array<double, 3>;

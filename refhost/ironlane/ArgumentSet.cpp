@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 
-namespace IL {
+namespace RefHost {
 
 std::uint64_t Argument::Pointer() const {
   std::uint64_t pointer = 0;
@@ -13,8 +13,8 @@ std::uint64_t Argument::Pointer() const {
 }
 
 void* ArgumentSet::QueryInterface(std::string_view qualifiedName) noexcept {
-  if (qualifiedName != orvcore::utility::QualifiedName<IArgumentSet>()) return nullptr;
-  return static_cast<IArgumentSet*>(this);
+  if (qualifiedName != orvcore::utility::QualifiedName<IL::IArgumentSet>()) return nullptr;
+  return static_cast<IL::IArgumentSet*>(this);
 }
 
 int ArgumentSet::Push(Argument::Kind kind, const void* value, std::size_t bytes) {
@@ -45,10 +45,10 @@ int ArgumentSet::Finalize() {
   return 0;
 }
 
-const ArgumentSet* FinalArguments(const orvcore::classref::InterfaceRef<IArgumentSet>& arguments,
-                                  KernelHandle kernel) {
+const ArgumentSet* FinalArguments(
+    const orvcore::classref::InterfaceRef<IL::IArgumentSet>& arguments, IL::KernelHandle kernel) {
   const auto* set = dynamic_cast<const ArgumentSet*>(arguments.Object());
   return set != nullptr && set->isFinal_ && set->kernel_ == kernel ? set : nullptr;
 }
 
-}  // namespace IL
+}  // namespace RefHost

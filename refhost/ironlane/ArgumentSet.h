@@ -6,7 +6,7 @@
 
 #include "host/ironlane/Device.h"
 
-namespace IL {
+namespace RefHost {
 
 /// One argument as it was pushed.
 struct Argument {
@@ -21,11 +21,11 @@ struct Argument {
 
 /// Arguments of a launch, kept until then: a kernel has only one set at a time and may be launched
 /// from several threads.
-class ArgumentSet final : public orvcore::classref::IObject, public IArgumentSet {
+class ArgumentSet final : public orvcore::classref::IObject, public IL::IArgumentSet {
  public:
   /// `byValueBytes`: what the values must add up to at least. A null buffer that is passed as a
   /// value is not counted by it.
-  ArgumentSet(KernelHandle kernel, std::uint32_t byValueBytes)
+  ArgumentSet(IL::KernelHandle kernel, std::uint32_t byValueBytes)
       : kernel_(kernel), byValueBytes_(byValueBytes) {}
 
   void* QueryInterface(std::string_view qualifiedName) noexcept override;
@@ -39,11 +39,11 @@ class ArgumentSet final : public orvcore::classref::IObject, public IArgumentSet
 
  private:
   friend const ArgumentSet* FinalArguments(
-      const orvcore::classref::InterfaceRef<IArgumentSet>& arguments, KernelHandle kernel);
+      const orvcore::classref::InterfaceRef<IL::IArgumentSet>& arguments, IL::KernelHandle kernel);
 
   int Push(Argument::Kind kind, const void* value, std::size_t bytes);
 
-  KernelHandle kernel_;
+  IL::KernelHandle kernel_;
   std::uint32_t byValueBytes_;
   std::size_t valueBytes_ = 0;
   bool isFinal_ = false;
@@ -51,7 +51,7 @@ class ArgumentSet final : public orvcore::classref::IObject, public IArgumentSet
 };
 
 /// The set behind a handle; null unless it is one of this library's, final, and the kernel's.
-const ArgumentSet* FinalArguments(const orvcore::classref::InterfaceRef<IArgumentSet>& arguments,
-                                  KernelHandle kernel);
+const ArgumentSet* FinalArguments(
+    const orvcore::classref::InterfaceRef<IL::IArgumentSet>& arguments, IL::KernelHandle kernel);
 
-}  // namespace IL
+}  // namespace RefHost

@@ -11,7 +11,7 @@
 
 #include "refhost/ironlane/CacheFolder.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -92,4 +92,4 @@ void BinaryCache::Forget(std::string_view key) const {
   if (!folder_.empty()) std::filesystem::remove(FileOf(key), failure);
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace IL {
+namespace RefHost {
 
 /// Compiled modules, kept on disk between runs. A file whose contents are not what was stored, or
 /// were stored under another key, counts as absent. Failures to read or write are never errors:
@@ -31,4 +31,4 @@ class BinaryCache {
   std::filesystem::path folder_;
 };
 
-}  // namespace IL
+}  // namespace RefHost

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <utility>
 
-namespace IL {
+namespace RefHost {
 
 std::filesystem::path UserCacheFolder() {
   for (const auto& [variable, below] :
@@ -14,4 +14,4 @@ std::filesystem::path UserCacheFolder() {
   return {};
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -1,6 +1,6 @@
 #include "refhost/ironlane/DeviceMemory.h"
 
-namespace IL {
+namespace RefHost {
 
 int DeviceMemory::Allocate(const std::shared_ptr<GPUDevice>& device, std::size_t bytes,
                            std::unique_ptr<DeviceMemory>& memory) {
@@ -11,4 +11,4 @@ int DeviceMemory::Allocate(const std::shared_ptr<GPUDevice>& device, std::size_t
   return 0;
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -6,7 +6,7 @@
 
 #include "refhost/ironlane/GPUDevice.h"
 
-namespace IL {
+namespace RefHost {
 
 /// Memory of a device, which it keeps alive, freed with this object.
 class DeviceMemory {
@@ -31,4 +31,4 @@ class DeviceMemory {
   std::uint64_t pointer_;
 };
 
-}  // namespace IL
+}  // namespace RefHost

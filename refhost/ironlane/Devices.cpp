@@ -12,7 +12,7 @@
 #include "refhost/ironlane/cuda/CudaDevice.h"
 #include "refhost/ironlane/opencl/OpenClDevice.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -25,8 +25,8 @@ struct BackEnd {
 };
 
 constexpr std::array<BackEnd, 2> kBackEnds = {{
-    {kPlatformCuda, "cuda:", ListCudaDevices, OpenCudaDevice},
-    {kPlatformOpenCl, "opencl:", ListOpenClDevices, OpenOpenClDevice},
+    {IL::kPlatformCuda, "cuda:", ListCudaDevices, OpenCudaDevice},
+    {IL::kPlatformOpenCl, "opencl:", ListOpenClDevices, OpenOpenClDevice},
 }};
 
 const BackEnd* FindBackEnd(std::int32_t platformKind) {
@@ -100,4 +100,4 @@ bool BuildsKernels(GPUDevice& device) {
 
 bool IsBuiltForCuda() { return !kernels::FindKernelModule("ToneMapMain")->ptx.empty(); }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -8,7 +8,7 @@
 
 #include "refhost/ironlane/GPUDevice.h"
 
-namespace IL {
+namespace RefHost {
 
 /// The name of a device, "opencl:0" for example.
 std::string DeviceName(std::int32_t platformKind, std::int32_t ordinal);
@@ -42,4 +42,4 @@ bool BuildsKernels(GPUDevice& device);
 /// Whether kernels for CUDA are within this library; without them CUDA devices cannot be used.
 bool IsBuiltForCuda();
 
-}  // namespace IL
+}  // namespace RefHost

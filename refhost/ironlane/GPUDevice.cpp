@@ -1,8 +1,9 @@
 #include "refhost/ironlane/GPUDevice.h"
 
+#include <atomic>
 #include <cstring>
 
-namespace IL {
+namespace RefHost {
 
 int GPUDevice::Upload(const void* from, std::uint64_t to, std::size_t bytes) {
   const auto* source = static_cast<const std::byte*>(from);
@@ -19,6 +20,21 @@ int GPUDevice::Download(std::uint64_t from, void* to, std::size_t bytes) {
         std::memcpy(destination + first, ring.memory + first % ring.rows, last - first);
         return 0;
       });
+}
+
+std::uint64_t GPUDevice::NewContextIdentity() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
+
+}  // namespace RefHost
+
+namespace IL {
+
+KernelHandle LoadKernel(const std::shared_ptr<Device>& device, std::string_view module,
+                        std::string_view kernel) {
+  const auto gpu = std::dynamic_pointer_cast<RefHost::GPUDevice>(device);
+  return gpu == nullptr ? nullptr : gpu->LoadKernel(module, kernel);
 }
 
 }  // namespace IL

@@ -8,7 +8,7 @@
 #include "host/ironlane/Device.h"
 #include "refhost/ironlane/RowTransfer.h"
 
-namespace IL {
+namespace RefHost {
 
 /// What is known of a device before any work is given to it.
 struct DeviceInfo {
@@ -34,11 +34,15 @@ struct DeviceInfo {
 /// on the same memory is done in the order in which it was given; what different threads give on
 /// different memory may be done at the same time. Any thread may call; failures that the device
 /// notices late come out of a later call that waits. Codes are those of ResultCodes.h.
-class GPUDevice : public Device {
+class GPUDevice : public IL::Device {
  public:
   virtual ~GPUDevice() = default;
 
   virtual const DeviceInfo& Info() const = 0;
+
+  /// Threads along either side of the blocks to launch the reference host's own kernels in; 1 where
+  /// the device chooses them itself.
+  virtual std::uint32_t BlockSide() const = 0;
 
   /// Whether the device failed in a way that only opening it anew mends.
   virtual bool IsLost() const { return false; }
@@ -69,7 +73,11 @@ class GPUDevice : public Device {
   /// The kernel of a module, built where it has not been before. It lives as long as the device.
   /// Null, and a message to the trace that holds the compiler's, when there is none or it does not
   /// build; the next call tries again. Launches do not wait for it.
-  virtual KernelHandle LoadKernel(std::string_view module, std::string_view kernel) = 0;
+  virtual IL::KernelHandle LoadKernel(std::string_view module, std::string_view kernel) = 0;
+
+ protected:
+  /// A context identity that no device of this process had before; never 0.
+  static std::uint64_t NewContextIdentity();
 };
 
-}  // namespace IL
+}  // namespace RefHost

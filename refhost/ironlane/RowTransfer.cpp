@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -83,4 +83,4 @@ int DownloadPieces(const RowPieces& pieces, const RowRing& ring, PieceCopier& co
   return result < 0 ? result : 0;
 }
 
-}  // namespace IL
+}  // namespace RefHost

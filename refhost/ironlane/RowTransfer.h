@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <functional>
 
-namespace IL {
+namespace RefHost {
 
 /// Rows on their way between the processor and a device, some at a time: row r lies where row
 /// r modulo `rows` does.
@@ -62,4 +62,4 @@ int UploadPieces(const RowPieces& pieces, const RowRing& ring, PieceCopier& copi
 int DownloadPieces(const RowPieces& pieces, const RowRing& ring, PieceCopier& copier,
                    const RowsFunction& take);
 
-}  // namespace IL
+}  // namespace RefHost

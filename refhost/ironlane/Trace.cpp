@@ -4,7 +4,7 @@
 
 #include "host/orvcore/Debug.h"
 
-namespace IL {
+namespace RefHost {
 
 void TraceMessage(std::string_view text) {
   constexpr int kLevel = 7;
@@ -13,4 +13,4 @@ void TraceMessage(std::string_view text) {
   orvcore::debug::Trace(kLevel, kCategory, std::string(text) + "\r\n");
 }
 
-}  // namespace IL
+}  // namespace RefHost

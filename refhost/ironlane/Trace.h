@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-namespace IL {
+namespace RefHost {
 
 /// Reports through the host's trace: level 7, category "Ironlane".
 void TraceMessage(std::string_view text);
 
-}  // namespace IL
+}  // namespace RefHost

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace KS {
+namespace RefHost {
 
 /// Rows of a band: even, and few enough for what is made on the way to stay in a cache.
 inline constexpr int kBandRows = 32;
@@ -14,4 +14,4 @@ class BandCopy {
   virtual void CopyRows(int first, int last) const = 0;
 };
 
-}  // namespace KS
+}  // namespace RefHost

@@ -1,14 +1,14 @@
 #include <memory>
 
 #include "host/kestrel/FrameManipulators.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/MakeBandCopy.h"
 #include "refhost/kestrel/PlaneCopy.h"
-#include "refhost/kestrel/ResultCodes.h"
 
 using orvmediatypes::color::ColorManagementSettings;
 
-namespace KS::VideoFrameManipulators {
+namespace RefHost {
 
 namespace {
 
@@ -34,10 +34,8 @@ PX::VideoFrameRef Duplicate(const PX::VideoFrameRef& frame, const FrameView& vie
   return duplicate;
 }
 
-}  // namespace
-
-int CopyFrame(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
-              orvmediatypes::RenderQuality /*quality*/, const ColorManagementSettings& settings) {
+int CopySystemFrame(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
+                    const ColorManagementSettings& settings) {
   FrameView source;
   FrameView destination;
   if (const int result = ViewFrame(from, source); result < 0) return result;
@@ -63,6 +61,16 @@ int CopyFrame(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
   }
   RunBands(*copy, 0, destination.height);
   return 0;
+}
+
+}  // namespace
+}  // namespace RefHost
+
+namespace KS::VideoFrameManipulators {
+
+int CopyFrame(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
+              orvmediatypes::RenderQuality /*quality*/, const ColorManagementSettings& settings) {
+  return RefHost::CopySystemFrame(from, to, settings);
 }
 
 }  // namespace KS::VideoFrameManipulators

@@ -6,7 +6,7 @@
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -37,17 +37,21 @@ void Clear(const PX::VideoFrameRef& frame, const FormatInfo& info) {
 
 }  // namespace
 
+}  // namespace RefHost
+
+namespace KS {
+
 int CreateVideoFrame(PX::VideoFrameRef& frame, orvmediatypes::PixelFormat format, int width,
                      int height, orvmediatypes::PixelAspectRatio aspect,
                      const orvmediatypes::color::ColorSpace& colorSpace, bool clear,
                      bool /*shared*/) {
-  const int result = CreateSystemFrame(frame, {.format = format,
-                                               .width = width,
-                                               .height = height,
-                                               .aspect = aspect,
-                                               .colorSpace = colorSpace});
-  const auto info = DescribeFormat(format);
-  if (result == 0 && clear && info.has_value()) Clear(frame, *info);
+  const int result = RefHost::CreateSystemFrame(frame, {.format = format,
+                                                        .width = width,
+                                                        .height = height,
+                                                        .aspect = aspect,
+                                                        .colorSpace = colorSpace});
+  const auto info = RefHost::DescribeFormat(format);
+  if (result == 0 && clear && info.has_value()) RefHost::Clear(frame, *info);
   return result;
 }
 

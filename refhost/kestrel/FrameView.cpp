@@ -4,19 +4,19 @@
 #include <functional>
 
 #include "host/kestrel/FrameInterfaces.h"
-#include "refhost/kestrel/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 
 using orvcore::classref::InterfaceCast;
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
 /// The pixels of an interleaved frame, by the two-dimensional view's row bytes where there is one.
 Plane InterleavedPlane(const PX::VideoFrameRef& frame, int width, int height) {
-  const auto memory = InterfaceCast<IVideoFrameMemoryAccess>(frame);
+  const auto memory = InterfaceCast<KS::IVideoFrameMemoryAccess>(frame);
   if (!memory.IsUsable()) return {};
-  const auto pixels = InterfaceCast<IVideoFrame2DPixelMemoryAccess>(frame);
+  const auto pixels = InterfaceCast<KS::IVideoFrame2DPixelMemoryAccess>(frame);
   const std::int32_t rowBytes = pixels.IsUsable() ? pixels->GetRowBytes() : memory->GetRowBytes();
   return {memory->GetData(), rowBytes, width, height};
 }
@@ -85,4 +85,4 @@ bool ShareMemory(const FrameView& first, const FrameView& second) {
   return false;
 }
 
-}  // namespace KS
+}  // namespace RefHost

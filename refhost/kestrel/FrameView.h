@@ -7,7 +7,7 @@
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
 
-namespace KS {
+namespace RefHost {
 
 /// The pixels of a frame in system memory, valid while the frame lives. Every row holds its
 /// samples.
@@ -37,4 +37,4 @@ int ViewFrame(const PX::VideoFrameRef& frame, FrameView& view);
 /// Whether some byte may belong to the rows of both.
 bool ShareMemory(const FrameView& first, const FrameView& second);
 
-}  // namespace KS
+}  // namespace RefHost

@@ -4,10 +4,10 @@
 
 #include "refhost/kestrel/PixelKernel.h"
 
-namespace KS {
+namespace RefHost {
 
 int ConvertOnGPU(const GPUFrameView& source, const GPUFrameView& destination,
-                 const CHR::PixelConverter* converter) {
+                 const PixelConverter* converter) {
   const ConversionParams params = converter == nullptr ? ConversionParams{} : converter->Params();
   const std::int32_t converts = converter == nullptr ? 0 : 1;
   return RunPixelKernel("PixelConversion", "ConvertPixels", {source, destination},
@@ -15,4 +15,4 @@ int ConvertOnGPU(const GPUFrameView& source, const GPUFrameView& destination,
                          {&params, sizeof(params), alignof(ConversionParams)}});
 }
 
-}  // namespace KS
+}  // namespace RefHost

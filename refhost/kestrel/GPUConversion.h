@@ -3,11 +3,11 @@
 #include "refhost/chromant/PixelConverter.h"
 #include "refhost/kestrel/GPUFrame.h"
 
-namespace KS {
+namespace RefHost {
 
 /// Pixels from one frame to another of the same size on the same device, which does the work. The
 /// two frames may be one. `converter` may be null: colours stay as they are. 0 or a negative code.
 int ConvertOnGPU(const GPUFrameView& source, const GPUFrameView& destination,
-                 const CHR::PixelConverter* converter);
+                 const PixelConverter* converter);
 
-}  // namespace KS
+}  // namespace RefHost

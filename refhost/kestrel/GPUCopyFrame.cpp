@@ -1,17 +1,17 @@
 #include <memory>
 
 #include "host/kestrel/FrameManipulators.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/GPUConversion.h"
 #include "refhost/kestrel/GPUFrame.h"
 #include "refhost/kestrel/MakeBandCopy.h"
 #include "refhost/kestrel/MakeConverter.h"
 #include "refhost/kestrel/PixelFormats.h"
-#include "refhost/kestrel/ResultCodes.h"
 
 using orvmediatypes::color::ColorManagementSettings;
 
-namespace KS::GPUFrameManipulators {
+namespace RefHost {
 
 namespace {
 
@@ -21,8 +21,7 @@ bool AreOfOneSize(const GPUFrameView& onGPU, const FrameView& inMemory) {
 }
 
 /// A GPU frame's rows as they pass through a ring.
-FrameView ViewRing(const PX::VideoFrameRef& frame, const GPUFrameView& view,
-                   const IL::RowRing& ring) {
+FrameView ViewRing(const PX::VideoFrameRef& frame, const GPUFrameView& view, const RowRing& ring) {
   FrameView rows;
   rows.format = frame->GetPixelFormat();
   rows.info = DescribeFormat(rows.format).value_or(FormatInfo{});
@@ -42,7 +41,7 @@ int Upload(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
   if (!AreOfOneSize(destination, source)) return kInvalidFrame;
 
   std::unique_ptr<const BandCopy> copy;
-  const auto fill = [&](const IL::RowRing& ring, std::size_t first, std::size_t last) {
+  const auto fill = [&](const RowRing& ring, std::size_t first, std::size_t last) {
     if (copy == nullptr) {
       const int result =
           MakeBandCopy(source, from->GetColorSpace(), ViewRing(to, destination, ring),
@@ -66,7 +65,7 @@ int Download(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
 
   std::unique_ptr<const BandCopy> copy;
   int done = 0;
-  const auto take = [&](const IL::RowRing& ring, std::size_t /*first*/, std::size_t last) {
+  const auto take = [&](const RowRing& ring, std::size_t /*first*/, std::size_t last) {
     if (copy == nullptr) {
       const int result = MakeBandCopy(ViewRing(from, source, ring), from->GetColorSpace(),
                                       destination, to->GetColorSpace(), settings, copy);
@@ -93,7 +92,7 @@ int CopyOnGPU(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
   }
   if (source.device != destination.device) return kNotSupported;
 
-  std::shared_ptr<const CHR::PixelConverter> converter;
+  std::shared_ptr<const PixelConverter> converter;
   if (const int result =
           MakeConverter(from->GetColorSpace(), to->GetColorSpace(), settings, converter);
       result < 0) {
@@ -107,15 +106,19 @@ int CopyOnGPU(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
 
 }  // namespace
 
+}  // namespace RefHost
+
+namespace KS::GPUFrameManipulators {
+
 int CopyFrame(const PX::VideoFrameRef& from, const PX::VideoFrameRef& to,
               orvmediatypes::RenderQuality quality, const ColorManagementSettings& settings) {
-  if (!from.IsUsable() || !to.IsUsable()) return kInvalidFrame;
+  if (!from.IsUsable() || !to.IsUsable()) return RefHost::kInvalidFrame;
   if (from.Object() == to.Object()) return 0;
-  const bool fromGPU = IsOnGPU(from);
-  const bool toGPU = IsOnGPU(to);
-  if (fromGPU && toGPU) return CopyOnGPU(from, to, settings);
-  if (toGPU) return Upload(from, to, settings);
-  if (fromGPU) return Download(from, to, settings);
+  const bool fromGPU = RefHost::IsOnGPU(from);
+  const bool toGPU = RefHost::IsOnGPU(to);
+  if (fromGPU && toGPU) return RefHost::CopyOnGPU(from, to, settings);
+  if (toGPU) return RefHost::Upload(from, to, settings);
+  if (fromGPU) return RefHost::Download(from, to, settings);
   return VideoFrameManipulators::CopyFrame(from, to, quality, settings);
 }
 

@@ -7,11 +7,11 @@
 #include "host/pavix/IVideoFrame.h"
 #include "refhost/ironlane/GPUDevice.h"
 
-namespace KS {
+namespace RefHost {
 
 /// The pixels of a frame on a GPU, valid while the frame lives: float or half BGRA.
 struct GPUFrameView {
-  std::shared_ptr<IL::GPUDevice> device;
+  std::shared_ptr<GPUDevice> device;
   std::uint64_t pixels = 0;
   std::uint32_t width = 0;
   std::uint32_t height = 0;
@@ -29,4 +29,4 @@ int ViewGPUFrame(const PX::VideoFrameRef& frame, GPUFrameView& view);
 /// Whether the frame's pixels live on a GPU.
 bool IsOnGPU(const PX::VideoFrameRef& frame);
 
-}  // namespace KS
+}  // namespace RefHost

@@ -4,22 +4,22 @@
 #include <array>
 #include <utility>
 
-namespace KS {
+namespace RefHost {
 
-CHR::ComponentType ComponentTypeOf(const FormatInfo& info) {
+ComponentType ComponentTypeOf(const FormatInfo& info) {
   switch (info.sampleType) {
     case SampleType::Float:
-      return CHR::ComponentType::Float;
+      return ComponentType::Float;
     case SampleType::Half:
-      return CHR::ComponentType::Half;
+      return ComponentType::Half;
     case SampleType::UnsignedInteger:
       break;
   }
-  return info.bits == 8 ? CHR::ComponentType::UInt8 : CHR::ComponentType::UInt16;
+  return info.bits == 8 ? ComponentType::UInt8 : ComponentType::UInt16;
 }
 
 InterleavedCopy::InterleavedCopy(const FrameView& source, const FrameView& destination,
-                                 std::shared_ptr<const CHR::PixelConverter> converter)
+                                 std::shared_ptr<const PixelConverter> converter)
     : source_(source),
       destination_(destination),
       sourceType_(ComponentTypeOf(source.info)),
@@ -35,13 +35,11 @@ void InterleavedCopy::CopyRows(int first, int last) const {
     std::byte* to = destination_.Row(0, row);
     for (std::size_t done = 0; done < width; done += kChunk) {
       const std::size_t count = std::min(kChunk, width - done);
-      CHR::LoadPixels(sourceType_, from + done * CHR::PixelBytes(sourceType_), count,
-                      pixels.data());
+      LoadPixels(sourceType_, from + done * PixelBytes(sourceType_), count, pixels.data());
       if (converter_ != nullptr) converter_->Convert(pixels.data(), pixels.data(), count);
-      CHR::StorePixels(destinationType_, pixels.data(), count,
-                       to + done * CHR::PixelBytes(destinationType_));
+      StorePixels(destinationType_, pixels.data(), count, to + done * PixelBytes(destinationType_));
     }
   }
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -7,10 +7,10 @@
 #include "refhost/kestrel/BandCopy.h"
 #include "refhost/kestrel/FrameView.h"
 
-namespace KS {
+namespace RefHost {
 
 /// The component type of an interleaved format.
-CHR::ComponentType ComponentTypeOf(const FormatInfo& info);
+ComponentType ComponentTypeOf(const FormatInfo& info);
 
 /// Copies between interleaved formats and colour spaces. The frames may be the same memory when
 /// rows and pixels of both are the same size.
@@ -18,15 +18,15 @@ class InterleavedCopy final : public BandCopy {
  public:
   /// Without a converter only the samples are converted.
   InterleavedCopy(const FrameView& source, const FrameView& destination,
-                  std::shared_ptr<const CHR::PixelConverter> converter);
+                  std::shared_ptr<const PixelConverter> converter);
   void CopyRows(int first, int last) const override;
 
  private:
   FrameView source_;
   FrameView destination_;
-  CHR::ComponentType sourceType_;
-  CHR::ComponentType destinationType_;
-  std::shared_ptr<const CHR::PixelConverter> converter_;
+  ComponentType sourceType_;
+  ComponentType destinationType_;
+  std::shared_ptr<const PixelConverter> converter_;
 };
 
-}  // namespace KS
+}  // namespace RefHost

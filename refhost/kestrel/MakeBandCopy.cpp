@@ -2,16 +2,16 @@
 
 #include <utility>
 
+#include "refhost/ResultCodes.h"
 #include "refhost/kestrel/InterleavedCopy.h"
 #include "refhost/kestrel/MakeConverter.h"
 #include "refhost/kestrel/PlaneCopy.h"
-#include "refhost/kestrel/ResultCodes.h"
 #include "refhost/kestrel/YCbCrCopy.h"
 #include "refhost/orvcore/Bands.h"
 
 using orvmediatypes::color::ColorDescription;
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -27,7 +27,7 @@ std::unique_ptr<const BandCopy> Choose(const FrameView& source,
                                        const ColorDescription& sourceColors,
                                        const FrameView& destination,
                                        const ColorDescription& destinationColors,
-                                       std::shared_ptr<const CHR::PixelConverter> converter) {
+                                       std::shared_ptr<const PixelConverter> converter) {
   const bool sameSamples = source.format == destination.format && converter == nullptr &&
                            AreCodedAlike(source.info, sourceColors, destinationColors);
   if (sameSamples) return std::make_unique<PlaneCopy>(source, destination);
@@ -45,7 +45,7 @@ int MakeBandCopy(const FrameView& source, const orvmediatypes::color::ColorSpace
                  const orvmediatypes::color::ColorSpace& destinationSpace,
                  const orvmediatypes::color::ColorManagementSettings& settings,
                  std::unique_ptr<const BandCopy>& copy) {
-  std::shared_ptr<const CHR::PixelConverter> converter;
+  std::shared_ptr<const PixelConverter> converter;
   if (const int result = MakeConverter(sourceSpace, destinationSpace, settings, converter);
       result < 0) {
     return result;
@@ -56,9 +56,8 @@ int MakeBandCopy(const FrameView& source, const orvmediatypes::color::ColorSpace
 }
 
 void RunBands(const BandCopy& copy, int first, int last) {
-  orvcore::threads::RunInBands(last - first, kBandRows, [&copy, first](int from, int to) {
-    copy.CopyRows(first + from, first + to);
-  });
+  RunInBands(last - first, kBandRows,
+             [&copy, first](int from, int to) { copy.CopyRows(first + from, first + to); });
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 #include "refhost/kestrel/BandCopy.h"
 #include "refhost/kestrel/FrameView.h"
 
-namespace KS {
+namespace RefHost {
 
 /// What brings the samples of one frame into the other, of the same size. 0; `kNotSupported` when
 /// the conversion is not known here, or the colour converter's code.
@@ -20,4 +20,4 @@ int MakeBandCopy(const FrameView& source, const orvmediatypes::color::ColorSpace
 /// Makes rows from `first`, a multiple of `kBandRows`, up to `last` on several threads.
 void RunBands(const BandCopy& copy, int first, int last);
 
-}  // namespace KS
+}  // namespace RefHost

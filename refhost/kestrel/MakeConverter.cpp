@@ -1,12 +1,12 @@
 #include "refhost/kestrel/MakeConverter.h"
 
-#include "refhost/kestrel/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ColorSpace;
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -19,13 +19,13 @@ bool MeanTheSame(const ColorDescription& one, const ColorDescription& other) {
 
 int MakeConverter(const ColorSpace& from, const ColorSpace& to,
                   const ColorManagementSettings& settings,
-                  std::shared_ptr<const CHR::PixelConverter>& converter) {
+                  std::shared_ptr<const PixelConverter>& converter) {
   converter = nullptr;
   if (MeanTheSame(from.Description(), to.Description())) return 0;
-  converter = CHR::MakePixelConverter(from, to, settings);
+  converter = MakePixelConverter(from, to, settings);
   if (converter == nullptr) return kNotSupported;
   if (converter->IsIdentity()) converter = nullptr;
   return 0;
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -2,15 +2,15 @@
 
 #include "refhost/kestrel/YCbCrCopy.h"
 
-namespace KS {
+namespace RefHost {
 
 std::unique_ptr<const BandCopy> MakeYCbCrCopy(
     const FrameView& /*source*/, const orvmediatypes::color::ColorDescription& /*sourceColors*/,
     const FrameView& /*destination*/,
     const orvmediatypes::color::ColorDescription& /*destinationColors*/,
     // NOLINTNEXTLINE(performance-unnecessary-value-param): the declaration's
-    std::shared_ptr<const CHR::PixelConverter> /*converter*/) {
+    std::shared_ptr<const PixelConverter> /*converter*/) {
   return nullptr;
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -4,7 +4,7 @@
 
 using orvmediatypes::PixelFormat;
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -97,4 +97,4 @@ std::optional<FormatInfo> DescribeFormat(PixelFormat format) {
   return std::nullopt;
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -5,7 +5,7 @@
 
 #include "host/orvmediatypes/PixelFormat.h"
 
-namespace KS {
+namespace RefHost {
 
 // Four interleaved components: blue, green, red, alpha. Integers are full range.
 inline constexpr orvmediatypes::PixelFormat kBgra8{0x61724742U, 0x00080130U};
@@ -50,4 +50,4 @@ struct FormatInfo {
 /// Nothing for formats that are not known.
 std::optional<FormatInfo> DescribeFormat(orvmediatypes::PixelFormat format);
 
-}  // namespace KS
+}  // namespace RefHost

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -16,21 +16,6 @@ Quillon::GPUFrameDescriptor DescriptorOf(const GPUFrameView& frame) {
           .formatFlag = frame.IsHalf() ? 0U : 1U,
           .reserved = 0,
           .padding = 0};
-}
-
-struct Blocks {
-  std::uint32_t block;
-  std::uint32_t gridX;
-  std::uint32_t gridY;
-};
-
-/// OpenCL chooses its own work-groups.
-Blocks BlocksFor(const GPUFrameView& frame) {
-  constexpr std::uint32_t kBlock = 16;
-  if (frame.device->Info().platformKind == IL::kPlatformOpenCl) {
-    return {1, frame.width, frame.height};
-  }
-  return {kBlock, (frame.width + kBlock - 1) / kBlock, (frame.height + kBlock - 1) / kBlock};
 }
 
 int Push(IL::IArgumentSet& arguments, std::initializer_list<GPUFrameView> frames,
@@ -53,9 +38,9 @@ int RunPixelKernel(std::string_view module, std::string_view kernel,
                    std::initializer_list<GPUFrameView> frames,
                    std::initializer_list<KernelValue> values) {
   const GPUFrameView& pixels = *frames.begin();
-  IL::GPUDevice& device = *pixels.device;
+  GPUDevice& device = *pixels.device;
   const IL::KernelHandle handle = device.LoadKernel(module, kernel);
-  if (handle == nullptr) return IL::kDeviceFailed;
+  if (handle == nullptr) return kDeviceFailed;
 
   std::size_t bytes = 0;
   for (const KernelValue& value : values) bytes += value.bytes;
@@ -64,9 +49,9 @@ int RunPixelKernel(std::string_view module, std::string_view kernel,
   if (result < 0) return result;
   result = Push(*arguments, frames, values);
   if (result < 0) return result;
-  const Blocks blocks = BlocksFor(pixels);
-  return device.Launch(handle, arguments, blocks.gridX, blocks.gridY, blocks.block, blocks.block,
-                       0);
+  const std::uint32_t side = device.BlockSide();
+  return device.Launch(handle, arguments, (pixels.width + side - 1) / side,
+                       (pixels.height + side - 1) / side, side, side, 0);
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -6,7 +6,7 @@
 
 #include "refhost/kestrel/GPUFrame.h"
 
-namespace KS {
+namespace RefHost {
 
 /// A value argument of a kernel, passed by its bytes.
 struct KernelValue {
@@ -22,4 +22,4 @@ int RunPixelKernel(std::string_view module, std::string_view kernel,
                    std::initializer_list<GPUFrameView> frames,
                    std::initializer_list<KernelValue> values);
 
-}  // namespace KS
+}  // namespace RefHost

@@ -1,6 +1,6 @@
 #include "refhost/kestrel/PlanarBuffer.h"
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -62,4 +62,4 @@ zimg_image_buffer PlanarBuffer::Output() const {
   return buffer;
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 
 #include "refhost/orvcore/RecycledMemory.h"
 
-namespace KS {
+namespace RefHost {
 
 /// Memory for a picture of zimg's: three planes, rows aligned as zimg wants them.
 class PlanarBuffer {
@@ -36,4 +36,4 @@ class PlanarBuffer {
   orvcore::allocator::RecycledMemory memory_;
 };
 
-}  // namespace KS
+}  // namespace RefHost

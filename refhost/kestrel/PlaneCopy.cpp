@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace KS {
+namespace RefHost {
 
 void PlaneCopy::CopyRows(int first, int last) const {
   for (int plane = 0; plane < source_.info.planeCount; ++plane) {
@@ -15,4 +15,4 @@ void PlaneCopy::CopyRows(int first, int last) const {
   }
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -3,7 +3,7 @@
 #include "refhost/kestrel/BandCopy.h"
 #include "refhost/kestrel/FrameView.h"
 
-namespace KS {
+namespace RefHost {
 
 /// Copies samples as they are. Both frames have one format and size, and share no memory.
 class PlaneCopy final : public BandCopy {
@@ -17,4 +17,4 @@ class PlaneCopy final : public BandCopy {
   FrameView destination_;
 };
 
-}  // namespace KS
+}  // namespace RefHost

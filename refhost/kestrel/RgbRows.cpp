@@ -6,7 +6,7 @@
 
 #include "refhost/chromant/PlaneRows.h"
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -30,35 +30,35 @@ RgbRow From(const RgbRow& row, int first) {
 }
 
 /// Whether the stored pixels can be read and written as they are.
-bool AreFloats(CHR::ComponentType type, const std::byte* stored) {
-  return type == CHR::ComponentType::Float &&
+bool AreFloats(ComponentType type, const std::byte* stored) {
+  return type == ComponentType::Float &&
          reinterpret_cast<std::uintptr_t>(stored) % alignof(float) == 0;
 }
 
-void Load(const std::byte* stored, CHR::ComponentType type, std::size_t count, const RgbRow& row) {
+void Load(const std::byte* stored, ComponentType type, std::size_t count, const RgbRow& row) {
   if (AreFloats(type, stored)) {
-    CHR::SplitPixels(reinterpret_cast<const float*>(stored), count, row.red, row.green, row.blue);
+    SplitPixels(reinterpret_cast<const float*>(stored), count, row.red, row.green, row.blue);
     return;
   }
   Pixels pixels;
-  CHR::LoadPixels(type, stored, count, pixels.data());
-  CHR::SplitPixels(pixels.data(), count, row.red, row.green, row.blue);
+  LoadPixels(type, stored, count, pixels.data());
+  SplitPixels(pixels.data(), count, row.red, row.green, row.blue);
 }
 
-void Store(const RgbRow& row, std::size_t count, CHR::ComponentType type, std::byte* stored) {
+void Store(const RgbRow& row, std::size_t count, ComponentType type, std::byte* stored) {
   if (AreFloats(type, stored)) {
-    CHR::JoinPixels(row.red, row.green, row.blue, count, reinterpret_cast<float*>(stored));
+    JoinPixels(row.red, row.green, row.blue, count, reinterpret_cast<float*>(stored));
     return;
   }
   Pixels pixels;
-  CHR::JoinPixels(row.red, row.green, row.blue, count, pixels.data());
-  CHR::StorePixels(type, pixels.data(), count, stored);
+  JoinPixels(row.red, row.green, row.blue, count, pixels.data());
+  StorePixels(type, pixels.data(), count, stored);
 }
 
 /// Far beyond every code, and small enough for a matrix to stay finite.
 void Bound(const RgbRow& row, std::size_t count) {
   constexpr float kMost = 1e6F;
-  for (float* samples : {row.red, row.green, row.blue}) CHR::BoundSamples(samples, count, kMost);
+  for (float* samples : {row.red, row.green, row.blue}) BoundSamples(samples, count, kMost);
 }
 
 void RepeatLastPixel(const RgbRow& row, int width, int bufferWidth) {
@@ -67,7 +67,7 @@ void RepeatLastPixel(const RgbRow& row, int width, int bufferWidth) {
   }
 }
 
-void Convert(const CHR::PixelConverter* converter, const RgbRow& row, std::size_t count) {
+void Convert(const PixelConverter* converter, const RgbRow& row, std::size_t count) {
   if (converter != nullptr) converter->ConvertPlanes(row.red, row.green, row.blue, count);
 }
 
@@ -79,14 +79,14 @@ void InChunks(int width, const Work& work) {
   }
 }
 
-std::size_t BytesOf(CHR::ComponentType type, int pixels) {
-  return static_cast<std::size_t>(pixels) * CHR::PixelBytes(type);
+std::size_t BytesOf(ComponentType type, int pixels) {
+  return static_cast<std::size_t>(pixels) * PixelBytes(type);
 }
 
 }  // namespace
 
-void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter* converter,
-              CHR::ComponentType type, std::byte* stored) {
+void StoreRow(const PlanarBuffer& rgb, int row, int width, const PixelConverter* converter,
+              ComponentType type, std::byte* stored) {
   const RgbRow from = RowOf(rgb, row);
   InChunks(width, [&](int first, std::size_t count) {
     const RgbRow chunk = From(from, first);
@@ -95,7 +95,7 @@ void StoreRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConve
   });
 }
 
-void LoadRow(const std::byte* stored, CHR::ComponentType type, const CHR::PixelConverter* converter,
+void LoadRow(const std::byte* stored, ComponentType type, const PixelConverter* converter,
              int width, const PlanarBuffer& rgb, int row) {
   const RgbRow to = RowOf(rgb, row);
   InChunks(width, [&](int first, std::size_t count) {
@@ -107,7 +107,7 @@ void LoadRow(const std::byte* stored, CHR::ComponentType type, const CHR::PixelC
   RepeatLastPixel(to, width, rgb.Width(0));
 }
 
-void ConvertRow(const PlanarBuffer& rgb, int row, int width, const CHR::PixelConverter& converter) {
+void ConvertRow(const PlanarBuffer& rgb, int row, int width, const PixelConverter& converter) {
   const RgbRow planes = RowOf(rgb, row);
   InChunks(width, [&](int first, std::size_t count) {
     const RgbRow chunk = From(planes, first);
@@ -123,4 +123,4 @@ void RepeatRow(const PlanarBuffer& rgb, int from, int to) {
   }
 }
 
-}  // namespace KS
+}  // namespace RefHost

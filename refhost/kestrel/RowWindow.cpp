@@ -4,7 +4,7 @@
 
 #include "refhost/kestrel/BandCopy.h"
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -25,4 +25,4 @@ int RowWindow::FirstRow(int bandFirst) const {
   return std::clamp(bandFirst - margin_, 0, pictureHeight_ - height_);
 }
 
-}  // namespace KS
+}  // namespace RefHost

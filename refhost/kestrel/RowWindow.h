@@ -2,7 +2,7 @@
 
 #include "refhost/kestrel/FrameView.h"
 
-namespace KS {
+namespace RefHost {
 
 /// The rows that zimg is given for a band: the band, what resampled chroma needs around it, and
 /// what makes chroma samples whole. All windows of a picture are of one size, so that one graph
@@ -23,4 +23,4 @@ class RowWindow {
   int height_;
 };
 
-}  // namespace KS
+}  // namespace RefHost

@@ -8,12 +8,12 @@
 #include <utility>
 
 #include "host/kestrel/FrameInterfaces.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/kestrel/PixelFormats.h"
-#include "refhost/kestrel/ResultCodes.h"
 #include "refhost/orvcore/RecycledMemory.h"
 #include "refhost/orvcore/SharedObject.h"
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -69,8 +69,8 @@ std::optional<BlockLayout> LayOutBlock(const Planes& planes) {
 
 class SystemFrame final : public orvcore::classref::IObject,
                           public PX::IVideoFrame,
-                          public IVideoFrameMemoryAccess,
-                          public IVideoFrame2DPixelMemoryAccess,
+                          public KS::IVideoFrameMemoryAccess,
+                          public KS::IVideoFrame2DPixelMemoryAccess,
                           public IVideoFramePlaneAccess {
  public:
   SystemFrame(const SystemFrameLayout& layout, const FormatInfo& info, const Planes& planes,
@@ -96,11 +96,11 @@ class SystemFrame final : public orvcore::classref::IObject,
     if (qualifiedName == QualifiedName<PX::IVideoFrame>()) {
       return static_cast<PX::IVideoFrame*>(this);
     }
-    if (qualifiedName == QualifiedName<IVideoFrameMemoryAccess>()) {
-      return static_cast<IVideoFrameMemoryAccess*>(this);
+    if (qualifiedName == QualifiedName<KS::IVideoFrameMemoryAccess>()) {
+      return static_cast<KS::IVideoFrameMemoryAccess*>(this);
     }
-    if (qualifiedName == QualifiedName<IVideoFrame2DPixelMemoryAccess>()) {
-      return static_cast<IVideoFrame2DPixelMemoryAccess*>(this);
+    if (qualifiedName == QualifiedName<KS::IVideoFrame2DPixelMemoryAccess>()) {
+      return static_cast<KS::IVideoFrame2DPixelMemoryAccess*>(this);
     }
     if (qualifiedName == QualifiedName<IVideoFramePlaneAccess>()) {
       return static_cast<IVideoFramePlaneAccess*>(this);
@@ -169,12 +169,11 @@ int CreateSystemFrame(PX::VideoFrameRef& frame, const SystemFrameLayout& layout)
   try {
     std::unique_ptr<orvcore::allocator::RecycledMemory> memory;
     if (!AttachMemory(layout, info->planeCount, *planes, memory)) return kInvalidFrame;
-    frame = orvcore::classref::MakeShared<PX::IVideoFrame, SystemFrame>(layout, *info, *planes,
-                                                                        std::move(memory));
+    frame = MakeShared<PX::IVideoFrame, SystemFrame>(layout, *info, *planes, std::move(memory));
   } catch (const std::bad_alloc&) {
     return kInvalidFrame;
   }
   return 0;
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 
 #include "host/pavix/IVideoFrame.h"
 
-namespace KS {
+namespace RefHost {
 
 inline constexpr int kMaxPlanes = 3;
 
@@ -63,8 +63,8 @@ struct SystemFrameLayout {
 /// shorter than their samples, borrowed planes that are null, frames above `kLargestFrameBytes`,
 /// and frames that there is no memory for.
 ///
-/// The frame shows `PX::IVideoFrame`, `IVideoFramePlaneAccess`, `IVideoFrameMemoryAccess` and
-/// `IVideoFrame2DPixelMemoryAccess`, the last two of the first plane.
+/// The frame shows `PX::IVideoFrame`, `IVideoFramePlaneAccess`, `KS::IVideoFrameMemoryAccess` and
+/// `KS::IVideoFrame2DPixelMemoryAccess`, the last two of the first plane.
 int CreateSystemFrame(PX::VideoFrameRef& frame, const SystemFrameLayout& layout);
 
-}  // namespace KS
+}  // namespace RefHost

@@ -14,11 +14,11 @@
 
 using orvmediatypes::color::ColorDescription;
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
-using Converter = std::shared_ptr<const CHR::PixelConverter>;
+using Converter = std::shared_ptr<const PixelConverter>;
 using Graph = std::unique_ptr<const ZimgGraph>;
 
 /// A YCbCr frame, and its rows in a window as zimg sees them.
@@ -54,7 +54,7 @@ class YCbCrToInterleaved final : public BandCopy {
     const int windowFirst = window_.FirstRow(first);
     UnpackRows(source_.frame, source_.zimgPlanes, windowFirst, codes);
     toRgb_->Process(codes, rgb);
-    const CHR::ComponentType type = ComponentTypeOf(destination_.info);
+    const ComponentType type = ComponentTypeOf(destination_.info);
     for (int row = first; row < last; ++row) {
       StoreRow(rgb, row - windowFirst, destination_.width, converter_.get(), type,
                destination_.Row(0, row));
@@ -83,7 +83,7 @@ class InterleavedToYCbCr final : public BandCopy {
     const PlanarBuffer rgb(FloatRgbLike(destination_.format));
     const PlanarBuffer codes(destination_.format);
     const int windowFirst = window_.FirstRow(first);
-    const CHR::ComponentType type = ComponentTypeOf(source_.info);
+    const ComponentType type = ComponentTypeOf(source_.info);
     for (int row = 0; row < window_.Height(); ++row) {
       LoadRow(source_.Row(0, PictureRow(source_, windowFirst + row)), type, converter_.get(),
               source_.width, rgb, row);
@@ -241,4 +241,4 @@ std::unique_ptr<const BandCopy> MakeYCbCrCopy(const FrameView& source,
   return MakeConvertedCopy(*from, *to, window, std::move(converter));
 }
 
-}  // namespace KS
+}  // namespace RefHost

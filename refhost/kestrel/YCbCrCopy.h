@@ -7,7 +7,7 @@
 #include "refhost/kestrel/BandCopy.h"
 #include "refhost/kestrel/FrameView.h"
 
-namespace KS {
+namespace RefHost {
 
 /// A copy of which at least one side is YCbCr. Without a converter only samples, range, matrix and
 /// chroma are converted. Null when a matrix, or the way from one side to the other, is not known
@@ -15,6 +15,6 @@ namespace KS {
 std::unique_ptr<const BandCopy> MakeYCbCrCopy(
     const FrameView& source, const orvmediatypes::color::ColorDescription& sourceColors,
     const FrameView& destination, const orvmediatypes::color::ColorDescription& destinationColors,
-    std::shared_ptr<const CHR::PixelConverter> converter);
+    std::shared_ptr<const PixelConverter> converter);
 
-}  // namespace KS
+}  // namespace RefHost

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -108,4 +108,4 @@ void PackRows(const PlanarBuffer& buffer, const std::array<int, 3>& zimgPlanes, 
   }
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -5,7 +5,7 @@
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/PlanarBuffer.h"
 
-namespace KS {
+namespace RefHost {
 
 /// Fills a buffer with a YCbCr frame's rows from luma row `first` on, codes in the low bits. What
 /// lies beyond the picture's edges repeats them; codes beyond the depth become its largest.
@@ -18,4 +18,4 @@ void UnpackRows(const FrameView& frame, const std::array<int, 3>& zimgPlanes, in
 void PackRows(const PlanarBuffer& buffer, const std::array<int, 3>& zimgPlanes, int bufferFirst,
               int first, int last, const FrameView& frame);
 
-}  // namespace KS
+}  // namespace RefHost

@@ -4,7 +4,7 @@
 
 using orvmediatypes::color::ColorDescription;
 
-namespace KS {
+namespace RefHost {
 
 namespace {
 
@@ -36,7 +36,7 @@ std::optional<zimg_image_format> ZimgFormatOf(const FormatInfo& info,
                                               int height) {
   zimg_image_format format;
   zimg_image_format_default(&format, ZIMG_API_VERSION);
-  if (colors.matrix == H273::kMatrixIdentity) {
+  if (colors.matrix == kMatrixIdentity) {
     if (info.chroma != ChromaFormat::C444) return std::nullopt;
     format.color_family = ZIMG_COLOR_RGB;
   } else {
@@ -61,7 +61,7 @@ std::optional<zimg_image_format> ZimgFormatOf(const FormatInfo& info,
 }
 
 std::array<int, 3> ZimgPlanes(const ColorDescription& colors) {
-  if (colors.matrix == H273::kMatrixIdentity) return {1, 2, 0};
+  if (colors.matrix == kMatrixIdentity) return {1, 2, 0};
   return {0, 1, 2};
 }
 
@@ -77,4 +77,4 @@ zimg_image_format FloatRgbLike(const zimg_image_format& format) {
   return rgb;
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -8,7 +8,7 @@
 #include "host/orvmediatypes/ColorSpace.h"
 #include "refhost/kestrel/PixelFormats.h"
 
-namespace KS {
+namespace RefHost {
 
 /// Rows of a YCbCr frame as zimg is to see them: planes of codes in the low bits. `width` and
 /// `height` hold whole chroma samples. Nothing where matrix or chroma location are not known here.
@@ -24,4 +24,4 @@ std::array<int, 3> ZimgPlanes(const orvmediatypes::color::ColorDescription& colo
 /// `format` may need.
 zimg_image_format FloatRgbLike(const zimg_image_format& format);
 
-}  // namespace KS
+}  // namespace RefHost

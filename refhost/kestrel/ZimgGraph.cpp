@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-namespace KS {
+namespace RefHost {
 
 ZimgGraph::ZimgGraph(Handle graph, std::size_t scratchBytes)
     : graph_(std::move(graph)), scratchBytes_(scratchBytes) {}
@@ -36,4 +36,4 @@ void ZimgGraph::Process(const PlanarBuffer& source, const PlanarBuffer& destinat
   }
 }
 
-}  // namespace KS
+}  // namespace RefHost

@@ -6,7 +6,7 @@
 
 #include "refhost/kestrel/PlanarBuffer.h"
 
-namespace KS {
+namespace RefHost {
 
 /// A conversion by zimg. Chroma is resampled linearly, integers are rounded to nearest.
 class ZimgGraph {
@@ -30,4 +30,4 @@ class ZimgGraph {
   std::size_t scratchBytes_;
 };
 
-}  // namespace KS
+}  // namespace RefHost

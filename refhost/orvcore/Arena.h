@@ -1,6 +1,6 @@
 #pragma once
 
-namespace orvcore::threads {
+namespace RefHost {
 
 /// The threads that work comes to, one set for the process: oneTBB's, or on Windows the system's.
 /// Any thread may call.
@@ -15,4 +15,4 @@ class Arena {
   static void Enqueue(void (*work)());
 };
 
-}  // namespace orvcore::threads
+}  // namespace RefHost

@@ -17,13 +17,13 @@ const std::shared_ptr<AsyncExecutor>& Pool() {
 
 }  // namespace
 
-void AsyncExecutor::SendHelper(std::shared_ptr<Job> job) {
+void AsyncExecutor::SendHelper(std::shared_ptr<RefHost::Job> job) {
   // What a helper reads reaches it through this mutex, which the thread sanitizer sees, unlike
   // the arena's own queues.
   const std::lock_guard lock(mutex_);
   waiting_.push_back(std::move(job));
   try {
-    Arena::Enqueue([] { Pool()->RunHelper(); });
+    RefHost::Arena::Enqueue([] { Pool()->RunHelper(); });
   } catch (...) {
     waiting_.pop_back();
     throw;
@@ -31,7 +31,7 @@ void AsyncExecutor::SendHelper(std::shared_ptr<Job> job) {
 }
 
 void AsyncExecutor::RunHelper() noexcept {
-  std::shared_ptr<Job> job;
+  std::shared_ptr<RefHost::Job> job;
   {
     const std::lock_guard lock(mutex_);
     job = std::move(waiting_.front());

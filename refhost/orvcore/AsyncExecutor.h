@@ -6,7 +6,7 @@
 
 #include "host/orvcore/Threads.h"
 
-namespace orvcore::threads {
+namespace RefHost {
 
 /// Work that a thread of the pool takes part in.
 class Job {
@@ -16,17 +16,21 @@ class Job {
   virtual void Help() noexcept = 0;
 };
 
+}  // namespace RefHost
+
+namespace orvcore::threads {
+
 /// The process's pool of threads.
 class AsyncExecutor {
  public:
   /// Sends one thread to help with the job, some time. Any thread.
-  void SendHelper(std::shared_ptr<Job> job);
+  void SendHelper(std::shared_ptr<RefHost::Job> job);
 
  private:
   void RunHelper() noexcept;
 
   std::mutex mutex_;
-  std::deque<std::shared_ptr<Job>> waiting_;
+  std::deque<std::shared_ptr<RefHost::Job>> waiting_;
 };
 
 }  // namespace orvcore::threads

@@ -5,7 +5,10 @@
 
 #include "host/orvcore/Threads.h"
 
-namespace orvcore::threads {
+using orvcore::threads::CreateCPUBoundExecutor;
+using orvcore::threads::CreateSubExecutor;
+
+namespace RefHost {
 
 void RunInBands(int rows, int bandRows, const std::function<void(int first, int last)>& work) {
   constexpr int kMostAtOnce = 16;
@@ -21,4 +24,4 @@ void RunInBands(int rows, int bandRows, const std::function<void(int first, int 
   executor->WaitForAll();
 }
 
-}  // namespace orvcore::threads
+}  // namespace RefHost

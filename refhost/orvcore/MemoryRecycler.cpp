@@ -14,7 +14,7 @@
 #include "host/orvcore/Allocator.h"
 #include "refhost/orvcore/RecyclerStatistics.h"
 
-namespace orvcore::allocator {
+namespace RefHost {
 
 namespace {
 
@@ -130,9 +130,7 @@ Store& TheStore() {
   return store;
 }
 
-}  // namespace
-
-void* MemoryRecycler::Allocate(std::size_t bytes) {
+void* AllocateBlock(std::size_t bytes) {
   if (bytes < kKeptBlockBytes) return AllocateFromHeap(bytes);
   constexpr std::size_t kLargest = std::numeric_limits<std::size_t>::max() / 4;
   if (bytes > kLargest) throw std::bad_alloc();
@@ -146,7 +144,7 @@ void* MemoryRecycler::Allocate(std::size_t bytes) {
   return block;
 }
 
-void MemoryRecycler::Recycle(void* block, std::size_t bytes) noexcept {
+void RecycleBlock(void* block, std::size_t bytes) noexcept {
   if (block == nullptr) return;
   if (bytes < kKeptBlockBytes) {
     ReturnToHeap(block);
@@ -155,8 +153,20 @@ void MemoryRecycler::Recycle(void* block, std::size_t bytes) noexcept {
   }
 }
 
+}  // namespace
+
 RecyclerStatistics GetRecyclerStatistics() { return TheStore().Statistics(); }
 void ResetRecyclerPeak() { TheStore().ResetPeak(); }
 void ReleaseKeptBlocks() { TheStore().ReleaseAll(); }
+
+}  // namespace RefHost
+
+namespace orvcore::allocator {
+
+void* MemoryRecycler::Allocate(std::size_t bytes) { return RefHost::AllocateBlock(bytes); }
+
+void MemoryRecycler::Recycle(void* block, std::size_t bytes) noexcept {
+  RefHost::RecycleBlock(block, bytes);
+}
 
 }  // namespace orvcore::allocator

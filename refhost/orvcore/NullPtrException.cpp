@@ -2,13 +2,17 @@
 
 #include "host/orvcore/Config.h"
 
-namespace orvcore::config {
+namespace RefHost {
 
 NullPtrException::NullPtrException(const std::string& typeName)
     : std::runtime_error("null handle of " + typeName) {}
 
+}  // namespace RefHost
+
+namespace orvcore::config {
+
 void DoThrowNullPtrException(std::string_view typeName) {
-  throw NullPtrException(std::string(typeName));
+  throw RefHost::NullPtrException(std::string(typeName));
 }
 
 }  // namespace orvcore::config

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace orvcore::config {
+namespace RefHost {
 
 /// A handle was dereferenced that is not usable.
 class NullPtrException : public std::runtime_error {
@@ -11,4 +11,4 @@ class NullPtrException : public std::runtime_error {
   explicit NullPtrException(const std::string& typeName);
 };
 
-}  // namespace orvcore::config
+}  // namespace RefHost

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace orvcore::allocator {
+namespace RefHost {
 
 /// Blocks from this size on are kept for reuse; smaller ones go to the heap at once.
 inline constexpr std::size_t kKeptBlockBytes = std::size_t{64} << 10U;
@@ -28,4 +28,4 @@ void ResetRecyclerPeak();
 /// Gives all kept blocks back to the heap. Any thread.
 void ReleaseKeptBlocks();
 
-}  // namespace orvcore::allocator
+}  // namespace RefHost

@@ -6,11 +6,11 @@
 
 #include "host/orvcore/InterfaceRef.h"
 
-namespace orvcore::classref {
+namespace RefHost {
 
 /// Object and counts in one allocation.
 template <class Object>
-class SharedObject final : public ControlBlock {
+class SharedObject final : public orvcore::classref::ControlBlock {
  public:
   template <class... Arguments>
   explicit SharedObject(Arguments&&... arguments) {
@@ -28,10 +28,10 @@ class SharedObject final : public ControlBlock {
 
 /// A new object, held by the handle alone.
 template <class Interface, class Object, class... Arguments>
-InterfaceRef<Interface> MakeShared(Arguments&&... arguments) {
+orvcore::classref::InterfaceRef<Interface> MakeShared(Arguments&&... arguments) {
   auto block = std::make_unique<SharedObject<Object>>(std::forward<Arguments>(arguments)...);
   Object* object = block->Get();
-  return InterfaceRef<Interface>(object, object, block.release());
+  return orvcore::classref::InterfaceRef<Interface>(object, object, block.release());
 }
 
-}  // namespace orvcore::classref
+}  // namespace RefHost

@@ -15,7 +15,7 @@ namespace {
 
 /// Queued tasks and the threads that work on them. A thread that waits works too, so that progress
 /// never hangs on the pool.
-class TaskQueue final : public Job {
+class TaskQueue final : public RefHost::Job {
  public:
   explicit TaskQueue(int concurrency) : concurrency_(concurrency) {}
 
@@ -28,7 +28,7 @@ class TaskQueue final : public Job {
     ++unfinished_;
     changed_.notify_one();
     // The thread that waits is the last of those that may work.
-    const int mostHelpers = std::min(concurrency_, Arena::Parallelism()) - 1;
+    const int mostHelpers = std::min(concurrency_, RefHost::Arena::Parallelism()) - 1;
     if (helpers_ >= mostHelpers) return false;
     ++helpers_;
     return true;

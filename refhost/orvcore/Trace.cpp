@@ -11,7 +11,7 @@
 #include "host/orvcore/Debug.h"
 #include "refhost/orvcore/TraceSettings.h"
 
-namespace orvcore::debug {
+namespace RefHost {
 
 /// Those that live.
 class TraceListeners {
@@ -74,6 +74,14 @@ void Change(Function change) {
   settings.changeCount.fetch_add(1);
 }
 
+bool SinkTakes(std::string_view category, int level, bool includeParents) {
+  Settings& settings = TheSettings();
+  const std::lock_guard lock(settings.mutex);
+  const auto own = settings.categoryLevels.find(category);
+  if (own != settings.categoryLevels.end()) return level <= own->second;
+  return includeParents && level <= settings.level;
+}
+
 }  // namespace
 
 void SetTraceSink(TraceSink sink) {
@@ -109,30 +117,23 @@ TraceListener::~TraceListener() {
   settings.changeCount.fetch_add(1);
 }
 
-namespace {
+}  // namespace RefHost
 
-bool SinkTakes(std::string_view category, int level, bool includeParents) {
-  Settings& settings = TheSettings();
-  const std::lock_guard lock(settings.mutex);
-  const auto own = settings.categoryLevels.find(category);
-  if (own != settings.categoryLevels.end()) return level <= own->second;
-  return includeParents && level <= settings.level;
-}
+namespace orvcore::debug {
 
-}  // namespace
-
-std::int32_t TraceChangeCount() { return TheSettings().changeCount.load(); }
+std::int32_t TraceChangeCount() { return RefHost::TheSettings().changeCount.load(); }
 
 bool TraceEnabled(std::string_view category, int level, bool includeParents) {
-  return TheSettings().listeners.AnyHears(level) || SinkTakes(category, level, includeParents);
+  return RefHost::TheSettings().listeners.AnyHears(level) ||
+         RefHost::SinkTakes(category, level, includeParents);
 }
 
 void Trace(int level, std::string_view category, std::string_view message) {
-  TheSettings().listeners.Tell(level, message);
-  if (!SinkTakes(category, level, true)) return;
-  std::shared_ptr<const TraceSink> sink;
+  RefHost::TheSettings().listeners.Tell(level, message);
+  if (!RefHost::SinkTakes(category, level, true)) return;
+  std::shared_ptr<const RefHost::TraceSink> sink;
   {
-    Settings& settings = TheSettings();
+    RefHost::Settings& settings = RefHost::TheSettings();
     const std::lock_guard lock(settings.mutex);
     sink = settings.sink;
   }

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string_view>
 
-namespace orvcore::debug {
+namespace RefHost {
 
 /// Receives the messages that are enabled, on the thread that traces. It may be called from
 /// several threads at once; what it throws is dropped.
@@ -40,4 +40,4 @@ class TraceListener {
   friend class TraceListeners;
 };
 
-}  // namespace orvcore::debug
+}  // namespace RefHost

@@ -5,6 +5,8 @@
 using orvmediatypes::color::Chromaticities;
 using orvmediatypes::color::Chromaticity;
 
+namespace RefHost {
+
 namespace {
 
 constexpr Chromaticity kD65{0.3127, 0.3290};
@@ -14,26 +16,26 @@ constexpr Chromaticity kDCIWhite{0.314, 0.351};
 
 std::optional<Chromaticities> OfCodePoint(std::uint8_t primaries) {
   switch (primaries) {
-    case H273::kPrimariesBT709:
+    case kPrimariesBT709:
       return Chromaticities{{0.640, 0.330}, {0.300, 0.600}, {0.150, 0.060}, kD65};
-    case H273::kPrimariesBT470M:
+    case kPrimariesBT470M:
       return Chromaticities{{0.67, 0.33}, {0.21, 0.71}, {0.14, 0.08}, kIlluminantC};
-    case H273::kPrimariesBT470BG:
+    case kPrimariesBT470BG:
       return Chromaticities{{0.64, 0.33}, {0.29, 0.60}, {0.15, 0.06}, kD65};
-    case H273::kPrimariesSMPTE170M:
-    case H273::kPrimariesSMPTE240M:
+    case kPrimariesSMPTE170M:
+    case kPrimariesSMPTE240M:
       return Chromaticities{{0.630, 0.340}, {0.310, 0.595}, {0.155, 0.070}, kD65};
-    case H273::kPrimariesFilm:
+    case kPrimariesFilm:
       return Chromaticities{{0.681, 0.319}, {0.243, 0.692}, {0.145, 0.049}, kIlluminantC};
-    case H273::kPrimariesBT2020:
+    case kPrimariesBT2020:
       return Chromaticities{{0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046}, kD65};
-    case H273::kPrimariesXYZ:
+    case kPrimariesXYZ:
       return Chromaticities{{1.0, 0.0}, {0.0, 1.0}, {0.0, 0.0}, kEqualEnergy};
-    case H273::kPrimariesDCIP3:
+    case kPrimariesDCIP3:
       return Chromaticities{{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, kDCIWhite};
-    case H273::kPrimariesP3D65:
+    case kPrimariesP3D65:
       return Chromaticities{{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, kD65};
-    case H273::kPrimariesEBU3213:
+    case kPrimariesEBU3213:
       return Chromaticities{{0.630, 0.340}, {0.295, 0.605}, {0.155, 0.077}, kD65};
     default:
       return std::nullopt;
@@ -58,13 +60,11 @@ bool SpansAColorSpace(const Chromaticities& c) {
 
 }  // namespace
 
-namespace H273 {
-
 std::optional<Chromaticities> ChromaticitiesOf(const orvmediatypes::color::ColorSpace& colorSpace) {
   const auto& description = colorSpace.Description();
-  if (description.primaries != kUnspecified) return OfCodePoint(description.primaries);
+  if (description.primaries != kUnspecifiedCodePoint) return OfCodePoint(description.primaries);
   if (!SpansAColorSpace(description.chromaticities)) return std::nullopt;
   return description.chromaticities;
 }
 
-}  // namespace H273
+}  // namespace RefHost

@@ -6,9 +6,9 @@
 #include "host/orvmediatypes/ColorSpace.h"
 
 /// Code points of ITU-T H.273 by name, and what they stand for.
-namespace H273 {
+namespace RefHost {
 
-inline constexpr std::uint8_t kUnspecified = 2;
+inline constexpr std::uint8_t kUnspecifiedCodePoint = 2;
 
 // Table 2, colour primaries.
 inline constexpr std::uint8_t kPrimariesBT709 = 1;
@@ -41,10 +41,10 @@ inline constexpr std::uint8_t kTransferHLG = 18;
 // Table 4, matrix coefficients.
 inline constexpr std::uint8_t kMatrixIdentity = 0;
 
-/// Primaries and white point: those of the code point or, where it is `kUnspecified`, the
+/// Primaries and white point: those of the code point or, where it is `kUnspecifiedCodePoint`, the
 /// coordinates that the colour space gives. Nothing for other code points, and for coordinates
 /// that span no colour space.
 std::optional<orvmediatypes::color::Chromaticities> ChromaticitiesOf(
     const orvmediatypes::color::ColorSpace& colorSpace);
 
-}  // namespace H273
+}  // namespace RefHost

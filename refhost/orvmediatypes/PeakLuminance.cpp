@@ -5,7 +5,10 @@
 
 #include "refhost/orvmediatypes/H273.h"
 
-namespace orvmediatypes::color {
+using orvmediatypes::color::ColorDescription;
+using orvmediatypes::color::ColorSpace;
+
+namespace RefHost {
 
 std::optional<int> MetadataPeakNits(const ColorSpace& colorSpace) {
   const ColorDescription& description = colorSpace.Description();
@@ -19,13 +22,13 @@ std::optional<int> MetadataPeakNits(const ColorSpace& colorSpace) {
 int PeakNits(const ColorSpace& colorSpace) {
   if (const auto nits = MetadataPeakNits(colorSpace)) return *nits;
   switch (colorSpace.Description().transfer) {
-    case H273::kTransferPQ:
+    case kTransferPQ:
       return 10000;
-    case H273::kTransferHLG:
+    case kTransferHLG:
       return kNominalHlgNits;
     default:
       return -1;
   }
 }
 
-}  // namespace orvmediatypes::color
+}  // namespace RefHost

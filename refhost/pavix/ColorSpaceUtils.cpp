@@ -11,16 +11,16 @@ bool IsNewColorManagementEnabled() { return true; }
 
 bool IsSDRColorSpace(const ColorSpace& colorSpace) {
   switch (colorSpace.Description().transfer) {
-    case H273::kTransferBT709:
-    case H273::kTransferGamma22:
-    case H273::kTransferGamma28:
-    case H273::kTransferSMPTE170M:
-    case H273::kTransferSMPTE240M:
-    case H273::kTransferXvYCC:
-    case H273::kTransferSRGB:
-    case H273::kTransferBT2020:
-    case H273::kTransferBT2020TwelveBit:
-    case H273::kTransferST428:
+    case RefHost::kTransferBT709:
+    case RefHost::kTransferGamma22:
+    case RefHost::kTransferGamma28:
+    case RefHost::kTransferSMPTE170M:
+    case RefHost::kTransferSMPTE240M:
+    case RefHost::kTransferXvYCC:
+    case RefHost::kTransferSRGB:
+    case RefHost::kTransferBT2020:
+    case RefHost::kTransferBT2020TwelveBit:
+    case RefHost::kTransferST428:
       return true;
     default:
       return false;
@@ -30,9 +30,9 @@ bool IsSDRColorSpace(const ColorSpace& colorSpace) {
 // Linear light counts as HDR: it has no ceiling at graphics white.
 bool IsHDRColorSpace(const ColorSpace& colorSpace) {
   switch (colorSpace.Description().transfer) {
-    case H273::kTransferLinear:
-    case H273::kTransferPQ:
-    case H273::kTransferHLG:
+    case RefHost::kTransferLinear:
+    case RefHost::kTransferPQ:
+    case RefHost::kTransferHLG:
       return true;
     default:
       return false;
@@ -41,16 +41,14 @@ bool IsHDRColorSpace(const ColorSpace& colorSpace) {
 
 bool IsRec2100HLGColorSpace(const ColorSpace& colorSpace) {
   const auto& description = colorSpace.Description();
-  return description.primaries == H273::kPrimariesBT2020 &&
-         description.transfer == H273::kTransferHLG;
+  return description.primaries == RefHost::kPrimariesBT2020 &&
+         description.transfer == RefHost::kTransferHLG;
 }
 
-int GetPeakLuminance(const ColorSpace& colorSpace) {
-  return orvmediatypes::color::PeakNits(colorSpace);
-}
+int GetPeakLuminance(const ColorSpace& colorSpace) { return RefHost::PeakNits(colorSpace); }
 
 bool GetIfExistsPeakLuminanceFromColorSpaceMetaData(const ColorSpace& colorSpace, int& nits) {
-  const auto metadata = orvmediatypes::color::MetadataPeakNits(colorSpace);
+  const auto metadata = RefHost::MetadataPeakNits(colorSpace);
   nits = metadata.value_or(nits);
   return metadata.has_value();
 }

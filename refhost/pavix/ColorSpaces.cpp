@@ -10,9 +10,9 @@ namespace PX::ColorSpaces {
 const ColorSpace& OR2100PQ() {
   static const ColorSpace kColorSpace = [] {
     ColorDescription description;
-    description.primaries = H273::kPrimariesBT2020;
-    description.transfer = H273::kTransferPQ;
-    description.matrix = H273::kMatrixIdentity;
+    description.primaries = RefHost::kPrimariesBT2020;
+    description.transfer = RefHost::kTransferPQ;
+    description.matrix = RefHost::kMatrixIdentity;
     description.fullRange = true;
     return ColorSpace(description);
   }();

@@ -34,13 +34,13 @@ TEST(RowWalk, AllocatesNothingWhereLightLiesBeyondTheTables) {
         pixels[i] = (i % 2 == 0 ? 1.0F : -1.0F) * static_cast<float>(i);
       }
       const int rows = 40;
-      orvcore::allocator::ResetRecyclerPeak();
+      RefHost::ResetRecyclerPeak();
       const long heap = AllocationCount();
       Quillon::QuillonImpl().GenerateGamutMappedRows(std::move(curve), std::move(compress),
                                                      pixels.data(), rows, 400, 100.0F, vector,
                                                      limit, settings);
       EXPECT_EQ(AllocationCount(), heap);
-      const auto recycler = orvcore::allocator::GetRecyclerStatistics();
+      const auto recycler = RefHost::GetRecyclerStatistics();
       EXPECT_EQ(recycler.peak, recycler.inUse);
     }
   }

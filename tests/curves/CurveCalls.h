@@ -45,10 +45,10 @@ QUILLON_FUNCTION void CallSingleSt2084(const float* in, float* out) {
   out[1] = DecodeSingleSt2084(in[0]);
 }
 
-/// T, P and intensity as they are named in a fit; what lies beyond a place; a share.
+/// The hue of T and P, a place in a table, and a share of the boundary.
 QUILLON_FUNCTION void CallGamutFit(const float* in, float* out) {
   out[0] = HueOfFit(in[0], in[1]);
-  out[2] = BitsOf(in[2]) > 0x7f800000U ? 0.0f : FittedShare(in[2], 0.9f, 0.94f);
+  out[2] = FittedShare(in[2], 0.9f, 0.94f);
   float way = 0.0f;
   out[1] = (float)EntryBelow(in[2], 24.0f, &way) + way;
 }

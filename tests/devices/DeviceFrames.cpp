@@ -26,17 +26,17 @@ namespace {
 PX::VideoFrameRef MakeLike(const PX::VideoFrameRef& frame) {
   const orvcore::geom::Bounds bounds = frame->GetBounds();
   PX::VideoFrameRef made;
-  EXPECT_EQ(KS::CreateSystemFrame(made, {.format = frame->GetPixelFormat(),
-                                         .width = bounds.width,
-                                         .height = bounds.height,
-                                         .colorSpace = frame->GetColorSpace()}),
+  EXPECT_EQ(RefHost::CreateSystemFrame(made, {.format = frame->GetPixelFormat(),
+                                              .width = bounds.width,
+                                              .height = bounds.height,
+                                              .colorSpace = frame->GetColorSpace()}),
             0);
   return made;
 }
 
 void Store(const Pixel& pixel, PixelFormat format, std::byte* place) {
   for (std::size_t c = 0; c < pixel.size(); ++c) {
-    if (format == KS::kBgraFloat) {
+    if (format == RefHost::kBgraFloat) {
       std::memcpy(place + 4 * c, &pixel[c], sizeof(float));
     } else {
       const auto half = static_cast<std::uint16_t>(ToHalf(pixel[c]));
@@ -48,7 +48,7 @@ void Store(const Pixel& pixel, PixelFormat format, std::byte* place) {
 Pixel Load(PixelFormat format, const std::byte* place) {
   Pixel pixel{};
   for (std::size_t c = 0; c < pixel.size(); ++c) {
-    if (format == KS::kBgraFloat) {
+    if (format == RefHost::kBgraFloat) {
       std::memcpy(&pixel[c], place + 4 * c, sizeof(float));
     } else {
       std::uint16_t half = 0;
@@ -62,9 +62,9 @@ Pixel Load(PixelFormat format, const std::byte* place) {
 /// Calls `visit` with the place of every pixel of a frame in system memory, row by row.
 template <class Visit>
 void ForEachPlace(const PX::VideoFrameRef& frame, Visit visit) {
-  KS::FrameView view;
-  ASSERT_EQ(KS::ViewFrame(frame, view), 0);
-  const std::ptrdiff_t bytes = view.format == KS::kBgraFloat ? 16 : 8;
+  RefHost::FrameView view;
+  ASSERT_EQ(RefHost::ViewFrame(frame, view), 0);
+  const std::ptrdiff_t bytes = view.format == RefHost::kBgraFloat ? 16 : 8;
   for (int row = 0; row < view.height; ++row) {
     for (int column = 0; column < view.width; ++column) visit(view.Row(0, row) + column * bytes);
   }
@@ -72,8 +72,9 @@ void ForEachPlace(const PX::VideoFrameRef& frame, Visit visit) {
 
 }  // namespace
 
-PX::VideoFrameRef MakeGPUFrame(const std::shared_ptr<IL::GPUDevice>& device, PixelFormat format,
-                               int width, int height, const ColorSpace& colorSpace) {
+PX::VideoFrameRef MakeGPUFrame(const std::shared_ptr<RefHost::GPUDevice>& device,
+                               PixelFormat format, int width, int height,
+                               const ColorSpace& colorSpace) {
   PX::VideoFrameRef frame;
   EXPECT_EQ(KS::CreateGPUVideoFrame(frame, device, format, width, height, {}, {}, {}, colorSpace, 0,
                                     0, 0, nullptr, {}, false),
@@ -85,7 +86,7 @@ PX::VideoFrameRef MakeSystemFrame(PixelFormat format, int width, int height,
                                   const ColorSpace& colorSpace, const Pixels& pixels) {
   PX::VideoFrameRef frame;
   EXPECT_EQ(
-      KS::CreateSystemFrame(
+      RefHost::CreateSystemFrame(
           frame, {.format = format, .width = width, .height = height, .colorSpace = colorSpace}),
       0);
   auto pixel = pixels.begin();
@@ -93,7 +94,7 @@ PX::VideoFrameRef MakeSystemFrame(PixelFormat format, int width, int height,
   return frame;
 }
 
-PX::VideoFrameRef OnGPU(const std::shared_ptr<IL::GPUDevice>& device,
+PX::VideoFrameRef OnGPU(const std::shared_ptr<RefHost::GPUDevice>& device,
                         const PX::VideoFrameRef& frame) {
   const orvcore::geom::Bounds bounds = frame->GetBounds();
   PX::VideoFrameRef onGPU = MakeGPUFrame(device, frame->GetPixelFormat(), bounds.width,
@@ -104,7 +105,7 @@ PX::VideoFrameRef OnGPU(const std::shared_ptr<IL::GPUDevice>& device,
 
 Pixels PixelsOf(const PX::VideoFrameRef& frame) {
   PX::VideoFrameRef inMemory = frame;
-  if (KS::IsOnGPU(frame)) {
+  if (RefHost::IsOnGPU(frame)) {
     inMemory = MakeLike(frame);
     EXPECT_EQ(KS::GPUFrameManipulators::CopyFrame(frame, inMemory, 4, {}), 0);
   }
@@ -172,7 +173,8 @@ void ExpectSameBits(const Pixels& actual, const Pixels& expected) {
   }
 }
 
-void ExpectComputed(const IL::GPUDevice& device, const Pixels& actual, const Pixels& expected) {
+void ExpectComputed(const RefHost::GPUDevice& device, const Pixels& actual,
+                    const Pixels& expected) {
   SCOPED_TRACE(testing::Message() << device.Info().name);
   if (device.Info().isExact) return ExpectSameBits(actual, expected);
   ASSERT_EQ(actual.size(), expected.size());

@@ -13,7 +13,7 @@ using Pixel = std::array<float, 4>;
 using Pixels = std::vector<Pixel>;
 
 /// A frame on the device, contents undefined; not usable when it cannot be made.
-PX::VideoFrameRef MakeGPUFrame(const std::shared_ptr<IL::GPUDevice>& device,
+PX::VideoFrameRef MakeGPUFrame(const std::shared_ptr<RefHost::GPUDevice>& device,
                                orvmediatypes::PixelFormat format, int width, int height,
                                const orvmediatypes::color::ColorSpace& colorSpace);
 
@@ -23,7 +23,7 @@ PX::VideoFrameRef MakeSystemFrame(orvmediatypes::PixelFormat format, int width, 
                                   const Pixels& pixels);
 
 /// A frame on the device with the pixels of one in system memory.
-PX::VideoFrameRef OnGPU(const std::shared_ptr<IL::GPUDevice>& device,
+PX::VideoFrameRef OnGPU(const std::shared_ptr<RefHost::GPUDevice>& device,
                         const PX::VideoFrameRef& frame);
 
 /// The pixels of a float or half frame, wherever it is.
@@ -42,4 +42,4 @@ void ExpectSameBits(const Pixels& actual, const Pixels& expected);
 /// Expects of a device's results the bits of the processor; of a device whose arithmetic is not
 /// exact only that channels lie within a ten-thousandth of the pixel's largest, in pixels of
 /// ordinary numbers. A failure names the device.
-void ExpectComputed(const IL::GPUDevice& device, const Pixels& actual, const Pixels& expected);
+void ExpectComputed(const RefHost::GPUDevice& device, const Pixels& actual, const Pixels& expected);

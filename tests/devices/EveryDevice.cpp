@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-std::string TestDevice::Name() const { return IL::DeviceName(platformKind, ordinal); }
+std::string TestDevice::Name() const { return RefHost::DeviceName(platformKind, ordinal); }
 
 std::string TestDevice::TestName() const {
   std::string name = Name();
@@ -10,8 +10,8 @@ std::string TestDevice::TestName() const {
   return name;
 }
 
-std::shared_ptr<IL::GPUDevice> TestDevice::Open() const {
-  return IL::OpenDevice(platformKind, ordinal);
+std::shared_ptr<RefHost::GPUDevice> TestDevice::Open() const {
+  return RefHost::OpenDevice(platformKind, ordinal);
 }
 
 std::ostream& operator<<(std::ostream& stream, const TestDevice& device) {
@@ -20,7 +20,7 @@ std::ostream& operator<<(std::ostream& stream, const TestDevice& device) {
 
 std::vector<TestDevice> EveryDevice() {
   std::vector<TestDevice> devices;
-  for (const IL::DeviceInfo& info : IL::ListDevices()) {
+  for (const RefHost::DeviceInfo& info : RefHost::ListDevices()) {
     if (info.obstacle.empty()) devices.push_back({info.platformKind, info.ordinal});
   }
   return devices;

@@ -17,7 +17,7 @@ struct TestDevice {
   std::string Name() const;
   /// The same with an underscore, for names of tests.
   std::string TestName() const;
-  std::shared_ptr<IL::GPUDevice> Open() const;
+  std::shared_ptr<RefHost::GPUDevice> Open() const;
 };
 
 std::ostream& operator<<(std::ostream& stream, const TestDevice& device);
@@ -30,7 +30,7 @@ class OnDevice : public testing::TestWithParam<TestDevice> {
  protected:
   void SetUp() override { ASSERT_NE(device_, nullptr) << GetParam(); }
 
-  std::shared_ptr<IL::GPUDevice> device_ = GetParam().Open();
+  std::shared_ptr<RefHost::GPUDevice> device_ = GetParam().Open();
 };
 
 /// For INSTANTIATE_TEST_SUITE_P.

@@ -117,22 +117,23 @@ Pixels Expected(const PX::VideoFrameRef& source, const GamutMappingSettings& set
                 int height) {
   const ColorSpace& to = settings.toneMapSettings.destinationColorSpace;
   PX::VideoFrameRef result =
-      MakeSystemFrame(KS::kBgraFloat, width, height, to, NotablePixels(width, height, 0));
+      MakeSystemFrame(RefHost::kBgraFloat, width, height, to, NotablePixels(width, height, 0));
   if (!IsBt2390(settings.toneMapSettings.algorithmType)) {
     EXPECT_EQ(Quillon::ApplyGamutMapping(source, settings, result), 0);
     return PixelsOf(result);
   }
   const ColorSpace linear = CHR::ORVColorSpaceToEquivalentLinearColorSpace(source->GetColorSpace());
-  const auto working = MakeSystemFrame(KS::kBgraFloat, width, height, linear, PixelsOf(result));
+  const auto working =
+      MakeSystemFrame(RefHost::kBgraFloat, width, height, linear, PixelsOf(result));
   EXPECT_EQ(KS::VideoFrameManipulators::CopyFrame(source, working, 4, White(203)), 0);
   Pixels pixels = PixelsOf(working);
   if (CHR::IsGamutCompressionApplicable(settings)) CompressGamut(settings, pixels);
   EXPECT_TRUE(CHR::IsToneMappingApplicable(settings.toneMapSettings));
   ToneMapBt2390(settings, pixels);
-  EXPECT_EQ(
-      KS::VideoFrameManipulators::CopyFrame(
-          MakeSystemFrame(KS::kBgraFloat, width, height, linear, pixels), result, 4, White(203)),
-      0);
+  EXPECT_EQ(KS::VideoFrameManipulators::CopyFrame(
+                MakeSystemFrame(RefHost::kBgraFloat, width, height, linear, pixels), result, 4,
+                White(203)),
+            0);
   return PixelsOf(result);
 }
 
@@ -144,14 +145,14 @@ class MapOnDevice : public testing::TestWithParam<Case> {
     const auto& [device, algorithm, gamut] = GetParam();
     const GamutMappingSettings settings = SettingsFor(from, to, algorithm, gamut);
     const auto source =
-        MakeSystemFrame(KS::kBgraFloat, width, height, from, NotablePixels(width, height, 77));
+        MakeSystemFrame(RefHost::kBgraFloat, width, height, from, NotablePixels(width, height, 77));
     const auto onGPU = OnGPU(device_, source);
-    PX::VideoFrameRef result = MakeGPUFrame(device_, KS::kBgraFloat, width, height, to);
+    PX::VideoFrameRef result = MakeGPUFrame(device_, RefHost::kBgraFloat, width, height, to);
     ASSERT_EQ(Quillon::ApplyGamutMapping(onGPU, settings, result), 0);
     ExpectComputed(*device_, PixelsOf(result), Expected(source, settings, width, height));
   }
 
-  const std::shared_ptr<IL::GPUDevice> device_ = std::get<0>(GetParam()).Open();
+  const std::shared_ptr<RefHost::GPUDevice> device_ = std::get<0>(GetParam()).Open();
 };
 
 TEST_P(MapOnDevice, GivesPQTheBitsOfTheProcessor) {
@@ -190,7 +191,7 @@ class GPUPipeline : public OnDevice {};
 
 TEST_P(GPUPipeline, RefusesFramesInDifferentPlaces) {
   const Pixels pixels = NotablePixels(4, 4, 1);
-  auto inMemory = MakeSystemFrame(KS::kBgraFloat, 4, 4, Space(9, 16), pixels);
+  auto inMemory = MakeSystemFrame(RefHost::kBgraFloat, 4, 4, Space(9, 16), pixels);
   auto onGPU = OnGPU(device_, inMemory);
   const auto settings =
       SettingsFor(Space(9, 16), Space(1, 13), ToneMapAlgorithmType::HuePreservationDesaturation,
@@ -206,7 +207,7 @@ TEST_P(GPUPipeline, WorksOnALinearSourceInPlace) {
                                     ToneMapAlgorithmType::HuePreservationDesaturation,
                                     GamutCompressionAlgorithmType::None);
   const auto inMemory =
-      MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 8, 4000), NotablePixels(9, 4, 1));
+      MakeSystemFrame(RefHost::kBgraFloat, 9, 4, Space(9, 8, 4000), NotablePixels(9, 4, 1));
   auto frame = OnGPU(device_, inMemory);
   ASSERT_EQ(Quillon::ApplyGamutMapping(frame, settings, frame), 0);
   PX::VideoFrameRef expected = inMemory;
@@ -219,9 +220,9 @@ TEST_P(GPUPipeline, MapsHalfFramesAndRoundsThemBetweenSteps) {
                                     ToneMapAlgorithmType::HuePreservationDesaturation,
                                     GamutCompressionAlgorithmType::None);
   const Pixels pixels = RoundedToHalf(NotablePixels(33, 9, 5));
-  auto half = OnGPU(device_, MakeSystemFrame(KS::kBgraHalf, 33, 9, Space(9, 8, 4000), pixels));
+  auto half = OnGPU(device_, MakeSystemFrame(RefHost::kBgraHalf, 33, 9, Space(9, 8, 4000), pixels));
   ASSERT_EQ(Quillon::ApplyGamutMapping(half, settings, half), 0);
-  auto whole = MakeSystemFrame(KS::kBgraFloat, 33, 9, Space(9, 8, 4000), pixels);
+  auto whole = MakeSystemFrame(RefHost::kBgraFloat, 33, 9, Space(9, 8, 4000), pixels);
   ASSERT_EQ(Quillon::ApplyGamutMapping(whole, settings, whole), 0);
   ExpectComputed(*device_, PixelsOf(half), RoundedToHalf(PixelsOf(whole)));
 }
@@ -230,8 +231,9 @@ TEST_P(GPUPipeline, CopiesWhereNothingApplies) {
   const auto settings = SettingsFor(Space(9, 16), Space(9, 16), ToneMapAlgorithmType::None,
                                     GamutCompressionAlgorithmType::None);
   const Pixels pixels = NotablePixels(9, 4, 2);
-  const auto source = OnGPU(device_, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 16), pixels));
-  PX::VideoFrameRef destination = MakeGPUFrame(device_, KS::kBgraFloat, 9, 4, Space(9, 16));
+  const auto source =
+      OnGPU(device_, MakeSystemFrame(RefHost::kBgraFloat, 9, 4, Space(9, 16), pixels));
+  PX::VideoFrameRef destination = MakeGPUFrame(device_, RefHost::kBgraFloat, 9, 4, Space(9, 16));
   ASSERT_EQ(Quillon::ApplyGamutMapping(source, settings, destination), 0);
   ExpectSameBits(PixelsOf(destination), pixels);
 }
@@ -239,16 +241,17 @@ TEST_P(GPUPipeline, CopiesWhereNothingApplies) {
 TEST_P(GPUPipeline, RefusesFramesOnDifferentDevices) {
   if (GetParam().platformKind != IL::kPlatformOpenCl) GTEST_SKIP() << "not an OpenCL device";
   // The same hardware, but another context: neither knows the other's memory.
-  const auto other = IL::OpenOpenClDevice(GetParam().ordinal);
+  const auto other = RefHost::OpenOpenClDevice(GetParam().ordinal);
   ASSERT_NE(other, nullptr);
   const Pixels pixels = NotablePixels(9, 4, 2);
   for (const auto gamut :
        {GamutCompressionAlgorithmType::None, GamutCompressionAlgorithmType::Desaturation}) {
     const auto settings = SettingsFor(Space(9, 16), Space(1, 13),
                                       ToneMapAlgorithmType::HuePreservationDesaturation, gamut);
-    const auto source = OnGPU(device_, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(9, 16), pixels));
+    const auto source =
+        OnGPU(device_, MakeSystemFrame(RefHost::kBgraFloat, 9, 4, Space(9, 16), pixels));
     PX::VideoFrameRef destination =
-        OnGPU(other, MakeSystemFrame(KS::kBgraFloat, 9, 4, Space(1, 13), pixels));
+        OnGPU(other, MakeSystemFrame(RefHost::kBgraFloat, 9, 4, Space(1, 13), pixels));
     EXPECT_LT(Quillon::ApplyGamutMapping(source, settings, destination), 0);
     ExpectSameBits(PixelsOf(destination), pixels);
     ExpectSameBits(PixelsOf(source), pixels);

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "gpu/GPUFrameDescriptor.h"
+#include "host/ironlane/GPUFrameDescriptor.h"
 #include "tests/host/Describe.h"
 
 namespace scripted {

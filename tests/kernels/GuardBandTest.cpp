@@ -50,12 +50,12 @@ class GuardBands : public testing::TestWithParam<std::tuple<TestDevice, std::siz
       GTEST_SKIP() << "needs memory that begins within other memory, which OpenCL alone has here";
     }
     const auto ordinal = std::get<0>(GetParam()).ordinal;
-    device_ = IL::FindOpenClDevices()[static_cast<std::size_t>(ordinal)];
+    device_ = RefHost::FindOpenClDevices()[static_cast<std::size_t>(ordinal)];
     context_ = cl::Context(device_);
     queue_ = cl::CommandQueue(context_, device_);
-    const auto program =
-        IL::BuildOpenClProgram(context_, device_, IL::DescribeOpenClDevice(device_, ordinal),
-                               *kernels::FindKernelModule("ToneMapMain"), IL::BinaryCache());
+    const auto program = RefHost::BuildOpenClProgram(
+        context_, device_, RefHost::DescribeOpenClDevice(device_, ordinal),
+        *kernels::FindKernelModule("ToneMapMain"), RefHost::BinaryCache());
     ASSERT_TRUE(program.has_value());
     run_ = cl::Kernel(*program, kernel_.name.c_str());
   }

@@ -4,8 +4,8 @@
 
 namespace {
 
-int RunOn(const std::shared_ptr<IL::GPUDevice>& device, const std::string& kernel,
-          const KS::GPUFrameView& view, const std::vector<float>& floats, std::uint32_t blockX,
+int RunOn(const std::shared_ptr<RefHost::GPUDevice>& device, const std::string& kernel,
+          const RefHost::GPUFrameView& view, const std::vector<float>& floats, std::uint32_t blockX,
           std::uint32_t blockY) {
   const std::uint32_t pitch = view.rowBytes / view.pixelBytes;
   const std::uint32_t flag = view.IsHalf() ? 0 : 1;
@@ -42,19 +42,19 @@ int RunOn(const std::shared_ptr<IL::GPUDevice>& device, const std::string& kerne
 
 }  // namespace
 
-int RunToneMapKernel(const std::shared_ptr<IL::GPUDevice>& device, const std::string& kernel,
+int RunToneMapKernel(const std::shared_ptr<RefHost::GPUDevice>& device, const std::string& kernel,
                      const PX::VideoFrameRef& frame, const std::vector<float>& floats,
                      std::uint32_t blockX, std::uint32_t blockY) {
-  KS::GPUFrameView view;
-  if (const int result = KS::ViewGPUFrame(frame, view); result < 0) return result;
+  RefHost::GPUFrameView view;
+  if (const int result = RefHost::ViewGPUFrame(frame, view); result < 0) return result;
   return RunOn(device, kernel, view, floats, blockX, blockY);
 }
 
-int RunToneMapKernelOnPart(const std::shared_ptr<IL::GPUDevice>& device, const std::string& kernel,
-                           const PX::VideoFrameRef& frame, std::uint32_t columns,
-                           const std::vector<float>& floats) {
-  KS::GPUFrameView view;
-  if (const int result = KS::ViewGPUFrame(frame, view); result < 0) return result;
+int RunToneMapKernelOnPart(const std::shared_ptr<RefHost::GPUDevice>& device,
+                           const std::string& kernel, const PX::VideoFrameRef& frame,
+                           std::uint32_t columns, const std::vector<float>& floats) {
+  RefHost::GPUFrameView view;
+  if (const int result = RefHost::ViewGPUFrame(frame, view); result < 0) return result;
   view.width = columns;
   return RunOn(device, kernel, view, floats, 1, 1);
 }

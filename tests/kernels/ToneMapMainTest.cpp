@@ -98,7 +98,7 @@ class ToneMapMain : public KernelOnDevice {
   }
 
   const Kernel kernel_ = AllKernels()[std::get<1>(GetParam())];
-  const std::shared_ptr<IL::GPUDevice> device_ = std::get<0>(GetParam()).Open();
+  const std::shared_ptr<RefHost::GPUDevice> device_ = std::get<0>(GetParam()).Open();
 };
 
 TEST_P(ToneMapMain, GivesFloatFramesTheBitsOfTheProcessor) {
@@ -106,32 +106,34 @@ TEST_P(ToneMapMain, GivesFloatFramesTheBitsOfTheProcessor) {
        {std::pair{1, 1}, {2, 1}, {1, 3}, {7, 5}, {16, 16}, {17, 33}, {64, 2}, {70, 35}}) {
     SCOPED_TRACE(testing::Message() << width << " x " << height);
     const Pixels pixels = NotablePixels(width, height, 11U + static_cast<unsigned>(width));
-    ExpectComputed(*device_, Run(KS::kBgraFloat, width, height, pixels, 1, 1),
+    ExpectComputed(*device_, Run(RefHost::kBgraFloat, width, height, pixels, 1, 1),
                    Mapped(pixels, kernel_));
   }
 }
 
 TEST_P(ToneMapMain, GivesAWholeFrameTheBitsOfTheProcessor) {
   const Pixels pixels = NotablePixels(1920, 1080, 5);
-  ExpectComputed(*device_, Run(KS::kBgraFloat, 1920, 1080, pixels, 1, 1), Mapped(pixels, kernel_));
+  ExpectComputed(*device_, Run(RefHost::kBgraFloat, 1920, 1080, pixels, 1, 1),
+                 Mapped(pixels, kernel_));
 }
 
 TEST_P(ToneMapMain, GivesHalfFramesTheFloatResultRoundedOnce) {
   const Pixels pixels = RoundedToHalf(NotablePixels(70, 35, 3));
-  ExpectComputed(*device_, Run(KS::kBgraHalf, 70, 35, pixels, 1, 1),
+  ExpectComputed(*device_, Run(RefHost::kBgraHalf, 70, 35, pixels, 1, 1),
                  RoundedToHalf(Mapped(pixels, kernel_)));
 }
 
 TEST_P(ToneMapMain, LeavesThreadsBeyondTheFrameWithoutAPixel) {
   const Pixels pixels = NotablePixels(19, 5, 8);
-  ExpectComputed(*device_, Run(KS::kBgraFloat, 19, 5, pixels, 16, 16), Mapped(pixels, kernel_));
-  ExpectComputed(*device_, Run(KS::kBgraFloat, 19, 5, pixels, 64, 1), Mapped(pixels, kernel_));
+  ExpectComputed(*device_, Run(RefHost::kBgraFloat, 19, 5, pixels, 16, 16),
+                 Mapped(pixels, kernel_));
+  ExpectComputed(*device_, Run(RefHost::kBgraFloat, 19, 5, pixels, 64, 1), Mapped(pixels, kernel_));
 }
 
 TEST_P(ToneMapMain, LeavesWhatLiesBetweenRowsAsItWas) {
   // A frame of 3 pixels has rows of 16: as one of 16 it shows what lies between.
-  const auto frame =
-      OnGPU(device_, MakeSystemFrame(KS::kBgraFloat, 16, 4, Space(9, 8), NotablePixels(16, 4, 21)));
+  const auto frame = OnGPU(
+      device_, MakeSystemFrame(RefHost::kBgraFloat, 16, 4, Space(9, 8), NotablePixels(16, 4, 21)));
   const Pixels before = PixelsOf(frame);
   ASSERT_EQ(RunToneMapKernelOnPart(device_, kernel_.name, frame, 3, kernel_.floats), 0);
   const Pixels mapped = Mapped(before, kernel_);

@@ -43,9 +43,9 @@ TEST(EveryDevice, GivesTheBitsOfTheProcessor) {
   ASSERT_TRUE(onProcessor);
   OwnPicture expected(kBGRAFloat, 40, 30);
   ASSERT_FALSE(onProcessor->Map(source.Read(), expected.Shown()));
-  for (const auto& info : IL::ListDevices()) {
+  for (const auto& info : RefHost::ListDevices()) {
     if (!info.obstacle.empty() || !info.isExact) continue;
-    const std::string name = IL::DeviceName(info.platformKind, info.ordinal);
+    const std::string name = RefHost::DeviceName(info.platformKind, info.ordinal);
     auto device = OpenDevice(name);
     ASSERT_TRUE(device) << name << ": " << device.error().trace;
     EXPECT_EQ(DeviceName(device->get()), name);

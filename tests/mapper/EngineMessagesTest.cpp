@@ -49,9 +49,8 @@ TEST(EngineMessages, OfAThreadThatDoesNotAreForAll) {
 
 TEST(EngineMessages, LeaveTheSinkOfTheProgramAlone) {
   std::string heard;
-  orvcore::debug::SetTraceSink(
-      [&](int, std::string_view, std::string_view text) { heard += text; });
-  orvcore::debug::SetTraceLevel(3);
+  RefHost::SetTraceSink([&](int, std::string_view, std::string_view text) { heard += text; });
+  RefHost::SetTraceLevel(3);
   {
     const EngineMessages messages;
     Trace(7, "Quillon", "failure");
@@ -60,8 +59,8 @@ TEST(EngineMessages, LeaveTheSinkOfTheProgramAlone) {
   }
   Trace(3, "Other", ", still");
   EXPECT_FALSE(orvcore::debug::TraceEnabled("Quillon", 7, true));
-  orvcore::debug::SetTraceLevel(0);
-  orvcore::debug::SetTraceSink({});
+  RefHost::SetTraceLevel(0);
+  RefHost::SetTraceSink({});
   EXPECT_EQ(heard, "note, still");
 }
 

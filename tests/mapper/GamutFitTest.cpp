@@ -28,12 +28,12 @@ constexpr int kWhite = 203;
 ColorSpace Of(std::uint8_t primaries) {
   ColorDescription description;
   description.primaries = primaries;
-  description.transfer = H273::kTransferLinear;
+  description.transfer = RefHost::kTransferLinear;
   return ColorSpace(description);
 }
 
 std::shared_ptr<const GamutFit> FitIntoBt709(double peakNits = kWhite) {
-  return MakeGamutFit(Of(H273::kPrimariesBT709), peakNits, kWhite);
+  return MakeGamutFit(Of(RefHost::kPrimariesBT709), peakNits, kWhite);
 }
 
 using Pixels = std::vector<float>;
@@ -237,11 +237,11 @@ TEST(AGamutFit, IsNotThereForPrimariesThatAreNotKnown) {
 }
 
 TEST(AGamut, ReachesBeyondANarrowerOne) {
-  EXPECT_TRUE(ReachesBeyond(Of(H273::kPrimariesBT2020), Of(H273::kPrimariesBT709)));
-  EXPECT_TRUE(ReachesBeyond(Of(H273::kPrimariesP3D65), Of(H273::kPrimariesBT709)));
-  EXPECT_FALSE(ReachesBeyond(Of(H273::kPrimariesBT709), Of(H273::kPrimariesBT709)));
-  EXPECT_FALSE(ReachesBeyond(Of(H273::kPrimariesBT709), Of(H273::kPrimariesBT2020)));
-  EXPECT_FALSE(ReachesBeyond(Of(200), Of(H273::kPrimariesBT709)));
+  EXPECT_TRUE(ReachesBeyond(Of(RefHost::kPrimariesBT2020), Of(RefHost::kPrimariesBT709)));
+  EXPECT_TRUE(ReachesBeyond(Of(RefHost::kPrimariesP3D65), Of(RefHost::kPrimariesBT709)));
+  EXPECT_FALSE(ReachesBeyond(Of(RefHost::kPrimariesBT709), Of(RefHost::kPrimariesBT709)));
+  EXPECT_FALSE(ReachesBeyond(Of(RefHost::kPrimariesBT709), Of(RefHost::kPrimariesBT2020)));
+  EXPECT_FALSE(ReachesBeyond(Of(200), Of(RefHost::kPrimariesBT709)));
 }
 
 }  // namespace

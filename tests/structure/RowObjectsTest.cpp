@@ -28,7 +28,7 @@ TEST(RowObjects, ShareNothingButTheirEntryWithCodeForOlderProcessors) {
     int entries = 0;
     for (const Symbol& symbol : ReadObjectSymbols(object)) {
       const bool isEntry = symbol.type == 'T' && (symbol.name.starts_with("Quillon::MapRun") ||
-                                                  symbol.name.starts_with("CHR::RowFunctions"));
+                                                  symbol.name.starts_with("RefHost::RowFunctions"));
       // A pointer that sanitized builds unwind by; no code.
       if (symbol.name.starts_with("DW.ref.")) continue;
       entries += isEntry ? 1 : 0;

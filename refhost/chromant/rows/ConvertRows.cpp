@@ -2,7 +2,7 @@
 
 #include "refhost/chromant/rows/QuickTables.h"
 
-namespace CHR {
+namespace RefHost {
 
 RowFunctions RowFunctionsBaseline();
 #if defined(__x86_64__)
@@ -44,4 +44,4 @@ bool ConvertRows(InstructionSet set, const ConversionParams& params, float* red,
   return true;
 }
 
-}  // namespace CHR
+}  // namespace RefHost

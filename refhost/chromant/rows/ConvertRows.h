@@ -6,7 +6,7 @@
 #include "refhost/chromant/ConversionParams.h"
 #include "refhost/chromant/rows/RowFunctions.h"
 
-namespace CHR {
+namespace RefHost {
 
 using Quillon::BestInstructionSet;
 using Quillon::CanRun;
@@ -21,4 +21,4 @@ RowFunctions RowFunctionsOf(InstructionSet set);
 bool ConvertRows(InstructionSet set, const ConversionParams& params, float* red, float* green,
                  float* blue, std::size_t count);
 
-}  // namespace CHR
+}  // namespace RefHost

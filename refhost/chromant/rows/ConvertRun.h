@@ -7,7 +7,7 @@
 #include "refhost/chromant/rows/QuickCurves.h"
 #include "refhost/chromant/rows/WideTransfer.h"
 
-namespace CHR {
+namespace RefHost {
 namespace {
 
 /// Pixels whose light is kept between decoding and encoding.
@@ -155,4 +155,4 @@ void ConvertRun(const ConversionParams& params, const QuickTables& tables, float
 }
 
 }  // namespace
-}  // namespace CHR
+}  // namespace RefHost

@@ -6,7 +6,7 @@
 
 #include "refhost/chromant/rows/WideLanes.h"
 
-namespace CHR {
+namespace RefHost {
 namespace {
 
 /// Floats in a register.
@@ -120,4 +120,4 @@ void BoundRun(float* samples, std::size_t count, float most) {
 }
 
 }  // namespace
-}  // namespace CHR
+}  // namespace RefHost

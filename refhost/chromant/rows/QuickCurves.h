@@ -9,7 +9,7 @@
 
 #if defined(__AVX512F__)
 
-namespace CHR {
+namespace RefHost {
 namespace {
 
 /// The entries that the low four bits of each lane name.
@@ -126,6 +126,6 @@ struct QuickRoot {
 };
 
 }  // namespace
-}  // namespace CHR
+}  // namespace RefHost
 
 #endif

@@ -7,7 +7,7 @@
 
 #include "curves/St2084.h"
 
-namespace CHR {
+namespace RefHost {
 
 namespace {
 
@@ -86,4 +86,4 @@ const QuickTables& GetQuickTables() {
   return kTables;
 }
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace CHR {
+namespace RefHost {
 
 /// Parts that a signal's mantissa, from 1 to 2, is cut into, and the powers of two below 2 that
 /// tables go down to. Both are picked by four bits of a double.
@@ -27,4 +27,4 @@ struct QuickTables {
 /// Made once.
 const QuickTables& GetQuickTables();
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -5,7 +5,7 @@
 #include "refhost/chromant/ConversionParams.h"
 #include "refhost/chromant/rows/QuickTables.h"
 
-namespace CHR {
+namespace RefHost {
 
 /// What is done to rows of pixels by one instruction set.
 struct RowFunctions {
@@ -17,4 +17,4 @@ struct RowFunctions {
   void (*bound)(float* samples, std::size_t count, float most);
 };
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -2,8 +2,8 @@
 #include "refhost/chromant/rows/PlaneRows.h"
 #include "refhost/chromant/rows/RowFunctions.h"
 
-namespace CHR {
+namespace RefHost {
 
 RowFunctions RowFunctionsAvx2() { return {ConvertRun, SplitRun, JoinRun, BoundRun}; }
 
-}  // namespace CHR
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 #include "curves/St2084.h"
 #include "refhost/chromant/rows/WideLanes.h"
 
-namespace CHR {
+namespace RefHost {
 namespace {
 
 WideLanes Everywhere(double value) { return value - WideLanes{}; }
@@ -83,4 +83,4 @@ struct PQEncoder {
 };
 
 }  // namespace
-}  // namespace CHR
+}  // namespace RefHost

@@ -4,10 +4,10 @@
 #include <optional>
 
 #include "host/os/DynamicLibrary.h"
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/Trace.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -65,4 +65,4 @@ const CudaApi* GetCudaApi() {
   return api.has_value() ? &*api : nullptr;
 }
 
-}  // namespace IL
+}  // namespace RefHost

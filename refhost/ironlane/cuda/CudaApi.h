@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-namespace IL {
+namespace RefHost {
 
 // Types of NVIDIA's driver, as far as they pass through here. The driver is opened when the program
 // runs; none of its headers is needed.
@@ -43,4 +43,4 @@ struct CudaApi {
 /// lacks a function or does not initialise: the next call tries again. Once there it stays.
 const CudaApi* GetCudaApi();
 
-}  // namespace IL
+}  // namespace RefHost

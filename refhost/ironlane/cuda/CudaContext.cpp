@@ -5,7 +5,7 @@
 
 #include "refhost/ironlane/Trace.h"
 
-namespace IL {
+namespace RefHost {
 
 bool EndsContext(CudaResult result) {
   // Deinitialised, uncorrectable memory and links, illegal addresses and instructions, time-outs,
@@ -41,4 +41,4 @@ int CudaContext::TellLoss() const {
   return kDeviceLost;
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/cuda/CudaApi.h"
 
-namespace IL {
+namespace RefHost {
 
 /// A device's primary context, retained, and current during calls alone. Some errors end a context:
 /// then no call reaches the driver any more, and each gives the same code and message. Any thread
@@ -54,4 +54,4 @@ class CudaContext {
 /// Whether no context survives an error.
 bool EndsContext(CudaResult result);
 
-}  // namespace IL
+}  // namespace RefHost

@@ -6,9 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/ArgumentSet.h"
-#include "refhost/ironlane/ContextIdentity.h"
-#include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/Trace.h"
 #include "refhost/ironlane/cuda/CudaApi.h"
 #include "refhost/ironlane/cuda/CudaContext.h"
@@ -19,7 +18,7 @@
 #include "refhost/ironlane/cuda/CudaStaging.h"
 #include "refhost/orvcore/SharedObject.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -84,10 +83,11 @@ class CudaDevice final : public GPUDevice {
   }
 
   const DeviceInfo& Info() const override { return info_; }
+  std::uint32_t BlockSide() const override { return 16; }
   bool IsLost() const override { return context_.IsLost(); }
 
-  DeviceDescription GetDescription() const override {
-    return {.platformKind = kPlatformCuda,
+  IL::DeviceDescription GetDescription() const override {
+    return {.platformKind = IL::kPlatformCuda,
             .ordinal = info_.ordinal,
             .architectureCode = 3,  // blocks of 16 by 16
             .contextIdentity = identity_};
@@ -132,7 +132,7 @@ class CudaDevice final : public GPUDevice {
     return context_.Call("waiting for the device", [&] { return queues_.WaitForAll(); });
   }
 
-  KernelHandle LoadKernel(std::string_view module, std::string_view kernel) override {
+  IL::KernelHandle LoadKernel(std::string_view module, std::string_view kernel) override {
     const CudaKernel* found = nullptr;
     context_.Call("loading a kernel", [&] {
       found = modules_.Find(module, kernel);
@@ -141,14 +141,15 @@ class CudaDevice final : public GPUDevice {
     return const_cast<CudaKernel*>(found);
   }
 
-  int CreateArguments(KernelHandle kernel, std::uint32_t byValueBytes,
-                      orvcore::classref::InterfaceRef<IArgumentSet>& arguments) override {
+  int CreateArguments(IL::KernelHandle kernel, std::uint32_t byValueBytes,
+                      orvcore::classref::InterfaceRef<IL::IArgumentSet>& arguments) override {
     if (modules_.At(kernel) == nullptr) return kInvalidLaunch;
-    arguments = orvcore::classref::MakeShared<IArgumentSet, ArgumentSet>(kernel, byValueBytes);
+    arguments = MakeShared<IL::IArgumentSet, ArgumentSet>(kernel, byValueBytes);
     return 0;
   }
 
-  int Launch(KernelHandle handle, const orvcore::classref::InterfaceRef<IArgumentSet>& arguments,
+  int Launch(IL::KernelHandle handle,
+             const orvcore::classref::InterfaceRef<IL::IArgumentSet>& arguments,
              std::uint32_t gridX, std::uint32_t gridY, std::uint32_t blockX, std::uint32_t blockY,
              std::uint32_t /*flags*/) override {
     const ArgumentSet* set = FinalArguments(arguments, handle);
@@ -329,4 +330,4 @@ std::shared_ptr<GPUDevice> OpenCudaDevice(std::int32_t ordinal) {
   return Open(*api, *description, isLost);
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -5,7 +5,7 @@
 
 #include "refhost/ironlane/GPUDevice.h"
 
-namespace IL {
+namespace RefHost {
 
 /// All devices of NVIDIA's driver; none where there is no driver.
 std::vector<DeviceInfo> ListCudaDevices();
@@ -15,4 +15,4 @@ std::vector<DeviceInfo> ListCudaDevices();
 /// earlier failure ended it.
 std::shared_ptr<GPUDevice> OpenCudaDevice(std::int32_t ordinal);
 
-}  // namespace IL
+}  // namespace RefHost

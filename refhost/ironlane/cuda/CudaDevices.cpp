@@ -6,7 +6,7 @@
 
 #include "kernels/KernelModules.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -62,7 +62,7 @@ std::optional<CudaDescription> DescribeCudaDevice(const CudaApi& api, std::int32
                                   AttributeOf(api, device.id, kComputeCapabilityMinor)},
                    .driverVersion = version};
   device.hasPools = AttributeOf(api, device.id, kMemoryPoolsSupported) != 0;
-  device.info.platformKind = kPlatformCuda;
+  device.info.platformKind = IL::kPlatformCuda;
   device.info.ordinal = ordinal;
   device.info.platform = "NVIDIA CUDA";
   device.info.name = name.data();
@@ -77,4 +77,4 @@ std::int32_t CountCudaDevices(const CudaApi& api) {
   return api.Check(api.DeviceGetCount(&count), "cuDeviceGetCount") < 0 ? 0 : count;
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -6,7 +6,7 @@
 #include "refhost/ironlane/cuda/CudaApi.h"
 #include "refhost/ironlane/cuda/CudaModules.h"
 
-namespace IL {
+namespace RefHost {
 
 /// What the driver says of a device.
 struct CudaDescription {
@@ -23,4 +23,4 @@ std::optional<CudaDescription> DescribeCudaDevice(const CudaApi& api, std::int32
 /// 0 where the driver does not answer.
 std::int32_t CountCudaDevices(const CudaApi& api);
 
-}  // namespace IL
+}  // namespace RefHost

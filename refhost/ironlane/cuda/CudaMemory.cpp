@@ -2,7 +2,7 @@
 
 #include <limits>
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -118,4 +118,4 @@ CudaResult CudaMemory::ReleaseFree() {
   return first;
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -8,7 +8,7 @@
 #include "refhost/ironlane/cuda/CudaApi.h"
 #include "refhost/ironlane/cuda/CudaQueues.h"
 
-namespace IL {
+namespace RefHost {
 
 /// The memory of a context, which is current in every call, and who used it last: what one stream
 /// does with it comes after what another was given before. Memory that was freed is kept and given
@@ -53,4 +53,4 @@ class CudaMemory {
   std::multimap<std::size_t, FreeBlock> free_;
 };
 
-}  // namespace IL
+}  // namespace RefHost

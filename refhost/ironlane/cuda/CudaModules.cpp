@@ -8,7 +8,7 @@
 #include "kernels/KernelModules.h"
 #include "refhost/ironlane/Trace.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -55,7 +55,7 @@ const CudaKernel* CudaModules::Find(std::string_view module, std::string_view ke
   return &kernels_.emplace(name, std::move(made)).first->second;
 }
 
-const CudaKernel* CudaModules::At(KernelHandle handle) const {
+const CudaKernel* CudaModules::At(IL::KernelHandle handle) const {
   const std::lock_guard lock(mutex_);
   const auto found = std::find_if(kernels_.begin(), kernels_.end(),
                                   [&](const auto& entry) { return &entry.second == handle; });
@@ -167,4 +167,4 @@ std::vector<std::size_t> CudaModules::ParametersOf(CudaFunction function) const 
   return sizes;
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -12,7 +12,7 @@
 #include "refhost/ironlane/cuda/CudaContext.h"
 #include "refhost/ironlane/cuda/PtxText.h"
 
-namespace IL {
+namespace RefHost {
 
 /// What binaries depend on beside their source.
 struct CudaTarget {
@@ -41,7 +41,7 @@ class CudaModules {
   /// Null, and a message to the trace, when there is no such kernel or its module does not build.
   const CudaKernel* Find(std::string_view module, std::string_view kernel);
   /// The kernel behind a handle that `Find` gave, or null.
-  const CudaKernel* At(KernelHandle handle) const;
+  const CudaKernel* At(IL::KernelHandle handle) const;
   CudaResult UnloadAll();
 
  private:
@@ -65,4 +65,4 @@ class CudaModules {
   std::map<Name, CudaKernel> kernels_;                      ///< by the second
 };
 
-}  // namespace IL
+}  // namespace RefHost

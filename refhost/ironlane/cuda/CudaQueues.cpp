@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -54,4 +54,4 @@ CudaResult CudaQueues::DestroyAll() {
   return first;
 }
 
-}  // namespace IL
+}  // namespace RefHost

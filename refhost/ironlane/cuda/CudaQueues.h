@@ -5,7 +5,7 @@
 
 #include "refhost/ironlane/cuda/CudaApi.h"
 
-namespace IL {
+namespace RefHost {
 
 /// A stream, and an event for others to wait for what it was given.
 struct CudaQueue {
@@ -34,4 +34,4 @@ class CudaQueues {
   std::array<CudaQueue, kCount> queues_;
 };
 
-}  // namespace IL
+}  // namespace RefHost

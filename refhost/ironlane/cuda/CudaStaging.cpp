@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace IL {
+namespace RefHost {
 
 CudaResult CudaStaging::Take(std::size_t bytes, CudaStage& stage) {
   {
@@ -77,4 +77,4 @@ CudaResult CudaStaging::Free(const CudaStage& stage) const {
   return first != 0 ? first : result;
 }
 
-}  // namespace IL
+}  // namespace RefHost

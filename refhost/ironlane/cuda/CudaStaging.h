@@ -9,7 +9,7 @@
 #include "refhost/ironlane/RowTransfer.h"
 #include "refhost/ironlane/cuda/CudaApi.h"
 
-namespace IL {
+namespace RefHost {
 
 /// Memory that devices copy from and to by themselves, and an event a piece. It is the process's
 /// own: it stays when the context goes.
@@ -40,4 +40,4 @@ class CudaStaging {
   std::vector<CudaStage> idle_;
 };
 
-}  // namespace IL
+}  // namespace RefHost

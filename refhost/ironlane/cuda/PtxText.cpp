@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -30,4 +30,4 @@ std::optional<PtxNeeds> NeedsOf(std::string_view ptx) {
   return PtxNeeds{{*major + kCudaAhead, *minor}, {*target / 10, *target % 10}};
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-namespace IL {
+namespace RefHost {
 
 /// A version or a compute capability, "8.0".
 struct MajorMinor {
@@ -22,4 +22,4 @@ struct PtxNeeds {
 /// Nothing where the text does not say. For PTX since version 7.0.
 std::optional<PtxNeeds> NeedsOf(std::string_view ptx);
 
-}  // namespace IL
+}  // namespace RefHost

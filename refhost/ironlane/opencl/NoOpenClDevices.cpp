@@ -5,7 +5,7 @@
 #include "refhost/ironlane/Trace.h"
 #include "refhost/ironlane/opencl/OpenClDevice.h"
 
-namespace IL {
+namespace RefHost {
 
 std::vector<DeviceInfo> ListOpenClDevices() { return {}; }
 
@@ -14,4 +14,4 @@ std::shared_ptr<GPUDevice> OpenOpenClDevice(std::int32_t ordinal) {
   return nullptr;
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -9,16 +9,15 @@
 #include <string>
 #include <utility>
 
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/ArgumentSet.h"
-#include "refhost/ironlane/ContextIdentity.h"
-#include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/Trace.h"
 #include "refhost/ironlane/opencl/OpenClDevices.h"
 #include "refhost/ironlane/opencl/OpenClKernels.h"
 #include "refhost/ironlane/opencl/OpenClStatus.h"
 #include "refhost/orvcore/SharedObject.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -77,9 +76,10 @@ class OpenClDevice final : public GPUDevice {
   ~OpenClDevice() override { queue_.finish(); }
 
   const DeviceInfo& Info() const override { return info_; }
+  std::uint32_t BlockSide() const override { return 1; }
 
-  DeviceDescription GetDescription() const override {
-    return {.platformKind = kPlatformOpenCl,
+  IL::DeviceDescription GetDescription() const override {
+    return {.platformKind = IL::kPlatformOpenCl,
             .ordinal = info_.ordinal,
             .architectureCode = 0,
             .contextIdentity = identity_};
@@ -127,18 +127,19 @@ class OpenClDevice final : public GPUDevice {
 
   int Finish() override { return ResultOf(queue_.finish(), "waiting for the device"); }
 
-  KernelHandle LoadKernel(std::string_view module, std::string_view kernel) override {
+  IL::KernelHandle LoadKernel(std::string_view module, std::string_view kernel) override {
     return kernels_.Find(module, kernel);
   }
 
-  int CreateArguments(KernelHandle kernel, std::uint32_t byValueBytes,
-                      orvcore::classref::InterfaceRef<IArgumentSet>& arguments) override {
+  int CreateArguments(IL::KernelHandle kernel, std::uint32_t byValueBytes,
+                      orvcore::classref::InterfaceRef<IL::IArgumentSet>& arguments) override {
     if (kernels_.At(kernel) == nullptr) return kInvalidLaunch;
-    arguments = orvcore::classref::MakeShared<IArgumentSet, ArgumentSet>(kernel, byValueBytes);
+    arguments = MakeShared<IL::IArgumentSet, ArgumentSet>(kernel, byValueBytes);
     return 0;
   }
 
-  int Launch(KernelHandle kernel, const orvcore::classref::InterfaceRef<IArgumentSet>& arguments,
+  int Launch(IL::KernelHandle kernel,
+             const orvcore::classref::InterfaceRef<IL::IArgumentSet>& arguments,
              std::uint32_t gridX, std::uint32_t gridY, std::uint32_t blockX, std::uint32_t blockY,
              std::uint32_t /*flags*/) override {
     const ArgumentSet* set = FinalArguments(arguments, kernel);
@@ -266,4 +267,4 @@ std::shared_ptr<GPUDevice> OpenOpenClDevice(std::int32_t ordinal) {
   return std::make_shared<OpenClDevice>(device, context, queue, std::move(info));
 }
 
-}  // namespace IL
+}  // namespace RefHost

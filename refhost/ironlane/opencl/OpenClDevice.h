@@ -5,7 +5,7 @@
 
 #include "refhost/ironlane/GPUDevice.h"
 
-namespace IL {
+namespace RefHost {
 
 /// All devices of all vendors whose drivers the loader finds.
 std::vector<DeviceInfo> ListOpenClDevices();
@@ -14,4 +14,4 @@ std::vector<DeviceInfo> ListOpenClDevices();
 /// pointers that it gives are those of OpenCL's memory objects.
 std::shared_ptr<GPUDevice> OpenOpenClDevice(std::int32_t ordinal);
 
-}  // namespace IL
+}  // namespace RefHost

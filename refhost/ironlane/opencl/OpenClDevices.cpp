@@ -4,7 +4,7 @@
 #include <iterator>
 #include <string>
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -45,7 +45,7 @@ DeviceInfo DescribeOpenClDevice(const cl::Device& device, std::int32_t ordinal) 
   constexpr cl_device_fp_config kExact =
       CL_FP_DENORM | CL_FP_INF_NAN | CL_FP_ROUND_TO_NEAREST | CL_FP_CORRECTLY_ROUNDED_DIVIDE_SQRT;
   const cl::Platform platform(device.getInfo<CL_DEVICE_PLATFORM>());
-  return {.platformKind = kPlatformOpenCl,
+  return {.platformKind = IL::kPlatformOpenCl,
           .ordinal = ordinal,
           .platform = Trimmed(platform.getInfo<CL_PLATFORM_NAME>()),
           .name = Trimmed(device.getInfo<CL_DEVICE_NAME>()),
@@ -56,4 +56,4 @@ DeviceInfo DescribeOpenClDevice(const cl::Device& device, std::int32_t ordinal) 
           .obstacle = ObstacleOf(device)};
 }
 
-}  // namespace IL
+}  // namespace RefHost

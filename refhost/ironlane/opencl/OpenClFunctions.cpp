@@ -34,7 +34,7 @@ std::optional<OpenClApi> OpenApi() {
   OpenClApi api;
 #define QUILLON_OPENCL_FUNCTION(result, name, parameters, arguments) \
   if (!Find(loader, #name, api.name)) {                              \
-    IL::TraceMessage("OpenCL : the loader lacks " #name);            \
+    RefHost::TraceMessage("OpenCL : the loader lacks " #name);       \
     return std::nullopt;                                             \
   }
 #include "refhost/ironlane/opencl/OpenClFunctions.inc"

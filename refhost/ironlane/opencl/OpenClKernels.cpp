@@ -6,7 +6,7 @@
 #include "refhost/ironlane/opencl/OpenClProgram.h"
 #include "refhost/ironlane/opencl/OpenClStatus.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -39,7 +39,7 @@ OpenClKernel* OpenClKernels::Find(std::string_view module, std::string_view kern
   return &kernels_.emplace(name, std::move(made)).first->second;
 }
 
-OpenClKernel* OpenClKernels::At(KernelHandle handle) {
+OpenClKernel* OpenClKernels::At(IL::KernelHandle handle) {
   const std::lock_guard lock(mutex_);
   const auto found = std::find_if(kernels_.begin(), kernels_.end(),
                                   [&](const auto& entry) { return &entry.second == handle; });
@@ -65,4 +65,4 @@ const cl::Program* OpenClKernels::ProgramOf(const std::string& module) {
   return &programs_.emplace(module, *std::move(program)).first->second;
 }
 
-}  // namespace IL
+}  // namespace RefHost

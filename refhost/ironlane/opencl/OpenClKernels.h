@@ -11,7 +11,7 @@
 #include "refhost/ironlane/GPUDevice.h"
 #include "refhost/ironlane/opencl/OpenCl.h"
 
-namespace IL {
+namespace RefHost {
 
 /// A kernel, and the work-group that it is launched with where the launch leaves it to the device.
 struct OpenClKernel {
@@ -30,7 +30,7 @@ class OpenClKernels {
   /// Null, and a message to the trace, when there is no such kernel or its module does not build.
   OpenClKernel* Find(std::string_view module, std::string_view kernel);
   /// The kernel behind a handle that `Find` gave, or null.
-  OpenClKernel* At(KernelHandle handle);
+  OpenClKernel* At(IL::KernelHandle handle);
 
  private:
   using Name = std::pair<std::string, std::string>;
@@ -49,4 +49,4 @@ class OpenClKernels {
   std::map<Name, OpenClKernel> kernels_;         ///< by the second
 };
 
-}  // namespace IL
+}  // namespace RefHost

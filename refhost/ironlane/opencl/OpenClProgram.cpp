@@ -6,7 +6,7 @@
 
 #include "refhost/ironlane/Trace.h"
 
-namespace IL {
+namespace RefHost {
 
 namespace {
 
@@ -63,4 +63,4 @@ std::optional<cl::Program> BuildOpenClProgram(const cl::Context& context, const 
   return program;
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 #include "refhost/ironlane/GPUDevice.h"
 #include "refhost/ironlane/opencl/OpenCl.h"
 
-namespace IL {
+namespace RefHost {
 
 /// A module compiled for the device, out of the cache where it is there. Nothing, and the
 /// compiler's messages to the trace, when it does not compile.
@@ -16,4 +16,4 @@ std::optional<cl::Program> BuildOpenClProgram(const cl::Context& context, const 
                                               const kernels::KernelModule& module,
                                               const BinaryCache& cache);
 
-}  // namespace IL
+}  // namespace RefHost

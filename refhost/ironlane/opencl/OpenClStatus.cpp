@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/Trace.h"
 
-namespace IL {
+namespace RefHost {
 
 int ResultOf(cl_int status, std::string_view what) {
   if (status == CL_SUCCESS) return 0;
@@ -34,4 +34,4 @@ int ResultOf(cl_int status, std::string_view what) {
   }
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -4,9 +4,9 @@
 
 #include "refhost/ironlane/opencl/OpenCl.h"
 
-namespace IL {
+namespace RefHost {
 
 /// 0, or one of this library's codes, and a message to the trace that names what failed.
 int ResultOf(cl_int status, std::string_view what);
 
-}  // namespace IL
+}  // namespace RefHost

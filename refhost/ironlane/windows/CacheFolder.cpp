@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace IL {
+namespace RefHost {
 
 std::filesystem::path UserCacheFolder() {
   // Wide: a user's name is in any script.
@@ -12,4 +12,4 @@ std::filesystem::path UserCacheFolder() {
   return folder.is_absolute() ? folder : std::filesystem::path();
 }
 
-}  // namespace IL
+}  // namespace RefHost

@@ -7,7 +7,7 @@
 #include <oneapi/tbb/global_control.h>
 #include <oneapi/tbb/task_arena.h>
 
-namespace orvcore::threads {
+namespace RefHost {
 
 int Arena::Parallelism() {
   constexpr std::size_t kMost = std::numeric_limits<int>::max();
@@ -22,4 +22,4 @@ void Arena::Enqueue(void (*work)()) {
   arena.enqueue(work);
 }
 
-}  // namespace orvcore::threads
+}  // namespace RefHost

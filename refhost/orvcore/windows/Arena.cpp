@@ -6,7 +6,7 @@
 
 #include <windows.h>
 
-namespace orvcore::threads {
+namespace RefHost {
 
 namespace {
 
@@ -37,4 +37,4 @@ void Arena::Enqueue(void (*work)()) {
   }
 }
 
-}  // namespace orvcore::threads
+}  // namespace RefHost

@@ -22,7 +22,7 @@ constexpr float kPeak = 1000.0F / 203.0F;
 
 ColorSpace Bt709(std::uint8_t transfer, int peakNits) {
   ColorDescription description;
-  description.primaries = H273::kPrimariesBT709;
+  description.primaries = RefHost::kPrimariesBT709;
   description.transfer = transfer;
   description.peakLuminance = peakNits;
   return ColorSpace(description);
@@ -60,8 +60,8 @@ bool IsGrey(const float* pixel, float value, float alpha) {
 int main() {
   PX::GamutMappingUtils::GamutMappingSettings settings;
   auto& toneMap = settings.toneMapSettings;
-  toneMap.sourceColorSpace = Bt709(H273::kTransferLinear, 1000);
-  toneMap.destinationColorSpace = Bt709(H273::kTransferSRGB, 0);
+  toneMap.sourceColorSpace = Bt709(RefHost::kTransferLinear, 1000);
+  toneMap.destinationColorSpace = Bt709(RefHost::kTransferSRGB, 0);
   toneMap.controls.peak = kPeak;
   toneMap.knee = 0.5F;
   toneMap.algorithmType = ToneMapAlgorithmType::HuePreservationDesaturation;

@@ -118,10 +118,10 @@ TEST(IsGamutCompressionApplicable, NeedsASourcePrimaryOutsideTheDestination) {
 }
 
 TEST(IsGamutCompressionApplicable, CountsCoordinatesEqualToTheDestinationsAsInside) {
-  auto coordinates = *H273::ChromaticitiesOf(Space(9, 0));
+  auto coordinates = *RefHost::ChromaticitiesOf(Space(9, 0));
   coordinates.green.y = static_cast<double>(static_cast<float>(coordinates.green.y));
-  const ColorSpace source =
-      With(Space(H273::kUnspecified, 8), &ColorDescription::chromaticities, coordinates);
+  const ColorSpace source = With(Space(RefHost::kUnspecifiedCodePoint, 8),
+                                 &ColorDescription::chromaticities, coordinates);
   EXPECT_FALSE(IsGamutCompressionApplicable(Gamut(source, Space(9, 16), 1)));
 }
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-using CHR::InstructionSet;
+using RefHost::InstructionSet;
 
 struct Planes {
   std::vector<float> red;
@@ -102,21 +102,21 @@ orvmediatypes::color::ColorSpace SpaceOf(int primaries, int transfer) {
 
 ConversionParams ParamsOf(int sourcePrimaries, int sourceTransfer, int destinationPrimaries,
                           int destinationTransfer) {
-  return CHR::MakePixelConverter(SpaceOf(sourcePrimaries, sourceTransfer),
-                                 SpaceOf(destinationPrimaries, destinationTransfer), {})
+  return RefHost::MakePixelConverter(SpaceOf(sourcePrimaries, sourceTransfer),
+                                     SpaceOf(destinationPrimaries, destinationTransfer), {})
       ->Params();
 }
 
 class ConvertRowsBy : public ::testing::TestWithParam<InstructionSet> {
  protected:
   void SetUp() override {
-    if (!CHR::CanRun(GetParam())) GTEST_SKIP() << "this machine cannot run them";
+    if (!RefHost::CanRun(GetParam())) GTEST_SKIP() << "this machine cannot run them";
   }
 
   void ExpectSameBits(const ConversionParams& params) const {
     Planes planes = source_;
-    ASSERT_TRUE(CHR::ConvertRows(GetParam(), params, planes.red.data(), planes.green.data(),
-                                 planes.blue.data(), planes.red.size()));
+    ASSERT_TRUE(RefHost::ConvertRows(GetParam(), params, planes.red.data(), planes.green.data(),
+                                     planes.blue.data(), planes.red.size()));
     ExpectBitsOfPixels(params, source_, planes);
   }
 
@@ -150,8 +150,8 @@ TEST_P(ConvertRowsBy, ConvertsAnyNumberOfPixelsAndNoneBeyond) {
   const ConversionParams params = ParamsOf(kBT2020, 16, kBT709, 13);
   for (std::size_t count = 0; count < 200; ++count) {
     Planes planes = source_;
-    ASSERT_TRUE(CHR::ConvertRows(GetParam(), params, planes.red.data(), planes.green.data(),
-                                 planes.blue.data(), count));
+    ASSERT_TRUE(RefHost::ConvertRows(GetParam(), params, planes.red.data(), planes.green.data(),
+                                     planes.blue.data(), count));
     for (std::size_t i = 0; i < 300; ++i) {
       std::array<float, 3> pixel = {source_.blue[i], source_.green[i], source_.red[i]};
       if (i < count) ConvertPixel(params, pixel.data());
@@ -164,10 +164,12 @@ TEST_P(ConvertRowsBy, ConvertsAnyNumberOfPixelsAndNoneBeyond) {
 TEST_P(ConvertRowsBy, LeavesTransfersWithoutAFormForRowsAlone) {
   for (const int transfer : {7, 17, 18}) {
     Planes planes = source_;
-    EXPECT_FALSE(CHR::ConvertRows(GetParam(), ParamsOf(kBT2020, transfer, kBT2020, 8),
-                                  planes.red.data(), planes.green.data(), planes.blue.data(), 9));
-    EXPECT_FALSE(CHR::ConvertRows(GetParam(), ParamsOf(kBT2020, 8, kBT2020, transfer),
-                                  planes.red.data(), planes.green.data(), planes.blue.data(), 9));
+    EXPECT_FALSE(RefHost::ConvertRows(GetParam(), ParamsOf(kBT2020, transfer, kBT2020, 8),
+                                      planes.red.data(), planes.green.data(), planes.blue.data(),
+                                      9));
+    EXPECT_FALSE(RefHost::ConvertRows(GetParam(), ParamsOf(kBT2020, 8, kBT2020, transfer),
+                                      planes.red.data(), planes.green.data(), planes.blue.data(),
+                                      9));
     EXPECT_EQ(Bits(planes.red[2]), Bits(source_.red[2]));
   }
 }
@@ -191,8 +193,8 @@ std::size_t CountDifferences(InstructionSet set, const ConversionParams& params,
     const auto convert = [&](InstructionSet by) {
       const auto first = signals.begin() + static_cast<std::ptrdiff_t>(done);
       std::vector<float> chunk(first, first + static_cast<std::ptrdiff_t>(3 * third));
-      CHR::ConvertRows(by, params, chunk.data(), chunk.data() + third, chunk.data() + 2 * third,
-                       third);
+      RefHost::ConvertRows(by, params, chunk.data(), chunk.data() + third, chunk.data() + 2 * third,
+                           third);
       return chunk;
     };
     const std::vector<float> found = convert(set);
@@ -211,7 +213,7 @@ TEST_P(ConvertRowsBy, DecodesPQAllAlongTheSignalWithTheBitsOfPixels) {
   const std::vector<float> signals = EverySignal(kStride);
   ASSERT_GT(signals.size(), 7'000'000U);
   for (const int white : {80, 100, 203, 300}) {
-    const auto params = CHR::MakePixelConverter(
+    const auto params = RefHost::MakePixelConverter(
                             SpaceOf(kBT2020, 16), SpaceOf(kBT2020, 8),
                             orvmediatypes::color::ColorManagementSettings(
                                 static_cast<orvmediatypes::color::GraphicsWhiteLuminance>(white)))

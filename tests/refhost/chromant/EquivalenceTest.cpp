@@ -24,7 +24,7 @@ bool Equivalent(const ColorSpace& first, const ColorSpace& second,
 }
 
 ColorSpace ByCoordinates(const Chromaticities& chromaticities, int transfer) {
-  return With(Space(H273::kUnspecified, transfer), &ColorDescription::chromaticities,
+  return With(Space(RefHost::kUnspecifiedCodePoint, transfer), &ColorDescription::chromaticities,
               chromaticities);
 }
 
@@ -68,7 +68,7 @@ TEST(AreColorSpacesEquivalent, IgnoresLuminanceMetadataByFlagTwoOnly) {
        {Space(9, 16, 1000), With(plain, &ColorDescription::masteringMaxLuminance, 1000.0F),
         With(plain, &ColorDescription::masteringMinLuminance, 0.005F),
         With(plain, &ColorDescription::masteringChromaticities,
-             *H273::ChromaticitiesOf(Space(12, 0)))}) {
+             *RefHost::ChromaticitiesOf(Space(12, 0)))}) {
     EXPECT_TRUE(Equivalent(plain, other));
     for (const int flag : {0, 1, 3}) EXPECT_FALSE(Equivalent(plain, other, flag));
   }
@@ -76,7 +76,7 @@ TEST(AreColorSpacesEquivalent, IgnoresLuminanceMetadataByFlagTwoOnly) {
 }
 
 TEST(AreColorSpacesEquivalent, TakesCoordinatesEqualToACodePointsAsThatCodePoint) {
-  Chromaticities bt2020 = *H273::ChromaticitiesOf(Space(9, 0));
+  Chromaticities bt2020 = *RefHost::ChromaticitiesOf(Space(9, 0));
   EXPECT_TRUE(Equivalent(ByCoordinates(bt2020, 16), Space(9, 16)));
   bt2020.red.x = static_cast<double>(static_cast<float>(bt2020.red.x));
   EXPECT_TRUE(Equivalent(ByCoordinates(bt2020, 16), Space(9, 16)));
@@ -90,7 +90,7 @@ TEST(AreColorSpacesEquivalent, TellsOtherWhitePointsApart) {
 
 TEST(PixelConverter, IsAnIdentityBetweenSpacesThatShowAlike) {
   const auto isIdentity = [](const ColorSpace& from, const ColorSpace& to) {
-    return CHR::MakePixelConverter(from, to, White(203))->IsIdentity();
+    return RefHost::MakePixelConverter(from, to, White(203))->IsIdentity();
   };
   EXPECT_TRUE(isIdentity(Space(9, 16), Space(9, 16, 1000)));
   EXPECT_TRUE(isIdentity(Space(1, 1), Space(1, 14)));
@@ -101,7 +101,7 @@ TEST(PixelConverter, IsAnIdentityBetweenSpacesThatShowAlike) {
 }
 
 TEST(PixelConverter, DoesNotExistForUnknownSpaces) {
-  EXPECT_EQ(CHR::MakePixelConverter(ColorSpace(), ColorSpace(), White(203)), nullptr);
-  EXPECT_EQ(CHR::MakePixelConverter(Space(9, 16), Space(9, 12), White(203)), nullptr);
-  EXPECT_EQ(CHR::MakePixelConverter(Space(3, 16), Space(9, 16), White(203)), nullptr);
+  EXPECT_EQ(RefHost::MakePixelConverter(ColorSpace(), ColorSpace(), White(203)), nullptr);
+  EXPECT_EQ(RefHost::MakePixelConverter(Space(9, 16), Space(9, 12), White(203)), nullptr);
+  EXPECT_EQ(RefHost::MakePixelConverter(Space(3, 16), Space(9, 16), White(203)), nullptr);
 }

@@ -76,7 +76,7 @@ TEST(ORVColorSpaceToEquivalentLinearColorSpace, ChangesTheTransferAndNothingElse
   description.matrix = 9;
   description.fullRange = false;
   description.chromaLocation = 2;
-  description.chromaticities = *H273::ChromaticitiesOf(Space(12, 0));
+  description.chromaticities = *RefHost::ChromaticitiesOf(Space(12, 0));
   description.peakLuminance = 600;
   description.masteringMaxLuminance = 4000.0F;
   const ColorSpace linear = CHR::ORVColorSpaceToEquivalentLinearColorSpace(ColorSpace(description));

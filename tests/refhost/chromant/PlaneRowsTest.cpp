@@ -11,7 +11,7 @@
 
 namespace {
 
-using CHR::InstructionSet;
+using RefHost::InstructionSet;
 
 constexpr std::size_t kMost = 70;  // several vectors of the widest kind, and some pixels
 constexpr float kUntouched = -7.0F;
@@ -19,10 +19,10 @@ constexpr float kUntouched = -7.0F;
 class PlaneRowsBy : public ::testing::TestWithParam<InstructionSet> {
  protected:
   void SetUp() override {
-    if (!CHR::CanRun(GetParam())) GTEST_SKIP() << "this machine cannot run them";
+    if (!RefHost::CanRun(GetParam())) GTEST_SKIP() << "this machine cannot run them";
   }
 
-  CHR::RowFunctions Rows() const { return CHR::RowFunctionsOf(GetParam()); }
+  RefHost::RowFunctions Rows() const { return RefHost::RowFunctionsOf(GetParam()); }
 };
 
 TEST_P(PlaneRowsBy, SplitAnyNumberOfPixelsAndNoneBeyond) {

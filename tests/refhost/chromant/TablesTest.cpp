@@ -52,9 +52,9 @@ void ExpectRelative(double actual, double expected, const std::string& what) {
 }
 
 Chromaticities Named(const std::string& name) {
-  if (name == "BT.709") return *H273::ChromaticitiesOf(Space(H273::kPrimariesBT709, 0));
-  if (name == "BT.2020") return *H273::ChromaticitiesOf(Space(H273::kPrimariesBT2020, 0));
-  if (name == "P3-D65") return *H273::ChromaticitiesOf(Space(H273::kPrimariesP3D65, 0));
+  if (name == "BT.709") return *RefHost::ChromaticitiesOf(Space(RefHost::kPrimariesBT709, 0));
+  if (name == "BT.2020") return *RefHost::ChromaticitiesOf(Space(RefHost::kPrimariesBT2020, 0));
+  if (name == "P3-D65") return *RefHost::ChromaticitiesOf(Space(RefHost::kPrimariesP3D65, 0));
   if (name == "ACES AP1 (D60)") {
     return {{0.713, 0.293}, {0.165, 0.830}, {0.128, 0.044}, {0.32168, 0.33767}};
   }
@@ -106,8 +106,9 @@ TEST(LinearToSignal, PutsTheReferenceLevelsOfBT2408WhereItSays) {
 
 TEST(Primaries, GiveTheMatricesOfTheStandards) {
   for (const auto& row : ReadTable("rgb_matrices.csv")) {
-    const CHR::Matrix3 matrix = row[1] == "XYZ" ? CHR::RgbToXyz(Named(row[0]))
-                                                : CHR::RgbToRgb(Named(row[0]), Named(row[1]));
+    const RefHost::Matrix3 matrix = row[1] == "XYZ"
+                                        ? RefHost::RgbToXyz(Named(row[0]))
+                                        : RefHost::RgbToRgb(Named(row[0]), Named(row[1]));
     for (std::size_t i = 0; i < matrix.size(); ++i) {
       EXPECT_NEAR(matrix[i], std::stod(row[2 + i]), 1e-11) << row[0] << " to " << row[1];
     }
@@ -118,8 +119,8 @@ TEST(Primaries, MapWhiteToWhiteWhateverTheWhitePoints) {
   for (const int from : {1, 4, 5, 6, 8, 9, 11, 12, 22}) {
     for (const int to : {1, 4, 9, 11, 12}) {
       std::array<double, 3> white = {1.0, 1.0, 1.0};
-      TransformByMatrix3(CHR::RgbToRgb(*H273::ChromaticitiesOf(Space(from, 0)),
-                                       *H273::ChromaticitiesOf(Space(to, 0)))
+      TransformByMatrix3(RefHost::RgbToRgb(*RefHost::ChromaticitiesOf(Space(from, 0)),
+                                           *RefHost::ChromaticitiesOf(Space(to, 0)))
                              .data(),
                          white.data());
       for (const double channel : white) EXPECT_NEAR(channel, 1.0, 1e-13) << from << ' ' << to;
@@ -128,7 +129,7 @@ TEST(Primaries, MapWhiteToWhiteWhateverTheWhitePoints) {
 }
 
 TEST(Primaries, LeaveGreyAsItIsInDoublePrecisionToo) {
-  const CHR::Matrix3 matrix = CHR::RgbToRgb(Named("BT.2020"), Named("BT.709"));
+  const RefHost::Matrix3 matrix = RefHost::RgbToRgb(Named("BT.2020"), Named("BT.709"));
   for (double level = 0.001; level < 100.0; level *= 1.1) {
     std::array<double, 3> grey = {level, level, level};
     ConvertPrimaries(matrix.data(), grey.data());

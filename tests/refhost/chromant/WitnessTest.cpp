@@ -89,11 +89,11 @@ TEST(ConvertFrame, DecodesPowersAsOpenColorIODoesOnBothSidesOfZero) {
   const auto decoded = [&](std::uint8_t transfer) {
     return Converted(pixels, Space(1, transfer), Space(1, 8));
   };
-  ExpectNear(decoded(H273::kTransferBT709), ThroughOcioPower(pixels, 2.4), kTolerance);
-  ExpectNear(decoded(H273::kTransferGamma22), ThroughOcioPower(pixels, 2.2), kTolerance);
-  ExpectNear(decoded(H273::kTransferGamma28), ThroughOcioPower(pixels, 2.8), kTolerance);
-  ExpectNear(decoded(H273::kTransferST428), Scaled(ThroughOcioPower(pixels, 2.6), 52.37F / 48.0F),
-             kTolerance);
+  ExpectNear(decoded(RefHost::kTransferBT709), ThroughOcioPower(pixels, 2.4), kTolerance);
+  ExpectNear(decoded(RefHost::kTransferGamma22), ThroughOcioPower(pixels, 2.2), kTolerance);
+  ExpectNear(decoded(RefHost::kTransferGamma28), ThroughOcioPower(pixels, 2.8), kTolerance);
+  ExpectNear(decoded(RefHost::kTransferST428),
+             Scaled(ThroughOcioPower(pixels, 2.6), 52.37F / 48.0F), kTolerance);
 }
 
 TEST(ConvertFrame, DecodesTheCurvedPartOfSrgbAsOpenColorIODoes) {
@@ -124,7 +124,7 @@ TEST(ConvertFrame, AdaptsWhitePointsAsOpenColorIODoes) {
   const auto pixels = Lattice(8);
   const orvmediatypes::color::Chromaticities acesAP1 = {
       {0.713, 0.293}, {0.165, 0.830}, {0.128, 0.044}, {0.32168, 0.33767}};
-  const auto source = With(Space(H273::kUnspecified, 8),
+  const auto source = With(Space(RefHost::kUnspecifiedCodePoint, 8),
                            &orvmediatypes::color::ColorDescription::chromaticities, acesAP1);
   ExpectNear(Converted(pixels, source, Space(1, 8)),
              ThroughOcioBuiltin(pixels, "UTILITY - ACES-AP1_to_LINEAR-REC709_BFD"), kTolerance);

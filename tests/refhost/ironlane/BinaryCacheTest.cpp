@@ -13,8 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-IL::BinaryCache::Binary BinaryOf(const std::string& text) {
-  IL::BinaryCache::Binary binary;
+RefHost::BinaryCache::Binary BinaryOf(const std::string& text) {
+  RefHost::BinaryCache::Binary binary;
   for (const char c : text) binary.push_back(static_cast<std::byte>(c));
   return binary;
 }
@@ -34,15 +34,15 @@ class BinaryCache : public testing::Test {
   const fs::path folder_ = fs::path(testing::TempDir()) /
                            (std::string("quillon-binaries-") +
                             testing::UnitTest::GetInstance()->current_test_info()->name());
-  const IL::BinaryCache cache_{folder_};
-  const IL::BinaryCache::Binary binary_ = BinaryOf(std::string("\0one\ntwo", 8));
+  const RefHost::BinaryCache cache_{folder_};
+  const RefHost::BinaryCache::Binary binary_ = BinaryOf(std::string("\0one\ntwo", 8));
 };
 
 TEST_F(BinaryCache, FindsWhatWasStoredUnderTheSameKeyAlone) {
   EXPECT_FALSE(cache_.Find("key").has_value());
   cache_.Store("key", binary_);
   EXPECT_EQ(cache_.Find("key"), binary_);
-  EXPECT_EQ(IL::BinaryCache(folder_).Find("key"), binary_);
+  EXPECT_EQ(RefHost::BinaryCache(folder_).Find("key"), binary_);
   EXPECT_FALSE(cache_.Find("other key").has_value());
   EXPECT_FALSE(cache_.Find("ke").has_value());
 }
@@ -116,12 +116,12 @@ TEST_F(BinaryCache, GivesAllOrNothingWhileSeveralStore) {
 
 TEST_F(BinaryCache, LiesInTheUsersCacheFolder) {
   SetCacheHome(folder_);
-  IL::BinaryCache().Store("key", binary_);
-  EXPECT_EQ(IL::BinaryCache(folder_ / "quillon" / "kernels").Find("key"), binary_);
+  RefHost::BinaryCache().Store("key", binary_);
+  EXPECT_EQ(RefHost::BinaryCache(folder_ / "quillon" / "kernels").Find("key"), binary_);
 }
 
 TEST_F(BinaryCache, KeepsNothingWithoutAFolder) {
-  const IL::BinaryCache none{fs::path()};
+  const RefHost::BinaryCache none{fs::path()};
   none.Store("key", binary_);
   EXPECT_FALSE(none.Find("key").has_value());
 }

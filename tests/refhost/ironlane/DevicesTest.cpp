@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/Devices.h"
-#include "refhost/ironlane/ResultCodes.h"
 #include "refhost/orvcore/TraceSettings.h"
 #include "tests/devices/EveryDevice.h"
 
@@ -22,16 +22,16 @@ using testing::Not;
 class Listener {
  public:
   Listener() {
-    orvcore::debug::SetTraceLevel(7);
-    orvcore::debug::SetTraceSink([this](int, std::string_view category, std::string_view text) {
+    RefHost::SetTraceLevel(7);
+    RefHost::SetTraceSink([this](int, std::string_view category, std::string_view text) {
       messages_ += std::string(category) + ": " + std::string(text);
     });
   }
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
   ~Listener() {
-    orvcore::debug::SetTraceSink({});
-    orvcore::debug::SetTraceLevel(0);
+    RefHost::SetTraceSink({});
+    RefHost::SetTraceLevel(0);
   }
   const std::string& Messages() const { return messages_; }
 
@@ -41,11 +41,11 @@ class Listener {
 
 TEST(OpenDevice, GivesNoneWhereThereIsNone) {
   const Listener listener;
-  EXPECT_EQ(IL::OpenDevice(IL::kPlatformOpenCl, 1000), nullptr);
+  EXPECT_EQ(RefHost::OpenDevice(IL::kPlatformOpenCl, 1000), nullptr);
   EXPECT_THAT(listener.Messages(), HasSubstr("Ironlane: OpenCL : there is no device 1000\r\n"));
-  EXPECT_EQ(IL::OpenDevice(IL::kPlatformOpenCl, -1), nullptr);
-  EXPECT_EQ(IL::OpenDevice(0, 0), nullptr);
-  EXPECT_EQ(IL::OpenDevice(7, 0), nullptr);
+  EXPECT_EQ(RefHost::OpenDevice(IL::kPlatformOpenCl, -1), nullptr);
+  EXPECT_EQ(RefHost::OpenDevice(0, 0), nullptr);
+  EXPECT_EQ(RefHost::OpenDevice(7, 0), nullptr);
 }
 
 TEST(LoadKernel, FindsNothingOnADeviceThatIsNotOfThisHost) {
@@ -55,7 +55,7 @@ TEST(LoadKernel, FindsNothingOnADeviceThatIsNotOfThisHost) {
 class Devices : public OnDevice {};
 
 TEST_P(Devices, SayWhatTheyAre) {
-  const IL::DeviceInfo& info = device_->Info();
+  const RefHost::DeviceInfo& info = device_->Info();
   EXPECT_EQ(info.platformKind, GetParam().platformKind);
   EXPECT_EQ(info.ordinal, GetParam().ordinal);
   EXPECT_THAT(info.name, Not(IsEmpty()));
@@ -95,7 +95,7 @@ TEST_P(Devices, KeepWhatIsPutIntoTheirMemory) {
 
 TEST_P(Devices, RefuseMoreMemoryThanThereIs) {
   std::uint64_t pointer = 5;
-  EXPECT_EQ(device_->Allocate(std::size_t{1} << 50U, pointer), IL::kOutOfDeviceMemory);
+  EXPECT_EQ(device_->Allocate(std::size_t{1} << 50U, pointer), RefHost::kOutOfDeviceMemory);
   EXPECT_EQ(pointer, 5U);
 }
 
@@ -128,22 +128,22 @@ TEST_P(Devices, RefuseLaunchesThatDoNotFit) {
   const auto kernel = IL::LoadKernel(device_, "ToneMapMain", "GamutCompressionKernelReinhard");
   const auto other = IL::LoadKernel(device_, "ToneMapMain", "ToneMapKernelITU2446A");
   orvcore::classref::InterfaceRef<IL::IArgumentSet> arguments;
-  EXPECT_EQ(device_->CreateArguments(nullptr, 4, arguments), IL::kInvalidLaunch);
+  EXPECT_EQ(device_->CreateArguments(nullptr, 4, arguments), RefHost::kInvalidLaunch);
   EXPECT_FALSE(arguments.IsUsable());
 
   ASSERT_EQ(device_->CreateArguments(kernel, 4, arguments), 0);
-  EXPECT_EQ(device_->Launch(kernel, arguments, 1, 1, 1, 1, 0), IL::kInvalidLaunch);
-  EXPECT_EQ(arguments->Finalize(), IL::kInvalidLaunch) << "fewer bytes than announced";
+  EXPECT_EQ(device_->Launch(kernel, arguments, 1, 1, 1, 1, 0), RefHost::kInvalidLaunch);
+  EXPECT_EQ(arguments->Finalize(), RefHost::kInvalidLaunch) << "fewer bytes than announced";
   const float value = 1.0F;
-  EXPECT_EQ(arguments->SetValueArgument(nullptr, 4, 4), IL::kInvalidLaunch);
-  EXPECT_EQ(arguments->SetFrameArgument(nullptr), IL::kInvalidLaunch);
+  EXPECT_EQ(arguments->SetValueArgument(nullptr, 4, 4), RefHost::kInvalidLaunch);
+  EXPECT_EQ(arguments->SetFrameArgument(nullptr), RefHost::kInvalidLaunch);
   EXPECT_EQ(arguments->SetValueArgument(&value, 4, 4), 0);
   EXPECT_EQ(arguments->Finalize(), 0);
-  EXPECT_EQ(arguments->SetValueArgument(&value, 4, 4), IL::kInvalidLaunch) << "final already";
-  EXPECT_EQ(device_->Launch(other, arguments, 1, 1, 1, 1, 0), IL::kInvalidLaunch);
-  EXPECT_EQ(device_->Launch(kernel, {}, 1, 1, 1, 1, 0), IL::kInvalidLaunch);
-  EXPECT_EQ(device_->Launch(kernel, arguments, 0, 1, 1, 1, 0), IL::kInvalidLaunch);
-  EXPECT_EQ(device_->Launch(kernel, arguments, 1, 1, 1, 0, 0), IL::kInvalidLaunch);
+  EXPECT_EQ(arguments->SetValueArgument(&value, 4, 4), RefHost::kInvalidLaunch) << "final already";
+  EXPECT_EQ(device_->Launch(other, arguments, 1, 1, 1, 1, 0), RefHost::kInvalidLaunch);
+  EXPECT_EQ(device_->Launch(kernel, {}, 1, 1, 1, 1, 0), RefHost::kInvalidLaunch);
+  EXPECT_EQ(device_->Launch(kernel, arguments, 0, 1, 1, 1, 0), RefHost::kInvalidLaunch);
+  EXPECT_EQ(device_->Launch(kernel, arguments, 1, 1, 1, 0, 0), RefHost::kInvalidLaunch);
   EXPECT_EQ(device_->Finish(), 0);
 }
 

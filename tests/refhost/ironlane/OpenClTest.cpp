@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/opencl/OpenClDevices.h"
 #include "refhost/ironlane/opencl/OpenClProgram.h"
 #include "refhost/ironlane/opencl/OpenClStatus.h"
@@ -31,13 +31,15 @@ TEST_P(OpenClDevices, RefuseMemoryThatIsNotTheirs) {
   char byte = 0;
   std::uint64_t pointer = 0;
   ASSERT_EQ(device_->Allocate(16, pointer), 0);
-  EXPECT_EQ(device_->Upload(&byte, pointer + 8, 1), IL::kInvalidLaunch);
-  EXPECT_EQ(device_->Download(0, &byte, 1), IL::kInvalidLaunch);
-  EXPECT_EQ(device_->Copy(pointer, 12345, 1), IL::kInvalidLaunch);
-  EXPECT_EQ(device_->Upload(&byte, pointer, 17), IL::kInvalidLaunch) << "beyond its end";
+  EXPECT_EQ(device_->Upload(&byte, pointer + 8, 1), RefHost::kInvalidLaunch);
+  EXPECT_EQ(device_->Download(0, &byte, 1), RefHost::kInvalidLaunch);
+  EXPECT_EQ(device_->Copy(pointer, 12345, 1), RefHost::kInvalidLaunch);
+  EXPECT_EQ(device_->Upload(&byte, pointer, 17), RefHost::kInvalidLaunch) << "beyond its end";
   device_->Free(pointer);
-  EXPECT_EQ(device_->Upload(&byte, pointer, 1), IL::kInvalidLaunch);
+  EXPECT_EQ(device_->Upload(&byte, pointer, 1), RefHost::kInvalidLaunch);
 }
+
+TEST_P(OpenClDevices, ChooseTheirWorkGroupsThemselves) { EXPECT_EQ(device_->BlockSide(), 1U); }
 
 TEST_P(OpenClDevices, KeepCompiledModulesOnDisk) {
   const fs::path folder = fs::path(testing::TempDir()) / "quillon-opencl-modules";
@@ -66,16 +68,16 @@ TEST_P(OpenClDevices, KeepCompiledModulesOnDisk) {
 
 TEST_P(OpenClDevices, TraceWhatTheCompilerSaysOfAModuleThatDoesNotBuild) {
   std::string messages;
-  orvcore::debug::SetTraceLevel(7);
-  orvcore::debug::SetTraceSink(
-      [&](int, std::string_view, std::string_view text) { messages += text; });
-  const cl::Device device = IL::FindOpenClDevices()[static_cast<std::size_t>(GetParam().ordinal)];
+  RefHost::SetTraceLevel(7);
+  RefHost::SetTraceSink([&](int, std::string_view, std::string_view text) { messages += text; });
+  const cl::Device device =
+      RefHost::FindOpenClDevices()[static_cast<std::size_t>(GetParam().ordinal)];
   const kernels::KernelModule broken = {"Broken", "__kernel void Run() { ThereIsNoSuch(); }", {}};
-  EXPECT_FALSE(IL::BuildOpenClProgram(cl::Context(device), device, device_->Info(), broken,
-                                      IL::BinaryCache(fs::path()))
+  EXPECT_FALSE(RefHost::BuildOpenClProgram(cl::Context(device), device, device_->Info(), broken,
+                                           RefHost::BinaryCache(fs::path()))
                    .has_value());
-  orvcore::debug::SetTraceSink({});
-  orvcore::debug::SetTraceLevel(0);
+  RefHost::SetTraceSink({});
+  RefHost::SetTraceLevel(0);
   EXPECT_THAT(messages, testing::AllOf(testing::HasSubstr("module Broken does not build"),
                                        testing::HasSubstr("ThereIsNoSuch")));
 }
@@ -85,8 +87,8 @@ TEST_P(OpenClDevices, AllocateAndFindKernelsWhileAnotherThreadBuilds) {
   const auto known = IL::LoadKernel(device_, "PixelConversion", "ConvertPixels");
   ASSERT_NE(known, nullptr);
   int traced = 0;
-  orvcore::debug::SetTraceLevel(7);
-  orvcore::debug::SetTraceSink([&](int, std::string_view, std::string_view) {
+  RefHost::SetTraceLevel(7);
+  RefHost::SetTraceSink([&](int, std::string_view, std::string_view) {
     ++traced;
     std::async(std::launch::async, [&] {
       std::uint64_t pointer = 0;
@@ -96,21 +98,21 @@ TEST_P(OpenClDevices, AllocateAndFindKernelsWhileAnotherThreadBuilds) {
     }).get();
   });
   EXPECT_EQ(IL::LoadKernel(device_, "NoSuchModule", "ConvertPixels"), nullptr);
-  orvcore::debug::SetTraceSink({});
-  orvcore::debug::SetTraceLevel(0);
+  RefHost::SetTraceSink({});
+  RefHost::SetTraceLevel(0);
   EXPECT_EQ(traced, 1);
 }
 
 TEST(OpenClStatus, TellsResourcesFromMemory) {
   std::string messages;
-  orvcore::debug::SetTraceLevel(7);
-  orvcore::debug::SetTraceSink(
-      [&](int, std::string_view, std::string_view text) { messages += text; });
-  EXPECT_EQ(IL::ResultOf(CL_OUT_OF_RESOURCES, "a launch"), IL::kOutOfDeviceMemory);
-  EXPECT_EQ(IL::ResultOf(CL_MEM_OBJECT_ALLOCATION_FAILURE, "a launch"), IL::kOutOfDeviceMemory);
-  EXPECT_EQ(IL::ResultOf(CL_SUCCESS, "a launch"), 0);
-  orvcore::debug::SetTraceSink({});
-  orvcore::debug::SetTraceLevel(0);
+  RefHost::SetTraceLevel(7);
+  RefHost::SetTraceSink([&](int, std::string_view, std::string_view text) { messages += text; });
+  EXPECT_EQ(RefHost::ResultOf(CL_OUT_OF_RESOURCES, "a launch"), RefHost::kOutOfDeviceMemory);
+  EXPECT_EQ(RefHost::ResultOf(CL_MEM_OBJECT_ALLOCATION_FAILURE, "a launch"),
+            RefHost::kOutOfDeviceMemory);
+  EXPECT_EQ(RefHost::ResultOf(CL_SUCCESS, "a launch"), 0);
+  RefHost::SetTraceSink({});
+  RefHost::SetTraceLevel(0);
   EXPECT_EQ(
       messages,
       "OpenCL : a launch failed : the device is out of resources, or a kernel failed on it\r\n"

@@ -12,8 +12,8 @@
 #include "tests/refhost/ThreadLimit.h"
 #include "tests/refhost/kestrel/Frames.h"
 
-using KS::ChromaFormat;
 using orvmediatypes::color::ColorSpace;
+using RefHost::ChromaFormat;
 
 namespace {
 
@@ -41,7 +41,7 @@ Sample SampleAt(const PX::VideoFrameRef& frame, int index) {
 template <std::size_t N>
 PX::VideoFrameRef FrameOf(const std::array<float, N>& values) {
   static_assert(N % 4 == 0);
-  PX::VideoFrameRef frame = MakeFrame(KS::kBgraFloat, N / 4, 1, kSrgb);
+  PX::VideoFrameRef frame = MakeFrame(RefHost::kBgraFloat, N / 4, 1, kSrgb);
   std::memcpy(RowOf(frame, 0, 0), values.data(), sizeof(values));
   return frame;
 }
@@ -109,9 +109,9 @@ TEST(CopyFrame, CopiesEveryFormatBitForBit) {
 }
 
 TEST(CopyFrame, BringsIntegersThroughFloatUnchanged) {
-  for (const PixelFormat format : {KS::kBgra8, KS::kBgra16, KS::kBgraHalf}) {
+  for (const PixelFormat format : {RefHost::kBgra8, RefHost::kBgra16, RefHost::kBgraHalf}) {
     const PX::VideoFrameRef from = MakeFrame(format, 300, 70, kSrgb);
-    const PX::VideoFrameRef between = MakeFrame(KS::kBgraFloat, 300, 70, kSrgb);
+    const PX::VideoFrameRef between = MakeFrame(RefHost::kBgraFloat, 300, 70, kSrgb);
     const PX::VideoFrameRef to = MakeFrame(format, 300, 70, kSrgb);
     FillWithNoise(from, 2);
     ASSERT_EQ(Copy(from, between), 0);
@@ -124,7 +124,7 @@ TEST(CopyFrame, ClampsAndRoundsIntegers) {
   const PX::VideoFrameRef from =
       FrameOf<12>({0.0F, 1.0F, -0.25F, 1.5F, 0.4999F / 255.0F, 0.5001F / 255.0F, kNaN, kInfinity,
                    -kInfinity, 1e30F, -0.0F, 254.6F / 255.0F});
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgra8, 3, 1, kSrgb);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgra8, 3, 1, kSrgb);
   ASSERT_EQ(Copy(from, to), 0);
   const std::array<int, 12> expected{0, 255, 0, 255, 0, 1, 0, 255, 0, 255, 0, 255};
   for (int i = 0; i < 12; ++i) {
@@ -135,7 +135,7 @@ TEST(CopyFrame, ClampsAndRoundsIntegers) {
 TEST(CopyFrame, RoundsHalvesToEvenAndDoesNotClampThem) {
   const PX::VideoFrameRef from = FrameOf<8>({1.0F + 0x1p-11F, 1.0F + 0x3p-11F, 65504.0F, 65520.0F,
                                              -2.0F, 0x1p-24F, kInfinity, -kInfinity});
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraHalf, 2, 1, kSrgb);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraHalf, 2, 1, kSrgb);
   ASSERT_EQ(Copy(from, to), 0);
   const std::array<int, 8> expected{0x3C00, 0x3C02, 0x7BFF, 0x7C00, 0xC000, 0x0001, 0x7C00, 0xFC00};
   for (int i = 0; i < 8; ++i) {
@@ -145,7 +145,7 @@ TEST(CopyFrame, RoundsHalvesToEvenAndDoesNotClampThem) {
 
 TEST(CopyFrame, PassesEverythingOnBetweenFloatsOfOneColorSpace) {
   const std::array<float, 8> values{kNaN, kInfinity, -kInfinity, 1e-42F, -5.0F, 7e9F, 0.0F, 2.0F};
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 2, 1, kSrgb);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 2, 1, kSrgb);
   const PX::VideoFrameRef from = FrameOf(values);
   ASSERT_EQ(Copy(from, to), 0);
   EXPECT_EQ(Samples(from), Samples(to));
@@ -154,14 +154,14 @@ TEST(CopyFrame, PassesEverythingOnBetweenFloatsOfOneColorSpace) {
 TEST(CopyFrame, ConvertsColorsAsTheConverterDoes) {
   const ColorSpace pq(Rgb(9, 16));
   for (const auto& [name, format] : InterleavedFormats()) {
-    const PX::VideoFrameRef from = MakeFrame(KS::kBgra16, 300, 70, pq.Description());
+    const PX::VideoFrameRef from = MakeFrame(RefHost::kBgra16, 300, 70, pq.Description());
     const PX::VideoFrameRef to = MakeFrame(format, 300, 70, Rgb(1, 8));
     const PX::VideoFrameRef expected = MakeFrame(format, 300, 70, Rgb(1, 8));
     FillWithNoise(from, 3);
     ASSERT_EQ(Copy(from, to), 0);
-    ASSERT_EQ(CHR::ConvertFrame(RowOf(from, 0, 0), RowOf(expected, 0, 0), 300, 70, pq, KS::kBgra16,
-                                PlaneOf(from, 0).rowBytes, ColorSpace(Rgb(1, 8)), format,
-                                PlaneOf(expected, 0).rowBytes, {}),
+    ASSERT_EQ(CHR::ConvertFrame(RowOf(from, 0, 0), RowOf(expected, 0, 0), 300, 70, pq,
+                                RefHost::kBgra16, PlaneOf(from, 0).rowBytes, ColorSpace(Rgb(1, 8)),
+                                format, PlaneOf(expected, 0).rowBytes, {}),
               0);
     EXPECT_EQ(Samples(to), Samples(expected)) << name;
   }
@@ -172,7 +172,7 @@ TEST(CopyFrame, HonoursTheColorManagementSettings) {
   using orvmediatypes::color::GraphicsWhiteLuminance;
   const PX::VideoFrameRef from = FrameOf<4>({0.5F, 0.5F, 0.5F, 1.0F});
   from->SetColorSpace(ColorSpace(Rgb(9, 16)));
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 1, 1, Rgb(9, 8));
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 1, 1, Rgb(9, 8));
   const auto lightAt = [&](GraphicsWhiteLuminance white) {
     EXPECT_EQ(KS::VideoFrameManipulators::CopyFrame(from, to, 4, ColorManagementSettings(white)),
               0);
@@ -189,7 +189,7 @@ TEST(CopyFrame, ConvertsBetweenHlgDisplaysOfDifferentPeaks) {
   bright.peakLuminance = 2000;
   const PX::VideoFrameRef from = FrameOf<4>({0.5F, 0.5F, 0.5F, 1.0F});
   from->SetColorSpace(ColorSpace(Rgb(9, 18)));
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 1, 1, bright);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 1, 1, bright);
   ASSERT_EQ(Copy(from, to), 0);
   EXPECT_LT(FloatPixel(to, 0, 0)[1], 0.49F);
 }
@@ -198,10 +198,10 @@ TEST(CopyFrame, ConvertsOnlySamplesWhereNoOneKnowsTheColors) {
   for (const ColorDescription& unknown : {ColorDescription{}, Rgb(2, 2), Rgb(3, 200)}) {
     const PX::VideoFrameRef from = FrameOf<4>({0.0F, 0.5F, 1.0F, 1.0F});
     from->SetColorSpace(ColorSpace(unknown));
-    const PX::VideoFrameRef to = MakeFrame(KS::kBgra16, 1, 1, unknown);
+    const PX::VideoFrameRef to = MakeFrame(RefHost::kBgra16, 1, 1, unknown);
     ASSERT_EQ(Copy(from, to), 0);
     EXPECT_EQ(SampleAt<std::uint16_t>(to, 1), 32768);
-    const PX::VideoFrameRef other = MakeFrame(KS::kBgraFloat, 1, 1, Rgb(1, 8));
+    const PX::VideoFrameRef other = MakeFrame(RefHost::kBgraFloat, 1, 1, Rgb(1, 8));
     EXPECT_EQ(Copy(from, other), kNotSupported);
   }
 }
@@ -210,7 +210,7 @@ TEST(CopyFrame, TouchesNothingBeyondTheRows) {
   for (const auto& list : ConvertedFormats()) {
     for (const auto& [name, format] : list) {
       for (const auto& [width, height] : kSizes) {
-        const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, width, height, kSrgb);
+        const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, width, height, kSrgb);
         FillWithGradient(from);
         const GuardedFrame to(format, width, height, YCbCr(1, false));
         ASSERT_EQ(Copy(from, to.frame), 0) << name;
@@ -232,8 +232,8 @@ TEST(CopyFrame, ReadsAndWritesPaddedRowsAsPackedOnes) {
       const PX::VideoFrameRef packed = MakeFrame(format, 17, 41, YCbCr(6, true));
       FillWithNoise(packed, 4);
       ASSERT_EQ(Copy(packed, padded.frame), 0);
-      const PX::VideoFrameRef fromPadded = MakeFrame(KS::kBgraFloat, 17, 41, Rgb(9, 8));
-      const PX::VideoFrameRef fromPacked = MakeFrame(KS::kBgraFloat, 17, 41, Rgb(9, 8));
+      const PX::VideoFrameRef fromPadded = MakeFrame(RefHost::kBgraFloat, 17, 41, Rgb(9, 8));
+      const PX::VideoFrameRef fromPacked = MakeFrame(RefHost::kBgraFloat, 17, 41, Rgb(9, 8));
       ASSERT_EQ(Copy(padded.frame, fromPadded), 0);
       ASSERT_EQ(Copy(packed, fromPacked), 0);
       EXPECT_EQ(Samples(fromPadded), Samples(fromPacked)) << name;
@@ -244,14 +244,14 @@ TEST(CopyFrame, ReadsAndWritesPaddedRowsAsPackedOnes) {
 TEST(CopyFrame, MakesTheSameBitsOnOneThreadAndOnTwo) {
   for (const auto& list : ConvertedFormats()) {
     for (const auto& [name, format] : list) {
-      const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, 61, 203, kSrgb);
+      const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, 61, 203, kSrgb);
       FillWithNoise(from, 5);
       std::array<PX::VideoFrameRef, 2> made;
       std::array<PX::VideoFrameRef, 2> back;
       for (std::size_t threads = 1; threads <= 2; ++threads) {
         const ThreadLimit limit(static_cast<int>(threads));
         made[threads - 1] = MakeFrame(format, 61, 203, YCbCr(9, false));
-        back[threads - 1] = MakeFrame(KS::kBgraFloat, 61, 203, Rgb(9, 16));
+        back[threads - 1] = MakeFrame(RefHost::kBgraFloat, 61, 203, Rgb(9, 16));
         ASSERT_EQ(Copy(from, made[threads - 1]), 0) << name;
         ASSERT_EQ(Copy(made[threads - 1], back[threads - 1]), 0) << name;
       }
@@ -262,7 +262,8 @@ TEST(CopyFrame, MakesTheSameBitsOnOneThreadAndOnTwo) {
 }
 
 TEST(CopyFrame, DoesNothingWhenSourceAndDestinationAreOneFrame) {
-  for (const PixelFormat format : {KS::kBgraHalf, KS::SemiPlanarYCbCr(ChromaFormat::C420, 10)}) {
+  for (const PixelFormat format :
+       {RefHost::kBgraHalf, RefHost::SemiPlanarYCbCr(ChromaFormat::C420, 10)}) {
     const PX::VideoFrameRef frame = MakeFrame(format, 17, 41, YCbCr(9, false));
     FillWithNoise(frame, 6);
     const auto before = Samples(frame);
@@ -283,16 +284,16 @@ void ExpectSharedMemoryConverts(PixelFormat from, const ColorDescription& fromCo
   constexpr int kHeight = 130;
   std::vector<std::byte> memory(std::size_t{kWideRow} * kHeight);
   const auto borrow = [&](PixelFormat format, const ColorDescription& colors) {
-    KS::SystemFrameLayout layout{.format = format,
-                                 .width = kSharedWidth,
-                                 .height = kHeight,
-                                 .colorSpace = ColorSpace(colors),
-                                 .borrowed = KS::BorrowedMemory{}};
+    RefHost::SystemFrameLayout layout{.format = format,
+                                      .width = kSharedWidth,
+                                      .height = kHeight,
+                                      .colorSpace = ColorSpace(colors),
+                                      .borrowed = RefHost::BorrowedMemory{}};
     layout.rowBytes.fill(rowBytes);
     layout.borrowed->planes = {memory.data(), memory.data() + memory.size() / 2,
                                memory.data() + memory.size() * 3 / 4};
     PX::VideoFrameRef frame;
-    EXPECT_EQ(KS::CreateSystemFrame(frame, layout), 0);
+    EXPECT_EQ(RefHost::CreateSystemFrame(frame, layout), 0);
     return frame;
   };
   const PX::VideoFrameRef source = borrow(from, fromColors);
@@ -307,58 +308,60 @@ void ExpectSharedMemoryConverts(PixelFormat from, const ColorDescription& fromCo
 }
 
 TEST(CopyFrame, WorksInPlaceWherePixelsHaveOneSize) {
-  ExpectSharedMemoryConverts(KS::kBgraFloat, Rgb(9, 16), KS::kBgraFloat, Rgb(1, 8));
-  ExpectSharedMemoryConverts(KS::kBgra16, Rgb(9, 16), KS::kBgraHalf, Rgb(1, 8));
+  ExpectSharedMemoryConverts(RefHost::kBgraFloat, Rgb(9, 16), RefHost::kBgraFloat, Rgb(1, 8));
+  ExpectSharedMemoryConverts(RefHost::kBgra16, Rgb(9, 16), RefHost::kBgraHalf, Rgb(1, 8));
 }
 
 TEST(CopyFrame, IsRightOnSharedMemoryOfDifferentLayouts) {
-  ExpectSharedMemoryConverts(KS::kBgraHalf, Rgb(9, 16), KS::kBgraFloat, Rgb(1, 8));
-  ExpectSharedMemoryConverts(KS::kBgraHalf, Rgb(9, 16), KS::kBgraFloat, Rgb(1, 8), kWideRow);
-  ExpectSharedMemoryConverts(KS::kBgraFloat, Rgb(9, 16), KS::kBgra8, Rgb(1, 13));
+  ExpectSharedMemoryConverts(RefHost::kBgraHalf, Rgb(9, 16), RefHost::kBgraFloat, Rgb(1, 8));
+  ExpectSharedMemoryConverts(RefHost::kBgraHalf, Rgb(9, 16), RefHost::kBgraFloat, Rgb(1, 8),
+                             kWideRow);
+  ExpectSharedMemoryConverts(RefHost::kBgraFloat, Rgb(9, 16), RefHost::kBgra8, Rgb(1, 13));
 }
 
 TEST(CopyFrame, IsRightOnMemorySharedWithAYCbCrFrame) {
-  ExpectSharedMemoryConverts(KS::PlanarYCbCr(ChromaFormat::C420, 8), YCbCr(1, false),
-                             KS::kBgraFloat, Rgb(1, 8));
-  ExpectSharedMemoryConverts(KS::PlanarYCbCr(ChromaFormat::C420, 8), YCbCr(1, false),
-                             KS::PlanarYCbCr(ChromaFormat::C420, 8), YCbCr(9, true));
+  ExpectSharedMemoryConverts(RefHost::PlanarYCbCr(ChromaFormat::C420, 8), YCbCr(1, false),
+                             RefHost::kBgraFloat, Rgb(1, 8));
+  ExpectSharedMemoryConverts(RefHost::PlanarYCbCr(ChromaFormat::C420, 8), YCbCr(1, false),
+                             RefHost::PlanarYCbCr(ChromaFormat::C420, 8), YCbCr(9, true));
 }
 
 TEST(CopyFrame, TakesInterleavedFramesWithoutAPlaneView) {
-  const PX::VideoFrameRef pixels = MakeFrame(KS::kBgraFloat, 17, 9, kSrgb);
+  const PX::VideoFrameRef pixels = MakeFrame(RefHost::kBgraFloat, 17, 9, kSrgb);
   FillWithNoise(pixels, 8);
   PlainFrame plain(pixels);
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 17, 9, kSrgb);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 17, 9, kSrgb);
   ASSERT_EQ(Copy(plain.Handle(), to), 0);
   EXPECT_EQ(Samples(to), Samples(pixels));
 }
 
 TEST(CopyFrame, PrefersTheRowBytesOfTheTwoDimensionalView) {
-  const PX::VideoFrameRef pixels = MakeFrame(KS::kBgraFloat, 17, 9, kSrgb);
+  const PX::VideoFrameRef pixels = MakeFrame(RefHost::kBgraFloat, 17, 9, kSrgb);
   FillWithNoise(pixels, 8);
   PlainFrame plain(pixels);
   plain.rowBytes2D = plain.rowBytes;
   plain.rowBytes = 0;
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 17, 9, kSrgb);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 17, 9, kSrgb);
   ASSERT_EQ(Copy(plain.Handle(), to), 0);
   EXPECT_EQ(Samples(to), Samples(pixels));
 }
 
 TEST(CopyFrame, RefusesFramesWhosePixelsCannotBeHad) {
-  const PX::VideoFrameRef good = MakeFrame(KS::kBgraFloat, 4, 4, kSrgb);
+  const PX::VideoFrameRef good = MakeFrame(RefHost::kBgraFloat, 4, 4, kSrgb);
   EXPECT_EQ(Copy({}, good), kInvalidFrame);
   EXPECT_EQ(Copy(good, {}), kInvalidFrame);
   PlainFrame noMemory(good);
   noMemory.hasMemory = false;
   EXPECT_EQ(Copy(noMemory.Handle(), good), kInvalidFrame);
   EXPECT_EQ(Copy(good, noMemory.Handle()), kInvalidFrame);
-  PlainFrame noPlanes(MakeFrame(KS::PlanarYCbCr(ChromaFormat::C420, 8), 4, 4, YCbCr(1, false)));
+  PlainFrame noPlanes(
+      MakeFrame(RefHost::PlanarYCbCr(ChromaFormat::C420, 8), 4, 4, YCbCr(1, false)));
   EXPECT_EQ(Copy(noPlanes.Handle(), good), kInvalidFrame);
 }
 
 TEST(CopyFrame, RefusesRowsShorterThanTheirPixels) {
-  const PX::VideoFrameRef good = MakeFrame(KS::kBgraFloat, 4, 4, kSrgb);
-  PlainFrame shortRows(MakeFrame(KS::kBgraFloat, 4, 4, kSrgb));
+  const PX::VideoFrameRef good = MakeFrame(RefHost::kBgraFloat, 4, 4, kSrgb);
+  PlainFrame shortRows(MakeFrame(RefHost::kBgraFloat, 4, 4, kSrgb));
   for (const std::int32_t rowBytes : {63, 0, -64}) {
     shortRows.rowBytes = rowBytes;
     EXPECT_EQ(Copy(shortRows.Handle(), good), kInvalidFrame) << rowBytes;
@@ -367,29 +370,29 @@ TEST(CopyFrame, RefusesRowsShorterThanTheirPixels) {
 }
 
 TEST(CopyFrame, RefusesOtherSizes) {
-  const PX::VideoFrameRef frame = MakeFrame(KS::kBgraFloat, 4, 4, kSrgb);
-  EXPECT_EQ(Copy(frame, MakeFrame(KS::kBgraFloat, 4, 5, kSrgb)), kInvalidFrame);
-  EXPECT_EQ(Copy(frame, MakeFrame(KS::kBgraFloat, 3, 4, kSrgb)), kInvalidFrame);
+  const PX::VideoFrameRef frame = MakeFrame(RefHost::kBgraFloat, 4, 4, kSrgb);
+  EXPECT_EQ(Copy(frame, MakeFrame(RefHost::kBgraFloat, 4, 5, kSrgb)), kInvalidFrame);
+  EXPECT_EQ(Copy(frame, MakeFrame(RefHost::kBgraFloat, 3, 4, kSrgb)), kInvalidFrame);
 }
 
 TEST(CopyFrame, TakesNoNoticeOfWhereFramesLie) {
-  KS::SystemFrameLayout layout{.format = KS::kBgraFloat,
-                               .width = 4,
-                               .height = 4,
-                               .left = 10,
-                               .top = -3,
-                               .colorSpace = ColorSpace(kSrgb)};
+  RefHost::SystemFrameLayout layout{.format = RefHost::kBgraFloat,
+                                    .width = 4,
+                                    .height = 4,
+                                    .left = 10,
+                                    .top = -3,
+                                    .colorSpace = ColorSpace(kSrgb)};
   PX::VideoFrameRef moved;
-  ASSERT_EQ(KS::CreateSystemFrame(moved, layout), 0);
+  ASSERT_EQ(RefHost::CreateSystemFrame(moved, layout), 0);
   FillWithNoise(moved, 9);
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 4, 4, kSrgb);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 4, 4, kSrgb);
   ASSERT_EQ(Copy(moved, to), 0);
   EXPECT_EQ(Samples(to), Samples(moved));
 }
 
 TEST(CopyFrame, LeavesTheColorSpaceTagsAlone) {
-  const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, 4, 4, Rgb(9, 16));
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgra8, 4, 4, kSrgb);
+  const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, 4, 4, Rgb(9, 16));
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgra8, 4, 4, kSrgb);
   FillWithNoise(from, 10);
   ASSERT_EQ(Copy(from, to), 0);
   EXPECT_EQ(from->GetColorSpace().Description(), Rgb(9, 16));

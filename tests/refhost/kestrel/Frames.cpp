@@ -17,14 +17,14 @@ namespace {
 constexpr std::byte kGuard{0xC7};
 
 std::size_t RowSize(const PX::VideoFrameRef& frame, int plane) {
-  const KS::FormatInfo info = InfoOf(frame->GetPixelFormat());
+  const RefHost::FormatInfo info = InfoOf(frame->GetPixelFormat());
   return static_cast<std::size_t>(PlaneOf(frame, plane).width * info.SamplesPerPosition(plane) *
                                   info.bytesPerSample);
 }
 
 /// Where the codes of one component are stored.
 struct ComponentPlace {
-  KS::Plane plane;
+  RefHost::Plane plane;
   int offset = 0;
   int step = 1;
   std::size_t bytes = 1;
@@ -46,9 +46,9 @@ struct ComponentPlace {
 };
 
 ComponentPlace PlaceOf(const PX::VideoFrameRef& frame, int component) {
-  const KS::FormatInfo info = InfoOf(frame->GetPixelFormat());
+  const RefHost::FormatInfo info = InfoOf(frame->GetPixelFormat());
   const auto bytes = static_cast<std::size_t>(info.bytesPerSample);
-  if (info.layout == KS::FrameLayout::PlanarYCbCr) {
+  if (info.layout == RefHost::FrameLayout::PlanarYCbCr) {
     return {PlaneOf(frame, component), 0, 1, bytes, 0};
   }
   const unsigned shift = info.bits > 8 ? static_cast<unsigned>(16 - info.bits) : 0U;
@@ -59,26 +59,28 @@ ComponentPlace PlaceOf(const PX::VideoFrameRef& frame, int component) {
 }  // namespace
 
 std::vector<NamedFormat> InterleavedFormats() {
-  return {
-      {"8", KS::kBgra8}, {"16", KS::kBgra16}, {"half", KS::kBgraHalf}, {"float", KS::kBgraFloat}};
+  return {{"8", RefHost::kBgra8},
+          {"16", RefHost::kBgra16},
+          {"half", RefHost::kBgraHalf},
+          {"float", RefHost::kBgraFloat}};
 }
 
 std::vector<NamedFormat> YCbCrFormats() {
   std::vector<NamedFormat> formats;
-  for (const auto& [name, chroma] : {std::pair{"420", KS::ChromaFormat::C420},
-                                     {"422", KS::ChromaFormat::C422},
-                                     {"444", KS::ChromaFormat::C444}}) {
+  for (const auto& [name, chroma] : {std::pair{"420", RefHost::ChromaFormat::C420},
+                                     {"422", RefHost::ChromaFormat::C422},
+                                     {"444", RefHost::ChromaFormat::C444}}) {
     for (const int bits : {8, 10, 12, 16}) {
       const std::string text = std::string(name) + " " + std::to_string(bits) + " bits";
-      formats.push_back({"planar " + text, KS::PlanarYCbCr(chroma, bits)});
-      formats.push_back({"semi-planar " + text, KS::SemiPlanarYCbCr(chroma, bits)});
+      formats.push_back({"planar " + text, RefHost::PlanarYCbCr(chroma, bits)});
+      formats.push_back({"semi-planar " + text, RefHost::SemiPlanarYCbCr(chroma, bits)});
     }
   }
   return formats;
 }
 
-KS::FormatInfo InfoOf(PixelFormat format) {
-  return KS::DescribeFormat(format).value_or(KS::FormatInfo{});
+RefHost::FormatInfo InfoOf(PixelFormat format) {
+  return RefHost::DescribeFormat(format).value_or(RefHost::FormatInfo{});
 }
 
 ColorDescription Rgb(int primaries, int transfer) {
@@ -106,12 +108,12 @@ PX::VideoFrameRef MakeFrame(PixelFormat format, int width, int height,
 
 GuardedFrame::GuardedFrame(PixelFormat format, int width, int height,
                            const ColorDescription& colors) {
-  const KS::FormatInfo info = InfoOf(format);
-  KS::SystemFrameLayout layout{.format = format,
-                               .width = width,
-                               .height = height,
-                               .colorSpace = ColorSpace(colors),
-                               .borrowed = KS::BorrowedMemory{}};
+  const RefHost::FormatInfo info = InfoOf(format);
+  RefHost::SystemFrameLayout layout{.format = format,
+                                    .width = width,
+                                    .height = height,
+                                    .colorSpace = ColorSpace(colors),
+                                    .borrowed = RefHost::BorrowedMemory{}};
   for (int plane = 0; plane < info.planeCount; ++plane) {
     const int shiftX = plane == 0 ? 0 : info.ChromaShiftX();
     const int shiftY = plane == 0 ? 0 : info.ChromaShiftY();
@@ -122,7 +124,7 @@ GuardedFrame::GuardedFrame(PixelFormat format, int width, int height,
     memories_.emplace_back(static_cast<std::size_t>(layout.rowBytes[index] * rows + 2), kGuard);
     layout.borrowed->planes[index] = memories_.back().data() + 1;
   }
-  EXPECT_EQ(KS::CreateSystemFrame(frame, layout), 0);
+  EXPECT_EQ(RefHost::CreateSystemFrame(frame, layout), 0);
 }
 
 bool GuardedFrame::IsGuardIntact() const {
@@ -140,12 +142,12 @@ bool GuardedFrame::IsGuardIntact() const {
   return true;
 }
 
-KS::Plane PlaneOf(const PX::VideoFrameRef& frame, int index) {
-  return orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(frame)->GetPlane(index);
+RefHost::Plane PlaneOf(const PX::VideoFrameRef& frame, int index) {
+  return orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(frame)->GetPlane(index);
 }
 
 std::byte* RowOf(const PX::VideoFrameRef& frame, int plane, int row) {
-  const KS::Plane at = PlaneOf(frame, plane);
+  const RefHost::Plane at = PlaneOf(frame, plane);
   return static_cast<std::byte*>(at.data) + std::ptrdiff_t{at.rowBytes} * row;
 }
 
@@ -193,7 +195,7 @@ unsigned LargestCodeDifference(const PX::VideoFrameRef& a, const PX::VideoFrameR
 
 void FillWithNoise(const PX::VideoFrameRef& frame, unsigned seed) {
   std::mt19937 random(seed);
-  const KS::FormatInfo info = InfoOf(frame->GetPixelFormat());
+  const RefHost::FormatInfo info = InfoOf(frame->GetPixelFormat());
   if (info.IsYCbCr()) {
     std::uniform_int_distribution<unsigned> codes(0, (1U << static_cast<unsigned>(info.bits)) - 1U);
     for (int component = 0; component < 3; ++component) {
@@ -205,8 +207,8 @@ void FillWithNoise(const PX::VideoFrameRef& frame, unsigned seed) {
     return;
   }
   const orvcore::geom::Bounds bounds = frame->GetBounds();
-  const PX::VideoFrameRef noise =
-      MakeFrame(KS::kBgraFloat, bounds.width, bounds.height, frame->GetColorSpace().Description());
+  const PX::VideoFrameRef noise = MakeFrame(RefHost::kBgraFloat, bounds.width, bounds.height,
+                                            frame->GetColorSpace().Description());
   std::uniform_real_distribution<float> values(0.0F, 1.0F);
   for (int y = 0; y < bounds.height; ++y) {
     float* row = FloatPixel(noise, 0, y);

@@ -23,7 +23,7 @@ std::vector<NamedFormat> YCbCrFormats();
 std::vector<std::vector<NamedFormat>> ConvertedFormats();
 
 /// What is known of a format; a depth of 0 when nothing is.
-KS::FormatInfo InfoOf(PixelFormat format);
+RefHost::FormatInfo InfoOf(PixelFormat format);
 
 /// R'G'B' with H.273 primaries and transfer.
 ColorDescription Rgb(int primaries, int transfer);
@@ -49,7 +49,7 @@ class GuardedFrame {
   std::vector<std::vector<std::byte>> memories_;
 };
 
-KS::Plane PlaneOf(const PX::VideoFrameRef& frame, int index);
+RefHost::Plane PlaneOf(const PX::VideoFrameRef& frame, int index);
 std::byte* RowOf(const PX::VideoFrameRef& frame, int plane, int row);
 
 /// A pixel of a float BGRA frame: blue, green, red, alpha.

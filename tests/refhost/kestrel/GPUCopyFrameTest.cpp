@@ -7,21 +7,20 @@
 #include "host/kestrel/CreateFrames.h"
 #include "host/kestrel/FrameInterfaces.h"
 #include "host/kestrel/FrameManipulators.h"
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/kestrel/FrameView.h"
 #include "refhost/kestrel/PixelFormats.h"
-#include "refhost/kestrel/ResultCodes.h"
 #include "refhost/kestrel/SystemFrame.h"
 #include "tests/devices/DeviceFrames.h"
 #include "tests/devices/EveryDevice.h"
 #include "tests/refhost/Spaces.h"
 
-using KS::kBgra16;
-using KS::kBgra8;
-using KS::kBgraFloat;
-using KS::kBgraHalf;
 using orvmediatypes::PixelFormat;
 using orvmediatypes::color::ColorSpace;
+using RefHost::kBgra16;
+using RefHost::kBgra8;
+using RefHost::kBgraFloat;
+using RefHost::kBgraHalf;
 
 namespace {
 
@@ -52,8 +51,8 @@ ColorSpace Bt709() {
 
 /// All samples of a frame in system memory, without what lies between rows.
 std::vector<std::byte> SamplesOf(const PX::VideoFrameRef& frame) {
-  KS::FrameView view;
-  EXPECT_EQ(KS::ViewFrame(frame, view), 0);
+  RefHost::FrameView view;
+  EXPECT_EQ(RefHost::ViewFrame(frame, view), 0);
   std::vector<std::byte> samples;
   for (int plane = 0; plane < view.info.planeCount; ++plane) {
     for (int row = 0; row < view.planes[static_cast<std::size_t>(plane)].height; ++row) {
@@ -119,7 +118,7 @@ TEST_P(GPUFrames, AreRoundedOnceBetweenFloatAndHalf) {
 TEST_P(GPUFrames, TakeAndGiveOtherFormatsOfSystemMemory) {
   const auto integers = MakeSystemFrame(kBgraFloat, 9, 4, Space(1, 13), NotablePixels(9, 4, 2));
   PX::VideoFrameRef eight;
-  ASSERT_EQ(KS::CreateSystemFrame(
+  ASSERT_EQ(RefHost::CreateSystemFrame(
                 eight, {.format = kBgra8, .width = 9, .height = 4, .colorSpace = Space(1, 13)}),
             0);
   ASSERT_EQ(KS::VideoFrameManipulators::CopyFrame(integers, eight, 4, {}), 0);
@@ -162,10 +161,10 @@ TEST_P(GPUFrames, PassInPiecesWithTheBitsOfTheProcessor) {
 
 /// Chroma of a row is made from rows of the piece before and of the next.
 TEST_P(GPUFrames, PassInPiecesToAndFromHalvedChroma) {
-  const auto format = KS::PlanarYCbCr(KS::ChromaFormat::C420, 10);
+  const auto format = RefHost::PlanarYCbCr(RefHost::ChromaFormat::C420, 10);
   const auto make = [&](int height) {
     PX::VideoFrameRef frame;
-    EXPECT_EQ(KS::CreateSystemFrame(
+    EXPECT_EQ(RefHost::CreateSystemFrame(
                   frame, {.format = format, .width = 34, .height = height, .colorSpace = Bt709()}),
               0);
     return frame;
@@ -231,21 +230,24 @@ TEST_P(GPUFrames, AreRefusedWhereTheyCannotBeMadeOrConverted) {
     EXPECT_FALSE(frame.IsUsable());
     return result;
   };
-  EXPECT_EQ(create(nullptr, kBgraFloat, 4, 4), KS::kNotSupported);
-  EXPECT_EQ(create(device_, kBgra8, 4, 4), KS::kNotSupported);
-  EXPECT_EQ(create(device_, kBgra16, 4, 4), KS::kNotSupported);
-  EXPECT_EQ(create(device_, KS::PlanarYCbCr(KS::ChromaFormat::C420, 8), 4, 4), KS::kNotSupported);
-  EXPECT_EQ(create(device_, kBgraFloat, 0, 4), KS::kInvalidFrame);
-  EXPECT_EQ(create(device_, kBgraFloat, 4, -1), KS::kInvalidFrame);
-  EXPECT_EQ(create(device_, kBgraFloat, 1 << 30, 4), KS::kInvalidFrame);
+  EXPECT_EQ(create(nullptr, kBgraFloat, 4, 4), RefHost::kNotSupported);
+  EXPECT_EQ(create(device_, kBgra8, 4, 4), RefHost::kNotSupported);
+  EXPECT_EQ(create(device_, kBgra16, 4, 4), RefHost::kNotSupported);
+  EXPECT_EQ(create(device_, RefHost::PlanarYCbCr(RefHost::ChromaFormat::C420, 8), 4, 4),
+            RefHost::kNotSupported);
+  EXPECT_EQ(create(device_, kBgraFloat, 0, 4), RefHost::kInvalidFrame);
+  EXPECT_EQ(create(device_, kBgraFloat, 4, -1), RefHost::kInvalidFrame);
+  EXPECT_EQ(create(device_, kBgraFloat, 1 << 30, 4), RefHost::kInvalidFrame);
   // Fits no device.
-  EXPECT_EQ(create(device_, kBgraFloat, 1 << 17, 1 << 17), IL::kOutOfDeviceMemory);
+  EXPECT_EQ(create(device_, kBgraFloat, 1 << 17, 1 << 17), RefHost::kOutOfDeviceMemory);
 
   const auto frame = MakeGPUFrame(device_, kBgraFloat, 4, 4, Space(9, 16));
-  EXPECT_EQ(Copy(frame, MakeGPUFrame(device_, kBgraFloat, 4, 5, Space(9, 16))), KS::kInvalidFrame);
-  EXPECT_EQ(Copy(frame, MakeGPUFrame(device_, kBgraFloat, 4, 4, ColorSpace())), KS::kNotSupported);
-  EXPECT_EQ(Copy({}, frame), KS::kInvalidFrame);
-  EXPECT_EQ(Copy(frame, {}), KS::kInvalidFrame);
+  EXPECT_EQ(Copy(frame, MakeGPUFrame(device_, kBgraFloat, 4, 5, Space(9, 16))),
+            RefHost::kInvalidFrame);
+  EXPECT_EQ(Copy(frame, MakeGPUFrame(device_, kBgraFloat, 4, 4, ColorSpace())),
+            RefHost::kNotSupported);
+  EXPECT_EQ(Copy({}, frame), RefHost::kInvalidFrame);
+  EXPECT_EQ(Copy(frame, {}), RefHost::kInvalidFrame);
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryDevice, GPUFrames, testing::ValuesIn(EveryDevice()), DeviceTestName);

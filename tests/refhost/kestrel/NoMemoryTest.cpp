@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include "refhost/ResultCodes.h"
 #include "refhost/kestrel/PixelFormats.h"
-#include "refhost/kestrel/ResultCodes.h"
 #include "refhost/kestrel/SystemFrame.h"
 
 namespace {
@@ -16,13 +16,13 @@ int ResultWithoutMemory() {
   constexpr rlimit kLimit{std::size_t{1} << 31, std::size_t{1} << 31};
   setrlimit(RLIMIT_AS, &kLimit);
   PX::VideoFrameRef frame;
-  return KS::CreateSystemFrame(frame,
-                               {.format = KS::kBgraFloat, .width = 1 << 14, .height = 1 << 14});
+  return RefHost::CreateSystemFrame(
+      frame, {.format = RefHost::kBgraFloat, .width = 1 << 14, .height = 1 << 14});
 }
 
 TEST(CreateSystemFrame, ReturnsACodeWhenThereIsNoMemory) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(std::_Exit(ResultWithoutMemory() == KS::kInvalidFrame ? 7 : 1),
+  EXPECT_EXIT(std::_Exit(ResultWithoutMemory() == RefHost::kInvalidFrame ? 7 : 1),
               testing::ExitedWithCode(7), "");
 }
 #endif

@@ -6,7 +6,7 @@
 
 #include "tests/refhost/kestrel/Frames.h"
 
-using KS::ChromaFormat;
+using RefHost::ChromaFormat;
 
 std::vector<std::vector<NamedFormat>> ConvertedFormats() {
   return {InterleavedFormats(), YCbCrFormats()};
@@ -31,9 +31,9 @@ PX::VideoFrameRef Noise(PixelFormat format, int width, int height, const ColorDe
 TEST(YCbCrCopy, KeepsCodesOnTheWayThroughFloatWhereNoChromaIsHalved) {
   for (const int bits : {8, 10, 12, 16}) {
     for (const bool fullRange : {false, true}) {
-      const PixelFormat format = KS::PlanarYCbCr(ChromaFormat::C444, bits);
+      const PixelFormat format = RefHost::PlanarYCbCr(ChromaFormat::C444, bits);
       const PX::VideoFrameRef from = Noise(format, 31, 67, YCbCr(9, fullRange));
-      const PX::VideoFrameRef between = MakeFrame(KS::kBgraFloat, 31, 67, kSrgb);
+      const PX::VideoFrameRef between = MakeFrame(RefHost::kBgraFloat, 31, 67, kSrgb);
       const PX::VideoFrameRef to = MakeFrame(format, 31, 67, YCbCr(9, fullRange));
       ASSERT_EQ(Copy(from, between), 0);
       ASSERT_EQ(Copy(between, to), 0);
@@ -43,7 +43,7 @@ TEST(YCbCrCopy, KeepsCodesOnTheWayThroughFloatWhereNoChromaIsHalved) {
 }
 
 TEST(YCbCrCopy, BringsSmoothPicturesThroughEveryFormat) {
-  const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, 64, 64, kSrgb);
+  const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, 64, 64, kSrgb);
   for (int y = 0; y < 64; ++y) {
     for (int x = 0; x < 64; ++x) {
       const std::array<float, 4> pixel{static_cast<float>(x) / 64.0F, 0.3F,
@@ -53,7 +53,7 @@ TEST(YCbCrCopy, BringsSmoothPicturesThroughEveryFormat) {
   }
   for (const auto& [name, format] : YCbCrFormats()) {
     const PX::VideoFrameRef video = MakeFrame(format, 64, 64, YCbCr(1, false));
-    const PX::VideoFrameRef back = MakeFrame(KS::kBgraFloat, 64, 64, kSrgb);
+    const PX::VideoFrameRef back = MakeFrame(RefHost::kBgraFloat, 64, 64, kSrgb);
     ASSERT_EQ(Copy(from, video), 0);
     ASSERT_EQ(Copy(video, back), 0);
     const float step = 1.0F / (219.0F * static_cast<float>(1 << (InfoOf(format).bits - 8)));
@@ -74,13 +74,13 @@ TEST(YCbCrCopy, MakesTheSameOfPlanarAndSemiPlanarFrames) {
     for (const int bits : {8, 10, 12, 16}) {
       for (const auto& [width, height] : kSizes) {
         const PX::VideoFrameRef planar =
-            Noise(KS::PlanarYCbCr(chroma, bits), width, height, YCbCr(6, false));
+            Noise(RefHost::PlanarYCbCr(chroma, bits), width, height, YCbCr(6, false));
         const PX::VideoFrameRef semiPlanar =
-            MakeFrame(KS::SemiPlanarYCbCr(chroma, bits), width, height, YCbCr(6, false));
+            MakeFrame(RefHost::SemiPlanarYCbCr(chroma, bits), width, height, YCbCr(6, false));
         ASSERT_EQ(Copy(planar, semiPlanar), 0);
         EXPECT_EQ(LargestCodeDifference(planar, semiPlanar), 0U) << bits << " " << width;
         const PX::VideoFrameRef back =
-            MakeFrame(KS::PlanarYCbCr(chroma, bits), width, height, YCbCr(6, false));
+            MakeFrame(RefHost::PlanarYCbCr(chroma, bits), width, height, YCbCr(6, false));
         ASSERT_EQ(Copy(semiPlanar, back), 0);
         EXPECT_EQ(Samples(back), Samples(planar)) << bits << " " << width;
       }
@@ -90,11 +90,11 @@ TEST(YCbCrCopy, MakesTheSameOfPlanarAndSemiPlanarFrames) {
 
 TEST(YCbCrCopy, PutsTheCodesOfSemiPlanarFramesIntoTheHighBits) {
   const PX::VideoFrameRef from =
-      Noise(KS::PlanarYCbCr(ChromaFormat::C420, 10), 2, 2, YCbCr(6, false));
+      Noise(RefHost::PlanarYCbCr(ChromaFormat::C420, 10), 2, 2, YCbCr(6, false));
   SetCode(from, 0, 0, 0, 0x2A5);
   SetCode(from, 2, 0, 0, 0x3FF);
   const PX::VideoFrameRef to =
-      MakeFrame(KS::SemiPlanarYCbCr(ChromaFormat::C420, 10), 2, 2, YCbCr(6, false));
+      MakeFrame(RefHost::SemiPlanarYCbCr(ChromaFormat::C420, 10), 2, 2, YCbCr(6, false));
   ASSERT_EQ(Copy(from, to), 0);
   EXPECT_EQ(reinterpret_cast<const std::uint16_t*>(RowOf(to, 0, 0))[0], 0x2A5 << 6);
   EXPECT_EQ(reinterpret_cast<const std::uint16_t*>(RowOf(to, 1, 0))[1], 0x3FF << 6);
@@ -102,9 +102,9 @@ TEST(YCbCrCopy, PutsTheCodesOfSemiPlanarFramesIntoTheHighBits) {
 
 TEST(YCbCrCopy, WidensLimitedRangeByAShift) {
   const PX::VideoFrameRef from =
-      Noise(KS::PlanarYCbCr(ChromaFormat::C420, 8), 17, 67, YCbCr(1, false));
+      Noise(RefHost::PlanarYCbCr(ChromaFormat::C420, 8), 17, 67, YCbCr(1, false));
   const PX::VideoFrameRef to =
-      MakeFrame(KS::PlanarYCbCr(ChromaFormat::C420, 10), 17, 67, YCbCr(1, false));
+      MakeFrame(RefHost::PlanarYCbCr(ChromaFormat::C420, 10), 17, 67, YCbCr(1, false));
   ASSERT_EQ(Copy(from, to), 0);
   for (int i = 0; i < 3; ++i) {
     std::vector<unsigned> expected = Codes(from, i);
@@ -114,7 +114,7 @@ TEST(YCbCrCopy, WidensLimitedRangeByAShift) {
 }
 
 TEST(YCbCrCopy, ConvertsTheRangeWithinAFormat) {
-  const PixelFormat format = KS::PlanarYCbCr(ChromaFormat::C444, 8);
+  const PixelFormat format = RefHost::PlanarYCbCr(ChromaFormat::C444, 8);
   const PX::VideoFrameRef limited = MakeFrame(format, 3, 1, YCbCr(1, false));
   const PX::VideoFrameRef full = MakeFrame(format, 3, 1, YCbCr(1, true));
   const std::array<unsigned, 3> limitedCodes{16, 126, 235};
@@ -130,7 +130,7 @@ TEST(YCbCrCopy, ConvertsTheRangeWithinAFormat) {
 }
 
 TEST(YCbCrCopy, MovesChromaToItsLocationWithinAFormat) {
-  const PixelFormat format = KS::PlanarYCbCr(ChromaFormat::C420, 8);
+  const PixelFormat format = RefHost::PlanarYCbCr(ChromaFormat::C420, 8);
   const PX::VideoFrameRef left = MakeFrame(format, 8, 2, YCbCr(1, false, 0));
   const PX::VideoFrameRef center = MakeFrame(format, 8, 2, YCbCr(1, false, 1));
   FillWithNoise(left, 12);
@@ -146,8 +146,9 @@ TEST(YCbCrCopy, TakesCodePointsOfOneCurveAsTheSameColors) {
   bt709.transfer = 1;
   ColorDescription bt2020 = bt709;
   bt2020.transfer = 14;
-  const PX::VideoFrameRef from = Noise(KS::PlanarYCbCr(ChromaFormat::C420, 8), 17, 67, bt709);
-  const PX::VideoFrameRef to = MakeFrame(KS::PlanarYCbCr(ChromaFormat::C420, 8), 17, 67, bt2020);
+  const PX::VideoFrameRef from = Noise(RefHost::PlanarYCbCr(ChromaFormat::C420, 8), 17, 67, bt709);
+  const PX::VideoFrameRef to =
+      MakeFrame(RefHost::PlanarYCbCr(ChromaFormat::C420, 8), 17, 67, bt2020);
   ASSERT_EQ(Copy(from, to), 0);
   EXPECT_EQ(LargestCodeDifference(from, to), 0U);
 }
@@ -157,8 +158,9 @@ TEST(YCbCrCopy, DoesNotSendCodesThroughATransferFunctionWhenColorsAreTheSame) {
   ColorDescription pq = YCbCr(9, false);
   pq.primaries = 9;
   pq.transfer = 16;
-  const PX::VideoFrameRef from = Noise(KS::PlanarYCbCr(ChromaFormat::C444, 8), 16, 16, pq);
-  const PX::VideoFrameRef to = MakeFrame(KS::SemiPlanarYCbCr(ChromaFormat::C444, 16), 16, 16, pq);
+  const PX::VideoFrameRef from = Noise(RefHost::PlanarYCbCr(ChromaFormat::C444, 8), 16, 16, pq);
+  const PX::VideoFrameRef to =
+      MakeFrame(RefHost::SemiPlanarYCbCr(ChromaFormat::C444, 16), 16, 16, pq);
   ASSERT_EQ(Copy(from, to), 0);
   std::vector<unsigned> expected = Codes(from, 0);
   for (unsigned& code : expected) code *= 256;
@@ -169,14 +171,14 @@ TEST(YCbCrCopy, RepeatsTheEdgeWhereChromaReachesBeyondThePicture) {
   for (const ChromaFormat chroma : kChromaFormats) {
     for (int location = 0; location <= 5; ++location) {
       // An odd picture is the even one whose last row and column are repeated.
-      const PX::VideoFrameRef odd = Noise(KS::kBgraFloat, 17, 35, kSrgb);
-      const PX::VideoFrameRef even = MakeFrame(KS::kBgraFloat, 18, 36, kSrgb);
+      const PX::VideoFrameRef odd = Noise(RefHost::kBgraFloat, 17, 35, kSrgb);
+      const PX::VideoFrameRef even = MakeFrame(RefHost::kBgraFloat, 18, 36, kSrgb);
       for (int y = 0; y < 36; ++y) {
         for (int x = 0; x < 18; ++x) {
           std::copy_n(FloatPixel(odd, std::min(x, 16), std::min(y, 34)), 4, FloatPixel(even, x, y));
         }
       }
-      const PixelFormat format = KS::PlanarYCbCr(chroma, 8);
+      const PixelFormat format = RefHost::PlanarYCbCr(chroma, 8);
       const PX::VideoFrameRef oddVideo = MakeFrame(format, 17, 35, YCbCr(1, false, location));
       const PX::VideoFrameRef evenVideo = MakeFrame(format, 18, 36, YCbCr(1, false, location));
       ASSERT_EQ(Copy(odd, oddVideo), 0);
@@ -194,13 +196,13 @@ TEST(YCbCrCopy, RepeatsTheEdgeWhereChromaReachesBeyondThePicture) {
 
 TEST(YCbCrCopy, TakesEverySizeBetweenAllFormats) {
   for (const auto& [width, height] : kSizes) {
-    const PX::VideoFrameRef grey = MakeFrame(KS::kBgraFloat, width, height, kSrgb);
+    const PX::VideoFrameRef grey = MakeFrame(RefHost::kBgraFloat, width, height, kSrgb);
     FillWithColor(grey, 0.5F, 0.5F, 0.5F);
     for (const auto& [fromName, from] : YCbCrFormats()) {
       for (const auto& [toName, to] : YCbCrFormats()) {
         const PX::VideoFrameRef first = MakeFrame(from, width, height, YCbCr(1, false));
         const PX::VideoFrameRef second = MakeFrame(to, width, height, YCbCr(9, true));
-        const PX::VideoFrameRef back = MakeFrame(KS::kBgraFloat, width, height, kSrgb);
+        const PX::VideoFrameRef back = MakeFrame(RefHost::kBgraFloat, width, height, kSrgb);
         ASSERT_EQ(Copy(grey, first), 0) << fromName;
         ASSERT_EQ(Copy(first, second), 0) << fromName << " to " << toName;
         ASSERT_EQ(Copy(second, back), 0) << toName;
@@ -224,12 +226,13 @@ TEST(YCbCrCopy, ConvertsColorsAsTwoCopiesByWayOfFloatDo) {
   sdr.transfer = 1;
   for (const ChromaFormat fromChroma : kChromaFormats) {
     for (const ChromaFormat toChroma : kChromaFormats) {
-      const PX::VideoFrameRef picture = MakeFrame(KS::kBgraFloat, 45, 139, Rgb(9, 18));
+      const PX::VideoFrameRef picture = MakeFrame(RefHost::kBgraFloat, 45, 139, Rgb(9, 18));
       FillWithGradient(picture);
-      const PX::VideoFrameRef from = MakeFrame(KS::PlanarYCbCr(fromChroma, 10), 45, 139, hlg);
-      const PX::VideoFrameRef between = MakeFrame(KS::kBgraFloat, 45, 139, Rgb(1, 1));
-      const PX::VideoFrameRef expected = MakeFrame(KS::PlanarYCbCr(toChroma, 10), 45, 139, sdr);
-      const PX::VideoFrameRef to = MakeFrame(KS::PlanarYCbCr(toChroma, 10), 45, 139, sdr);
+      const PX::VideoFrameRef from = MakeFrame(RefHost::PlanarYCbCr(fromChroma, 10), 45, 139, hlg);
+      const PX::VideoFrameRef between = MakeFrame(RefHost::kBgraFloat, 45, 139, Rgb(1, 1));
+      const PX::VideoFrameRef expected =
+          MakeFrame(RefHost::PlanarYCbCr(toChroma, 10), 45, 139, sdr);
+      const PX::VideoFrameRef to = MakeFrame(RefHost::PlanarYCbCr(toChroma, 10), 45, 139, sdr);
       ASSERT_EQ(Copy(picture, from), 0);
       ASSERT_EQ(Copy(from, between), 0);
       ASSERT_EQ(Copy(between, expected), 0);

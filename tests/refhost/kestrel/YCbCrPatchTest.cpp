@@ -7,7 +7,7 @@
 
 #include "tests/refhost/kestrel/Frames.h"
 
-using KS::ChromaFormat;
+using RefHost::ChromaFormat;
 
 // Flat patches against the formulae of ITU-R BT.601, BT.709 and BT.2100, written out.
 
@@ -53,7 +53,7 @@ std::array<double, 3> ExactCodes(const Color& color, const Matrix& matrix, int b
 
 void ExpectCodes(const NamedFormat& format, const Color& color, const Matrix& matrix,
                  bool fullRange) {
-  const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, 9, 7, kSrgb);
+  const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, 9, 7, kSrgb);
   FillWithColor(from, static_cast<float>(color.red), static_cast<float>(color.green),
                 static_cast<float>(color.blue));
   const PX::VideoFrameRef to = MakeFrame(format.format, 9, 7, YCbCr(matrix.codePoint, fullRange));
@@ -88,10 +88,10 @@ TEST(YCbCrPatch, DecodesToTheSignalsOfTheFormulae) {
   constexpr std::array<unsigned, 3> kCodes{300, 600, 450};
   for (const Matrix& matrix : kMatrices) {
     for (const bool fullRange : {false, true}) {
-      const PX::VideoFrameRef from = MakeFrame(KS::PlanarYCbCr(ChromaFormat::C444, 10), 1, 1,
+      const PX::VideoFrameRef from = MakeFrame(RefHost::PlanarYCbCr(ChromaFormat::C444, 10), 1, 1,
                                                YCbCr(matrix.codePoint, fullRange));
       for (int i = 0; i < 3; ++i) SetCode(from, i, 0, 0, kCodes[static_cast<std::size_t>(i)]);
-      const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 1, 1, kSrgb);
+      const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 1, 1, kSrgb);
       ASSERT_EQ(Copy(from, to), 0);
 
       const double luma = fullRange ? 300.0 / 1023.0 : (300.0 / 4.0 - 16.0) / 219.0;
@@ -112,13 +112,13 @@ TEST(YCbCrPatch, DecodesToTheSignalsOfTheFormulae) {
 
 TEST(YCbCrPatch, KeepsSignalsBeyondTheNominalRange) {
   const PX::VideoFrameRef from =
-      MakeFrame(KS::PlanarYCbCr(ChromaFormat::C444, 8), 2, 1, YCbCr(1, false));
+      MakeFrame(RefHost::PlanarYCbCr(ChromaFormat::C444, 8), 2, 1, YCbCr(1, false));
   for (int x = 0; x < 2; ++x) {
     SetCode(from, 0, x, 0, x == 0 ? 254 : 1);
     SetCode(from, 1, x, 0, 128);
     SetCode(from, 2, x, 0, 128);
   }
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 2, 1, kSrgb);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 2, 1, kSrgb);
   ASSERT_EQ(Copy(from, to), 0);
   EXPECT_NEAR(FloatPixel(to, 0, 0)[1], 238.0 / 219.0, 1e-6);
   EXPECT_NEAR(FloatPixel(to, 1, 0)[1], -15.0 / 219.0, 1e-6);
@@ -126,16 +126,16 @@ TEST(YCbCrPatch, KeepsSignalsBeyondTheNominalRange) {
 
 TEST(YCbCrPatch, HasGreenBlueAndRedPlanesWithTheIdentityMatrix) {
   for (const bool fullRange : {false, true}) {
-    const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, 3, 2, kSrgb);
+    const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, 3, 2, kSrgb);
     FillWithColor(from, 0.25F, 0.5F, 1.0F);
     const PX::VideoFrameRef to =
-        MakeFrame(KS::PlanarYCbCr(ChromaFormat::C444, 8), 3, 2, YCbCr(0, fullRange));
+        MakeFrame(RefHost::PlanarYCbCr(ChromaFormat::C444, 8), 3, 2, YCbCr(0, fullRange));
     ASSERT_EQ(Copy(from, to), 0);
     EXPECT_EQ(Code(to, 0, 2, 1), fullRange ? 128U : 126U);  // 127.5 goes to the even code
     EXPECT_EQ(Code(to, 1, 2, 1), fullRange ? 255U : 235U);
     EXPECT_EQ(Code(to, 2, 2, 1), fullRange ? 64U : 71U);
 
-    const PX::VideoFrameRef back = MakeFrame(KS::kBgraFloat, 3, 2, kSrgb);
+    const PX::VideoFrameRef back = MakeFrame(RefHost::kBgraFloat, 3, 2, kSrgb);
     ASSERT_EQ(Copy(to, back), 0);
     EXPECT_NEAR(FloatPixel(back, 1, 1)[0], 1.0, 1e-6);
     EXPECT_NEAR(FloatPixel(back, 1, 1)[1], 0.5, 1.0 / 219.0);
@@ -146,9 +146,9 @@ TEST(YCbCrPatch, HasGreenBlueAndRedPlanesWithTheIdentityMatrix) {
 TEST(YCbCrPatch, TakesNotANumberAsZeroAndBoundsInfinity) {
   const float infinity = std::numeric_limits<float>::infinity();
   const float nan = std::numeric_limits<float>::quiet_NaN();
-  const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, 2, 2, kSrgb);
+  const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, 2, 2, kSrgb);
   for (const ChromaFormat chroma : {ChromaFormat::C420, ChromaFormat::C444}) {
-    const PX::VideoFrameRef to = MakeFrame(KS::PlanarYCbCr(chroma, 8), 2, 2, YCbCr(1, false));
+    const PX::VideoFrameRef to = MakeFrame(RefHost::PlanarYCbCr(chroma, 8), 2, 2, YCbCr(1, false));
     FillWithColor(from, nan, nan, nan);
     ASSERT_EQ(Copy(from, to), 0);
     EXPECT_EQ(Code(to, 0, 0, 0), 16U);
@@ -165,11 +165,11 @@ TEST(YCbCrPatch, TakesNotANumberAsZeroAndBoundsInfinity) {
 
 TEST(YCbCrPatch, TakesCodesBeyondTheDepthAsTheLargest) {
   const PX::VideoFrameRef from =
-      MakeFrame(KS::PlanarYCbCr(ChromaFormat::C444, 10), 1, 1, YCbCr(0, true));
+      MakeFrame(RefHost::PlanarYCbCr(ChromaFormat::C444, 10), 1, 1, YCbCr(0, true));
   SetCode(from, 0, 0, 0, 65535);
   SetCode(from, 1, 0, 0, 1024);
   SetCode(from, 2, 0, 0, 0);
-  const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, 1, 1, kSrgb);
+  const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, 1, 1, kSrgb);
   ASSERT_EQ(Copy(from, to), 0);
   EXPECT_EQ(FloatPixel(to, 0, 0)[1], 1.0F);
   EXPECT_EQ(FloatPixel(to, 0, 0)[0], 1.0F);
@@ -178,9 +178,9 @@ TEST(YCbCrPatch, TakesCodesBeyondTheDepthAsTheLargest) {
 
 TEST(YCbCrPatch, RefusesMatricesAndChromaLocationsThatAreNotKnown) {
   constexpr int kNotSupported = static_cast<int>(0xA00F000CU);
-  const PX::VideoFrameRef rgb = MakeFrame(KS::kBgraFloat, 4, 4, kSrgb);
+  const PX::VideoFrameRef rgb = MakeFrame(RefHost::kBgraFloat, 4, 4, kSrgb);
   FillWithNoise(rgb, 1);
-  const PixelFormat c420 = KS::PlanarYCbCr(ChromaFormat::C420, 8);
+  const PixelFormat c420 = RefHost::PlanarYCbCr(ChromaFormat::C420, 8);
   for (const int matrix : {0, 2, 3, 10, 11, 13, 14, 15, 99}) {
     const PX::VideoFrameRef video = MakeFrame(c420, 4, 4, YCbCr(matrix, false));
     FillWithNoise(video, 2);
@@ -196,9 +196,9 @@ TEST(YCbCrPatch, DerivesAMatrixFromThePrimaries) {
   ColorDescription derived = YCbCr(12, false);
   derived.primaries = 9;
   ColorDescription rgb = Rgb(9, 13);
-  const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, 1, 1, rgb);
+  const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, 1, 1, rgb);
   FillWithColor(from, 0.9F, 0.1F, 0.35F);
-  const PixelFormat c444 = KS::PlanarYCbCr(ChromaFormat::C444, 10);
+  const PixelFormat c444 = RefHost::PlanarYCbCr(ChromaFormat::C444, 10);
   const PX::VideoFrameRef to = MakeFrame(c444, 1, 1, derived);
   ASSERT_EQ(Copy(from, to), 0);
   // BT.2020's own matrix has these weights, rounded.
@@ -218,9 +218,10 @@ TEST(YCbCrPatch, DerivesNoMatrixFromPrimariesThatAreNotKnown) {
   for (const int primaries : {2, 3, 23, 200}) {
     ColorDescription derived = YCbCr(12, false);
     derived.primaries = static_cast<std::uint8_t>(primaries);
-    const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, 1, 1, Rgb(primaries, 13));
+    const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, 1, 1, Rgb(primaries, 13));
     FillWithColor(from, 0.9F, 0.1F, 0.35F);
-    const PX::VideoFrameRef to = MakeFrame(KS::PlanarYCbCr(ChromaFormat::C444, 10), 1, 1, derived);
+    const PX::VideoFrameRef to =
+        MakeFrame(RefHost::PlanarYCbCr(ChromaFormat::C444, 10), 1, 1, derived);
     EXPECT_EQ(Copy(from, to), static_cast<int>(0xA00F000CU)) << primaries;
   }
 }
@@ -233,7 +234,7 @@ TEST(YCbCrPatch, ConvertsColorsAndMatrixTogether) {
   ColorDescription sdr = YCbCr(1, false);
   sdr.transfer = 1;
   for (const ChromaFormat chroma : {ChromaFormat::C420, ChromaFormat::C422, ChromaFormat::C444}) {
-    const PX::VideoFrameRef from = MakeFrame(KS::SemiPlanarYCbCr(chroma, 10), 33, 77, pq);
+    const PX::VideoFrameRef from = MakeFrame(RefHost::SemiPlanarYCbCr(chroma, 10), 33, 77, pq);
     for (int component = 0; component < 3; ++component) {
       for (int y = 0; y < ComponentHeight(from, component); ++y) {
         for (int x = 0; x < ComponentWidth(from, component); ++x) {
@@ -241,7 +242,7 @@ TEST(YCbCrPatch, ConvertsColorsAndMatrixTogether) {
         }
       }
     }
-    const PX::VideoFrameRef to = MakeFrame(KS::PlanarYCbCr(chroma, 8), 33, 77, sdr);
+    const PX::VideoFrameRef to = MakeFrame(RefHost::PlanarYCbCr(chroma, 8), 33, 77, sdr);
     ASSERT_EQ(Copy(from, to), 0);
     for (const int y : {0, 31, 32, 76}) {
       EXPECT_NEAR(Code(to, 0, 32, y), 235.0, 1.0) << y;

@@ -9,7 +9,7 @@
 #include "host/orvcore/Allocator.h"
 #include "tests/refhost/kestrel/Frames.h"
 
-using KS::ChromaFormat;
+using RefHost::ChromaFormat;
 
 // Whole pictures in one go through zimg, as the witness of pictures made in bands: the same bits.
 
@@ -48,7 +48,7 @@ struct Picture {
 };
 
 zimg_image_format WitnessFormat(const PX::VideoFrameRef& frame) {
-  const KS::FormatInfo info = InfoOf(frame->GetPixelFormat());
+  const RefHost::FormatInfo info = InfoOf(frame->GetPixelFormat());
   const ColorDescription colors = frame->GetColorSpace().Description();
   const orvcore::geom::Bounds bounds = frame->GetBounds();
   zimg_image_format format;
@@ -155,7 +155,7 @@ constexpr int kWidth = 46;
 constexpr int kHeight = 110;
 
 TEST(YCbCrWitness, AgreesOnFloatToYCbCr) {
-  const PX::VideoFrameRef from = MakeFrame(KS::kBgraFloat, kWidth, kHeight, kSrgb);
+  const PX::VideoFrameRef from = MakeFrame(RefHost::kBgraFloat, kWidth, kHeight, kSrgb);
   FillWithNoise(from, 1);
   for (const Case& test : Cases()) {
     const PX::VideoFrameRef to = MakeFrame(test.format.format, kWidth, kHeight, test.colors);
@@ -171,7 +171,7 @@ TEST(YCbCrWitness, AgreesOnYCbCrToFloat) {
   for (const Case& test : Cases()) {
     const PX::VideoFrameRef from = MakeFrame(test.format.format, kWidth, kHeight, test.colors);
     FillWithNoise(from, 2);
-    const PX::VideoFrameRef to = MakeFrame(KS::kBgraFloat, kWidth, kHeight, kSrgb);
+    const PX::VideoFrameRef to = MakeFrame(RefHost::kBgraFloat, kWidth, kHeight, kSrgb);
     ASSERT_EQ(Copy(from, to), 0);
     auto source = PictureOfCodes(from);
     Picture<float> expected(WitnessFormat(to));
@@ -195,7 +195,7 @@ TEST(YCbCrWitness, AgreesOnYCbCrToYCbCr) {
       const PX::VideoFrameRef from = MakeFrame(test.format.format, kWidth, kHeight, test.colors);
       FillWithNoise(from, 3);
       const PX::VideoFrameRef to =
-          MakeFrame(KS::PlanarYCbCr(chroma, 10), kWidth, kHeight, YCbCr(1, false, 0));
+          MakeFrame(RefHost::PlanarYCbCr(chroma, 10), kWidth, kHeight, YCbCr(1, false, 0));
       ASSERT_EQ(Copy(from, to), 0);
       auto source = PictureOfCodes(from);
       Picture<std::uint16_t> expected(WitnessFormat(to));

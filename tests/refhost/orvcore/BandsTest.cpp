@@ -9,7 +9,7 @@
 
 namespace {
 
-using orvcore::threads::RunInBands;
+using RefHost::RunInBands;
 
 TEST(RunInBands, DoesEveryRowOnce) {
   for (const int rows : {1, 31, 32, 33, 64, 1000}) {

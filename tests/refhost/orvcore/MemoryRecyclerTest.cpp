@@ -13,13 +13,13 @@
 #include "refhost/orvcore/RecycledMemory.h"
 #include "refhost/orvcore/RecyclerStatistics.h"
 
-using orvcore::allocator::GetRecyclerStatistics;
-using orvcore::allocator::kKeptBlockBytes;
-using orvcore::allocator::kMostKeptBlocks;
-using orvcore::allocator::kMostKeptBytes;
 using orvcore::allocator::MemoryRecycler;
 using orvcore::allocator::RecycledMemory;
-using orvcore::allocator::ReleaseKeptBlocks;
+using RefHost::GetRecyclerStatistics;
+using RefHost::kKeptBlockBytes;
+using RefHost::kMostKeptBlocks;
+using RefHost::kMostKeptBytes;
+using RefHost::ReleaseKeptBlocks;
 
 namespace {
 
@@ -108,7 +108,7 @@ TEST_F(Recycler, BoundsTheNumberOfBlocksAndLetsTheOldestGo) {
 
 TEST_F(Recycler, CountsWhatIsInUseAndItsPeak) {
   const auto before = GetRecyclerStatistics().inUse;
-  orvcore::allocator::ResetRecyclerPeak();
+  RefHost::ResetRecyclerPeak();
   {
     const RecycledMemory one(kKeptBlockBytes);
     const RecycledMemory two(2 * kKeptBlockBytes);

@@ -21,7 +21,7 @@ TEST(NullPtrException, NamesTheInterface) {
   try {
     config::DoThrowNullPtrException("KS::IGPUVideoFrame");
     FAIL() << "nothing was thrown";
-  } catch (const config::NullPtrException& error) {
+  } catch (const RefHost::NullPtrException& error) {
     EXPECT_EQ(std::string(error.what()), "null handle of KS::IGPUVideoFrame");
   }
 }
@@ -35,7 +35,7 @@ TEST(NullPtrException, IsRaisedByTheUseOfAnEmptyHandle) {
   try {
     empty->Value();
     FAIL() << "nothing was thrown";
-  } catch (const config::NullPtrException& error) {
+  } catch (const RefHost::NullPtrException& error) {
     EXPECT_EQ(std::string(error.what()),
               "null handle of orvcore::(anonymous namespace)::Interface");
   }

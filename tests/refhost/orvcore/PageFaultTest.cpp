@@ -28,12 +28,12 @@ long FaultsOfOneFrame(std::size_t pageBytes) {
 TEST(RecyclerPageFaults, ASecondLargeFrameFindsItsPagesInPlace) {
   // With huge pages a fresh frame would take too few faults to tell it from a kept one.
   ASSERT_EQ(prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0), 0);
-  ReleaseKeptBlocks();
+  RefHost::ReleaseKeptBlocks();
   const auto pageBytes = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
   const auto pages = static_cast<long>(kFrameBytes / pageBytes);
   EXPECT_GT(FaultsOfOneFrame(pageBytes), pages / 2);
   EXPECT_LT(FaultsOfOneFrame(pageBytes), pages / 20);
-  ReleaseKeptBlocks();
+  RefHost::ReleaseKeptBlocks();
   EXPECT_EQ(prctl(PR_SET_THP_DISABLE, 0, 0, 0, 0), 0);
 }
 

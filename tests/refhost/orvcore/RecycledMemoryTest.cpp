@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kBytes = 100'000;
 
-std::size_t InUse() { return GetRecyclerStatistics().inUse; }
+std::size_t InUse() { return RefHost::GetRecyclerStatistics().inUse; }
 
 TEST(OwnedRecycledMemory, HoldsOneBlockUntilItsEnd) {
   const std::size_t before = InUse();

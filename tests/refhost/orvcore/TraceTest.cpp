@@ -13,11 +13,11 @@
 #include "host/orvcore/Debug.h"
 #include "refhost/orvcore/TraceSettings.h"
 
-using orvcore::debug::SetTraceLevel;
-using orvcore::debug::SetTraceSink;
 using orvcore::debug::Trace;
 using orvcore::debug::TraceChangeCount;
 using orvcore::debug::TraceEnabled;
+using RefHost::SetTraceLevel;
+using RefHost::SetTraceSink;
 using testing::ElementsAre;
 
 namespace {
@@ -37,7 +37,7 @@ class Tracing : public testing::Test {
   ~Tracing() override {
     SetTraceSink({});
     SetTraceLevel(0);
-    orvcore::debug::ClearCategoryTraceLevels();
+    RefHost::ClearCategoryTraceLevels();
   }
 
   std::mutex mutex_;
@@ -83,7 +83,7 @@ TEST_F(Tracing, MovesTheChangeCountWithEveryChangeAndOnlyThen) {
   EXPECT_TRUE(moved());
   SetTraceSink([](int, std::string_view, std::string_view) {});
   EXPECT_TRUE(moved());
-  orvcore::debug::ClearCategoryTraceLevels();
+  RefHost::ClearCategoryTraceLevels();
   EXPECT_TRUE(moved());
   EXPECT_TRUE(TraceEnabled("engine", 5, true));
   Trace(5, "engine", "text");

@@ -14,12 +14,12 @@ using orvmediatypes::color::ColorDescription;
 namespace {
 
 std::optional<Chromaticities> OfCodePoint(int primaries) {
-  return H273::ChromaticitiesOf(Space(primaries, 0));
+  return RefHost::ChromaticitiesOf(Space(primaries, 0));
 }
 
 std::optional<Chromaticities> OfCoordinates(const Chromaticities& coordinates) {
-  return H273::ChromaticitiesOf(
-      With(Space(H273::kUnspecified, 0), &ColorDescription::chromaticities, coordinates));
+  return RefHost::ChromaticitiesOf(With(Space(RefHost::kUnspecifiedCodePoint, 0),
+                                        &ColorDescription::chromaticities, coordinates));
 }
 
 const Chromaticities kAcesAP0 = {
@@ -51,8 +51,9 @@ TEST(ChromaticitiesOf, TakesCoordinatesWherePrimariesAreUnspecified) {
 }
 
 TEST(ChromaticitiesOf, IgnoresCoordinatesBesideACodePoint) {
-  EXPECT_EQ(H273::ChromaticitiesOf(With(Space(9, 0), &ColorDescription::chromaticities, kAcesAP0)),
-            OfCodePoint(9));
+  EXPECT_EQ(
+      RefHost::ChromaticitiesOf(With(Space(9, 0), &ColorDescription::chromaticities, kAcesAP0)),
+      OfCodePoint(9));
 }
 
 TEST(ChromaticitiesOf, RefusesCoordinatesThatSpanNoColorSpace) {

@@ -8,8 +8,8 @@
 
 using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
-using orvmediatypes::color::MetadataPeakNits;
-using orvmediatypes::color::PeakNits;
+using RefHost::MetadataPeakNits;
+using RefHost::PeakNits;
 
 namespace {
 
@@ -45,15 +45,15 @@ TEST(MetadataPeakNits, SurvivesMasteringDisplaysThatAreNoNumberOfNits) {
 }
 
 TEST(PeakNits, FallsBackToWhatTheTransferStandsFor) {
-  EXPECT_EQ(PeakNits(Space(0, H273::kTransferPQ)), 10000);
-  EXPECT_EQ(PeakNits(Space(0, H273::kTransferHLG)), 1000);
-  EXPECT_EQ(PeakNits(Space(0, H273::kTransferBT709)), -1);
-  EXPECT_EQ(PeakNits(Space(0, H273::kTransferSRGB)), -1);
-  EXPECT_EQ(PeakNits(Space(0, H273::kTransferLinear)), -1);
+  EXPECT_EQ(PeakNits(Space(0, RefHost::kTransferPQ)), 10000);
+  EXPECT_EQ(PeakNits(Space(0, RefHost::kTransferHLG)), 1000);
+  EXPECT_EQ(PeakNits(Space(0, RefHost::kTransferBT709)), -1);
+  EXPECT_EQ(PeakNits(Space(0, RefHost::kTransferSRGB)), -1);
+  EXPECT_EQ(PeakNits(Space(0, RefHost::kTransferLinear)), -1);
   EXPECT_EQ(PeakNits(ColorSpace()), -1);
 }
 
 TEST(PeakNits, PrefersMetadataWhateverTheTransfer) {
-  EXPECT_EQ(PeakNits(Space(0, H273::kTransferPQ, 4000)), 4000);
-  EXPECT_EQ(PeakNits(Space(0, H273::kTransferLinear, 800)), 800);
+  EXPECT_EQ(PeakNits(Space(0, RefHost::kTransferPQ, 4000)), 4000);
+  EXPECT_EQ(PeakNits(Space(0, RefHost::kTransferLinear, 800)), 800);
 }

@@ -12,7 +12,7 @@ using namespace Quillon::Cli;
 namespace {
 
 PX::VideoFrameRef Frame(std::uint8_t transfer, float value) {
-  return MakeTestFrame(4, 2, H273::kPrimariesBT2020, transfer, [value](int, int) {
+  return MakeTestFrame(4, 2, RefHost::kPrimariesBT2020, transfer, [value](int, int) {
     return Rgb{value, value, value};
   });
 }
@@ -23,7 +23,7 @@ nlohmann::ordered_json FiguresOf(const PX::VideoFrameRef& a, const PX::VideoFram
 }
 
 TEST(CompareJson, NamesEveryFigure) {
-  const auto json = FiguresOf(Frame(H273::kTransferPQ, 0.5F), Frame(H273::kTransferPQ, 1.0F));
+  const auto json = FiguresOf(Frame(RefHost::kTransferPQ, 0.5F), Frame(RefHost::kTransferPQ, 1.0F));
   EXPECT_EQ(json["width"], 4);
   EXPECT_EQ(json["height"], 2);
   EXPECT_EQ(json["pixels"], 8);
@@ -46,7 +46,7 @@ TEST(CompareJson, NamesEveryFigure) {
 }
 
 TEST(CompareJson, HasNullForAnInfinitePsnrAndForWhatLinearLightLacks) {
-  const auto frame = Frame(H273::kTransferLinear, 0.5F);
+  const auto frame = Frame(RefHost::kTransferLinear, 0.5F);
   const auto json = FiguresOf(frame, frame);
   EXPECT_TRUE(json["psnr_pq_bt2020"]["db"].is_null());
   EXPECT_EQ(json["psnr_pq_bt2020"]["mean_squared_error"], 0.0);
@@ -56,7 +56,7 @@ TEST(CompareJson, HasNullForAnInfinitePsnrAndForWhatLinearLightLacks) {
 }
 
 TEST(CompareJson, HasNullFiguresWhereNothingCouldBeCompared) {
-  const auto frame = Frame(H273::kTransferLinear, std::numeric_limits<float>::quiet_NaN());
+  const auto frame = Frame(RefHost::kTransferLinear, std::numeric_limits<float>::quiet_NaN());
   const auto json = FiguresOf(frame, frame);
   EXPECT_TRUE(json["delta_e_itp"].is_null());
   EXPECT_TRUE(json["psnr_pq_bt2020"].is_null());

@@ -24,15 +24,15 @@ Rgb Ramp(int x, int y) {
 }
 
 PX::VideoFrameRef LinearRamp() {
-  return MakeTestFrame(kWidth, kHeight, H273::kPrimariesBT2020, H273::kTransferLinear, Ramp);
+  return MakeTestFrame(kWidth, kHeight, RefHost::kPrimariesBT2020, RefHost::kTransferLinear, Ramp);
 }
 
 PX::VideoFrameRef PQRamp() {
-  return MakeTestFrame(kWidth, kHeight, H273::kPrimariesBT2020, H273::kTransferPQ, Ramp);
+  return MakeTestFrame(kWidth, kHeight, RefHost::kPrimariesBT2020, RefHost::kTransferPQ, Ramp);
 }
 
 PX::VideoFrameRef SrgbRamp() {
-  return MakeTestFrame(kWidth, kHeight, H273::kPrimariesBT709, H273::kTransferSRGB, Ramp);
+  return MakeTestFrame(kWidth, kHeight, RefHost::kPrimariesBT709, RefHost::kTransferSRGB, Ramp);
 }
 
 TEST(ComparePictures, FindsNoDifferenceBetweenAPictureAndItself) {
@@ -81,7 +81,7 @@ TEST(ComparePictures, RanksDeltaEByWhatSoManyPercentDoNotExceed) {
     return Rgb{signal, signal, signal};
   };
   const auto pq = [](const auto& pixel) {
-    return MakeTestFrame(10, 10, H273::kPrimariesBT2020, H273::kTransferPQ, pixel);
+    return MakeTestFrame(10, 10, RefHost::kPrimariesBT2020, RefHost::kTransferPQ, pixel);
   };
   const DeltaEFigures figures = ComparePictures(pq(black), pq(steps), {}).deltaEFigures.value();
   const double step = 720.0 / 128.0;
@@ -109,9 +109,9 @@ TEST(ComparePictures, TakesOneColourForTheSameInTwoContainers) {
     return Rgb{light, light, light};
   };
   const PX::VideoFrameRef bt709 =
-      MakeTestFrame(kWidth, 2, H273::kPrimariesBT709, H273::kTransferLinear, grey);
+      MakeTestFrame(kWidth, 2, RefHost::kPrimariesBT709, RefHost::kTransferLinear, grey);
   const PX::VideoFrameRef bt2020 =
-      MakeTestFrame(kWidth, 2, H273::kPrimariesBT2020, H273::kTransferLinear, grey);
+      MakeTestFrame(kWidth, 2, RefHost::kPrimariesBT2020, RefHost::kTransferLinear, grey);
   EXPECT_LT(ComparePictures(bt709, bt2020, {}).deltaEFigures->max, 1e-3);
 }
 
@@ -146,7 +146,7 @@ TEST(ComparePictures, LeavesOutPixelsThatAreNotFiniteAndCountsThem) {
 
 TEST(ComparePictures, HasNoFiguresWhereNoPixelIsFinite) {
   const PX::VideoFrameRef none =
-      MakeTestFrame(3, 2, H273::kPrimariesBT2020, H273::kTransferLinear, [](int, int) {
+      MakeTestFrame(3, 2, RefHost::kPrimariesBT2020, RefHost::kTransferLinear, [](int, int) {
         return Rgb{kNan, kNan, kNan};
       });
   const Comparison comparison = ComparePictures(none, none, {});
@@ -165,14 +165,16 @@ TEST(ComparePictures, CountsClippingAtFullScaleOfTheSignalAndNotAtBlack) {
                        {kJustBelow, kJustBelow, kJustBelow}};
     return row[x];
   };
-  for (const auto transfer : {H273::kTransferPQ, H273::kTransferHLG, H273::kTransferSRGB}) {
-    const PX::VideoFrameRef frame = MakeTestFrame(4, 1, H273::kPrimariesBT2020, transfer, pixels);
+  for (const auto transfer :
+       {RefHost::kTransferPQ, RefHost::kTransferHLG, RefHost::kTransferSRGB}) {
+    const PX::VideoFrameRef frame =
+        MakeTestFrame(4, 1, RefHost::kPrimariesBT2020, transfer, pixels);
     const PixelMarks marks = ComparePictures(frame, frame, {}).marksA;
     EXPECT_TRUE(marks.hasFullScale);
     EXPECT_EQ(marks.Count(kClipped), 2) << int{transfer};
   }
   const PX::VideoFrameRef linear =
-      MakeTestFrame(4, 1, H273::kPrimariesBT2020, H273::kTransferLinear, pixels);
+      MakeTestFrame(4, 1, RefHost::kPrimariesBT2020, RefHost::kTransferLinear, pixels);
   const PixelMarks marks = ComparePictures(linear, linear, {}).marksA;
   EXPECT_FALSE(marks.hasFullScale);
   EXPECT_EQ(marks.Count(kClipped), 0);
@@ -181,16 +183,16 @@ TEST(ComparePictures, CountsClippingAtFullScaleOfTheSignalAndNotAtBlack) {
 TEST(ComparePictures, CountsColoursOutOfTheGamutThatIsAskedFor) {
   // Pure BT.2020 red, a BT.2020 colour that is grey, and light below 0 in BT.2020 itself.
   const PX::VideoFrameRef frame =
-      MakeTestFrame(3, 1, H273::kPrimariesBT2020, H273::kTransferLinear, [](int x, int) {
+      MakeTestFrame(3, 1, RefHost::kPrimariesBT2020, RefHost::kTransferLinear, [](int x, int) {
         const Rgb row[] = {{1.0F, 0.0F, 0.0F}, {0.5F, 0.5F, 0.5F}, {1.0F, -0.25F, 1.0F}};
         return row[x];
       });
   const auto outOf = [&](std::uint8_t primaries) {
     return ComparePictures(frame, frame, {.gamutPrimaries = primaries}).marksA.Count(kOutOfGamut);
   };
-  EXPECT_EQ(outOf(H273::kPrimariesBT709), 2);
-  EXPECT_EQ(outOf(H273::kPrimariesP3D65), 2);
-  EXPECT_EQ(outOf(H273::kPrimariesBT2020), 1);
+  EXPECT_EQ(outOf(RefHost::kPrimariesBT709), 2);
+  EXPECT_EQ(outOf(RefHost::kPrimariesP3D65), 2);
+  EXPECT_EQ(outOf(RefHost::kPrimariesBT2020), 1);
 }
 
 TEST(ComparePictures, RefusesPicturesOfDifferentSizesAndSaysBoth) {

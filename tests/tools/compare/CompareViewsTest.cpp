@@ -27,7 +27,7 @@ PX::VideoFrameRef Flat(std::uint8_t primaries, std::uint8_t transfer, const Rgb&
 }
 
 PX::VideoFrameRef FlatSrgb(float signal) {
-  return Flat(H273::kPrimariesBT709, H273::kTransferSRGB, {signal, signal, signal});
+  return Flat(RefHost::kPrimariesBT709, RefHost::kTransferSRGB, {signal, signal, signal});
 }
 
 Bitmap Draw(const PX::VideoFrameRef& a, const PX::VideoFrameRef& b, ViewSettings settings) {
@@ -69,8 +69,8 @@ TEST(DrawCompareView, SplitsWithoutADividerWhereOnePictureHasItAll) {
 }
 
 TEST(DrawCompareView, PaintsTheDifferenceOfEachPixelAboveALegend) {
-  const auto a = Flat(H273::kPrimariesBT2020, H273::kTransferPQ, {0.5F, 0.5F, 0.5F});
-  const auto b = Flat(H273::kPrimariesBT2020, H273::kTransferPQ, {0.5F, 0.5F, 0.5F});
+  const auto a = Flat(RefHost::kPrimariesBT2020, RefHost::kTransferPQ, {0.5F, 0.5F, 0.5F});
+  const auto b = Flat(RefHost::kPrimariesBT2020, RefHost::kTransferPQ, {0.5F, 0.5F, 0.5F});
   const float unit = 1.0F / 720.0F;  // a delta-E of 1 between greys
   const auto grey = [&](float deltaE) {
     const float signal = 0.5F + deltaE * unit;
@@ -96,7 +96,7 @@ TEST(DrawCompareView, PaintsTheDifferenceOfEachPixelAboveALegend) {
 }
 
 TEST(DrawCompareView, MarksWhatIsClippedOrOutOfGamutOverGrey) {
-  const auto a = Flat(H273::kPrimariesBT2020, H273::kTransferSRGB, {0.2F, 0.6F, 0.4F});
+  const auto a = Flat(RefHost::kPrimariesBT2020, RefHost::kTransferSRGB, {0.2F, 0.6F, 0.4F});
   SetTestPixel(a, 1, 0, {1.0F, 0.5F, 0.5F});
   SetTestPixel(a, 2, 0, {0.5F, -0.5F, 0.5F});
   SetTestPixel(a, 3, 0, {1.0F, -0.5F, 0.5F});
@@ -120,13 +120,14 @@ TEST(DrawCompareView, ShowsPixelsThatAreTheSameAlikeThoughOnePictureHasAHigherPe
     const float signal = 0.3F + 0.02F * static_cast<float>(x);
     return Rgb{signal, signal, signal};
   };
-  for (const auto transfer : {H273::kTransferPQ, H273::kTransferHLG, H273::kTransferLinear}) {
+  for (const auto transfer :
+       {RefHost::kTransferPQ, RefHost::kTransferHLG, RefHost::kTransferLinear}) {
     const auto frame = [&] {
-      return MakeTestFrame(kWidth, kHeight, H273::kPrimariesBT2020, transfer, ramp);
+      return MakeTestFrame(kWidth, kHeight, RefHost::kPrimariesBT2020, transfer, ramp);
     };
     const auto bright = frame();
     SetTestPixel(bright, 0, 0, {5.0F / 6.0F, 5.0F / 6.0F, 5.0F / 6.0F});
-    if (transfer == H273::kTransferLinear) SetTestPixel(bright, 0, 0, {9.0F, 9.0F, 9.0F});
+    if (transfer == RefHost::kTransferLinear) SetTestPixel(bright, 0, 0, {9.0F, 9.0F, 9.0F});
     const Bitmap view = Draw(frame(), bright, {});
     EXPECT_NE(At(view, 0, 0), At(view, kWidth + 1, 0));
     for (int x = 0; x < kWidth; ++x) {
@@ -137,8 +138,8 @@ TEST(DrawCompareView, ShowsPixelsThatAreTheSameAlikeThoughOnePictureHasAHigherPe
 
 TEST(DrawCompareView, DrawsBlackAndWhatIsNotFinite) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
-  const auto black = Flat(H273::kPrimariesBT2020, H273::kTransferPQ, {0.0F, 0.0F, 0.0F});
-  const auto none = Flat(H273::kPrimariesBT2020, H273::kTransferLinear, {nan, nan, nan});
+  const auto black = Flat(RefHost::kPrimariesBT2020, RefHost::kTransferPQ, {0.0F, 0.0F, 0.0F});
+  const auto none = Flat(RefHost::kPrimariesBT2020, RefHost::kTransferLinear, {nan, nan, nan});
   const Bitmap view = Draw(black, none, {});
   EXPECT_EQ(At(view, 0, 0), (FalseColor{0, 0, 0}));
   EXPECT_EQ(view.width, 2 * kWidth + 1);
@@ -146,8 +147,8 @@ TEST(DrawCompareView, DrawsBlackAndWhatIsNotFinite) {
 }
 
 TEST(CommonHdrPeak, IsTheLargerOfTheHdrPicturesAlone) {
-  const auto pq = Flat(H273::kPrimariesBT2020, H273::kTransferPQ, {0.5F, 0.2F, 0.2F});
-  const auto linear = Flat(H273::kPrimariesBT2020, H273::kTransferLinear, {0.1F, 2.0F, 0.1F});
+  const auto pq = Flat(RefHost::kPrimariesBT2020, RefHost::kTransferPQ, {0.5F, 0.2F, 0.2F});
+  const auto linear = Flat(RefHost::kPrimariesBT2020, RefHost::kTransferLinear, {0.1F, 2.0F, 0.1F});
   const auto sdr = FlatSrgb(1.0F);
   EXPECT_NEAR(CommonHdrPeak(pq, linear, 203).value(), 406.0, 1e-3);
   EXPECT_NEAR(CommonHdrPeak(pq, sdr, 203).value(), 92.246, 0.01);

@@ -100,8 +100,8 @@ ClipLevels LevelsOf(double peak, std::size_t frames = 1) {
 
 ClipTags PQTags(float maxCll, float maxFall) {
   ClipTags tags;
-  tags.colors.primaries = H273::kPrimariesBT2020;
-  tags.colors.transfer = H273::kTransferPQ;
+  tags.colors.primaries = RefHost::kPrimariesBT2020;
+  tags.colors.transfer = RefHost::kTransferPQ;
   tags.light = {maxCll, maxFall};
   return tags;
 }
@@ -120,7 +120,7 @@ TEST(Inspect, WarnsWhereTagsAndContentDisagree) {
   EXPECT_THAT(FindDisagreements(PQTags(100, 200), std::nullopt),
               ElementsAre("MaxFALL (200 nits) is above MaxCLL (100 nits)"));
   ClipTags sdr = PQTags(1000, 0);
-  sdr.colors.transfer = H273::kTransferBT709;
+  sdr.colors.transfer = RefHost::kTransferBT709;
   EXPECT_THAT(FindDisagreements(sdr, std::nullopt),
               ElementsAre(HasSubstr("the transfer is not an HDR one")));
   EXPECT_THAT(FindDisagreements({}, std::nullopt),

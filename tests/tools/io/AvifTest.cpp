@@ -83,8 +83,9 @@ int TestCode(int plane, int x, int y, int depth) {
 }
 
 int CodeAt(const Still& still, int plane, int x, int y, int depth) {
-  const auto planes = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(still.frame);
-  const KS::Plane view = planes->GetPlane(plane);
+  const auto planes =
+      orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(still.frame);
+  const RefHost::Plane view = planes->GetPlane(plane);
   const auto* row = static_cast<const std::uint8_t*>(view.data) + std::ptrdiff_t{y} * view.rowBytes;
   return depth > 8 ? reinterpret_cast<const std::uint16_t*>(row)[x] : row[x];
 }

@@ -105,7 +105,7 @@ TEST(ReadPng, GivesEightBitCodes) {
   picture.width = 2;
   picture.rows = {{1, 2, 3, 250, 251, 252}};
   const Still still = ReadStillFromBytes(picture.File());
-  EXPECT_EQ(still.frame->GetPixelFormat(), KS::kBgra8);
+  EXPECT_EQ(still.frame->GetPixelFormat(), RefHost::kBgra8);
   EXPECT_EQ(CodesAt<std::uint8_t>(still, 0, 0), (std::array{3, 2, 1, 255}));
   EXPECT_EQ(CodesAt<std::uint8_t>(still, 1, 0), (std::array{252, 251, 250, 255}));
   EXPECT_TRUE(still.remarks.empty());
@@ -116,7 +116,7 @@ TEST(ReadPng, GivesSixteenBitCodes) {
   picture.bitDepth = 16;
   picture.rows = {{0x01, 0x02, 0x03, 0x04, 0xFF, 0xFE}};
   const Still still = ReadStillFromBytes(picture.File());
-  EXPECT_EQ(still.frame->GetPixelFormat(), KS::kBgra16);
+  EXPECT_EQ(still.frame->GetPixelFormat(), RefHost::kBgra16);
   EXPECT_EQ(CodesAt<std::uint16_t>(still, 0, 0), (std::array{0xFFFE, 0x0304, 0x0102, 0xFFFF}));
 }
 

@@ -178,7 +178,7 @@ TEST_F(StillMedia, PngChunksHoldTheMetadataThatIsKnown) {
   const Still seine = Read("png/seine_pq_cicp.png");
   EXPECT_FLOAT_EQ(seine.light.maxCLL, 1000.0F);
   EXPECT_FLOAT_EQ(seine.light.maxFALL, 203.0F);
-  EXPECT_EQ(seine.frame->GetPixelFormat(), KS::kBgra16);
+  EXPECT_EQ(seine.frame->GetPixelFormat(), RefHost::kBgra16);
 }
 
 TEST_F(StillMedia, PngAndAvifOfOnePhotographAgree) {
@@ -196,9 +196,9 @@ TEST_F(StillMedia, PngAndAvifOfOnePhotographAgree) {
 TEST_F(StillMedia, AvifGivesTheStoredPlanes) {
   const Still limited = Read("avif/seine_pq_420_limited.avif");
   EXPECT_FALSE(limited.frame->GetColorSpace().Description().fullRange);
-  EXPECT_EQ(limited.frame->GetPixelFormat(), KS::PlanarYCbCr(KS::ChromaFormat::C420, 10));
+  EXPECT_EQ(limited.frame->GetPixelFormat(), RefHost::PlanarYCbCr(RefHost::ChromaFormat::C420, 10));
   const Still twelve = Read("avif/hc_pattern_bt2020_1000nit_12b.avif");
-  EXPECT_EQ(twelve.frame->GetPixelFormat(), KS::PlanarYCbCr(KS::ChromaFormat::C444, 12));
+  EXPECT_EQ(twelve.frame->GetPixelFormat(), RefHost::PlanarYCbCr(RefHost::ChromaFormat::C444, 12));
   // 420 limited was made from the full-range picture.
   const PX::VideoFrameRef full = AsFloat(Read("avif/seine_hdr_rec2020.avif").frame);
   EXPECT_LT(MedianRelativeDifference(AsFloat(limited.frame), full), 0.02);

@@ -45,7 +45,7 @@ TEST(WritePng, KeepsCodesThroughARoundTrip) {
     StillOutput output = GradientOutput(9, 16);
     output.depth = depth;
     const Still still = ReadStillFromBytes(Written(output));
-    EXPECT_EQ(still.frame->GetPixelFormat(), depth == 8 ? KS::kBgra8 : KS::kBgra16);
+    EXPECT_EQ(still.frame->GetPixelFormat(), depth == 8 ? RefHost::kBgra8 : RefHost::kBgra16);
     const float half = 0.5001F / static_cast<float>((1 << depth) - 1);
     EXPECT_LE(LargestDifference(AsFloat(still.frame), output.frame), half) << depth;
     EXPECT_TRUE(still.remarks.empty());

@@ -36,7 +36,8 @@ void WriteSignals(const std::filesystem::path& path, const std::vector<Signal>& 
 
 std::vector<Signal> ReadSignals(const std::filesystem::path& path) {
   const Still still = ReadStill(path);
-  if (still.frame->GetPixelFormat() != KS::kBgra16) throw std::runtime_error("no 16-bit picture");
+  if (still.frame->GetPixelFormat() != RefHost::kBgra16)
+    throw std::runtime_error("no 16-bit picture");
   const FramePixels pixels = PixelsOf(still.frame);
   std::vector<Signal> signals;
   for (int y = 0; y < pixels.height; ++y) {

@@ -19,8 +19,8 @@ TEST(ClipMetadata, OfTheChartIsThatOfHdr10) {
   const ScratchFolder folder;
   for (const std::string name : {"clip.mp4", "clip.mkv"}) {
     const ClipTags tags = TagsOfClip(MakeChartClip(folder, name, {"--frames", "2"}));
-    EXPECT_EQ(tags.colors.primaries, H273::kPrimariesBT2020);
-    EXPECT_EQ(tags.colors.transfer, H273::kTransferPQ);
+    EXPECT_EQ(tags.colors.primaries, RefHost::kPrimariesBT2020);
+    EXPECT_EQ(tags.colors.transfer, RefHost::kTransferPQ);
     EXPECT_EQ(tags.colors.matrix, 9);
     EXPECT_FALSE(tags.colors.fullRange);
     EXPECT_EQ(tags.colors.chromaLocation, 2);
@@ -55,7 +55,7 @@ TEST(ClipMetadata, TellsTheLowerPeakWhereTheResultIsHdr) {
                                       codec, "--depth", "10", clip, mapped});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const ClipTags tags = TagsOfClip(mapped);
-    EXPECT_EQ(tags.colors.transfer, H273::kTransferPQ);
+    EXPECT_EQ(tags.colors.transfer, RefHost::kTransferPQ);
     EXPECT_NEAR(tags.colors.masteringMaxLuminance, 600.0F, 0.1F) << codec;
     EXPECT_EQ(tags.light.maxCLL, 600.0F) << codec;
   }
@@ -68,7 +68,7 @@ TEST(ClipMetadata, OfHlgHasNoLightLevels) {
   const RunResult run = RunQuillon({"map", "--to", "bt2100-hlg", clip, mapped});
   ASSERT_EQ(run.exitCode, 0) << run.err;
   const ClipTags tags = TagsOfClip(mapped);
-  EXPECT_EQ(tags.colors.transfer, H273::kTransferHLG);
+  EXPECT_EQ(tags.colors.transfer, RefHost::kTransferHLG);
   EXPECT_EQ(tags.colors.masteringMaxLuminance, 0.0F);
   EXPECT_EQ(tags.light, ContentLight());
 }
@@ -97,7 +97,7 @@ TEST(ClipMetadata, GivesThePeakInTheStatedOrder) {
   WriteGreyClip(folder / "content.mkv", encoding, 2, 400);
   encoding.tags = {};
   encoding.tags.colors.primaries = 9;
-  encoding.tags.colors.transfer = H273::kTransferHLG;
+  encoding.tags.colors.transfer = RefHost::kTransferHLG;
   encoding.tags.colors.matrix = 9;
   WriteGreyClip(folder / "hlg.mkv", encoding, 2, 400);
   const std::vector<std::pair<std::string, std::string>> cases = {

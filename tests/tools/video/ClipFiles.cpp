@@ -126,8 +126,8 @@ Encoding GreyEncoding() {
   Encoding encoding;
   encoding.codec = VideoCodec::Ffv1;
   encoding.pixelFormat = AV_PIX_FMT_YUV420P10LE;
-  encoding.tags.colors.primaries = H273::kPrimariesBT2020;
-  encoding.tags.colors.transfer = H273::kTransferPQ;
+  encoding.tags.colors.primaries = RefHost::kPrimariesBT2020;
+  encoding.tags.colors.transfer = RefHost::kTransferPQ;
   encoding.tags.colors.matrix = AVCOL_SPC_BT2020_NCL;
   encoding.tags.colors.fullRange = false;
   encoding.width = 64;

@@ -46,7 +46,7 @@ Light Hue(double hue) {
 
 double DecodePQ(double signal) {
   static const CHR::TransferFunction kDecode =
-      CHR::GetSignalToLinearTransferFn(H273::kTransferPQ, 0);
+      CHR::GetSignalToLinearTransferFn(RefHost::kTransferPQ, 0);
   std::array<float, 3> pixel = {static_cast<float>(signal), 0.0F, 0.0F};
   kDecode(pixel.data(), 1.0F);
   return pixel[0];
@@ -56,7 +56,7 @@ double DecodePQ(double signal) {
 double RampNits(double share) {
   static const double kPeakSignal = [] {
     std::array<float, 3> pixel = {static_cast<float>(kChartPeakNits), 0.0F, 0.0F};
-    CHR::GetLinearToSignalTransferFn(H273::kTransferPQ, 0)(pixel.data(), 1.0F);
+    CHR::GetLinearToSignalTransferFn(RefHost::kTransferPQ, 0)(pixel.data(), 1.0F);
     return static_cast<double>(pixel[0]);
   }();
   return std::min(DecodePQ(share * kPeakSignal), kChartPeakNits);
@@ -138,7 +138,7 @@ Light PaintPoint(double x, double y, const ChartMoment& moment) {
 
 ColorSpace ChartPQ() {
   ColorDescription description = ColorSpaceOfName("bt2100-pq");
-  if (const auto primaries = H273::ChromaticitiesOf(ColorSpace(description))) {
+  if (const auto primaries = RefHost::ChromaticitiesOf(ColorSpace(description))) {
     description.masteringChromaticities = *primaries;
   }
   description.masteringMaxLuminance = static_cast<float>(kChartPeakNits);
@@ -148,8 +148,8 @@ ColorSpace ChartPQ() {
 
 PX::VideoFrameRef RenderChart(int width, int height, int white, const ChartMoment& moment) {
   ColorDescription linear;
-  linear.primaries = H273::kPrimariesBT2020;
-  linear.transfer = H273::kTransferLinear;
+  linear.primaries = RefHost::kPrimariesBT2020;
+  linear.transfer = RefHost::kTransferLinear;
   PX::VideoFrameRef frame = MakeFloatFrame(width, height, ColorSpace(linear));
   const FloatPixels pixels = ViewFloatPixels(frame);
   for (int y = 0; y < height; ++y) {

@@ -26,7 +26,7 @@ SourceSamples ClipSource::Samples() const {
   const AVPixelFormat shown = LayoutOf(coded) ? coded : NearestLayout(coded);
   const auto layout = LayoutOf(shown);
   if (!layout) return {};
-  if (reader_.Info().tags.colors.matrix == H273::kMatrixIdentity) {
+  if (reader_.Info().tags.colors.matrix == RefHost::kMatrixIdentity) {
     return {Sampling::Rgb, reader_.Info().bits};
   }
   return {static_cast<Sampling>(layout->chroma), reader_.Info().bits};

@@ -22,7 +22,7 @@ SequenceSource::SequenceSource(SequenceName name, AVRational rate, std::int64_t 
   }
   ahead_ = Read(next_++);
   const orvcore::geom::Bounds bounds = ahead_->frame->GetBounds();
-  const auto format = KS::DescribeFormat(ahead_->frame->GetPixelFormat());
+  const auto format = RefHost::DescribeFormat(ahead_->frame->GetPixelFormat());
   info_.container = "image sequence";
   info_.codec = name_.FileOf(numbers_.front()).extension().string().substr(1);
   info_.pixelFormat = "as the stills";

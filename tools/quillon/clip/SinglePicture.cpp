@@ -14,7 +14,7 @@ SinglePicture::SinglePicture(const std::filesystem::path& path, std::int64_t max
   picture.frame = still.frame;
   picture.tags = {still.frame->GetColorSpace().Description(), still.light};
   const orvcore::geom::Bounds bounds = still.frame->GetBounds();
-  const auto format = KS::DescribeFormat(still.frame->GetPixelFormat());
+  const auto format = RefHost::DescribeFormat(still.frame->GetPixelFormat());
   info_.container = "still";
   info_.codec = LowerCaseExtension(path).erase(0, 1);
   info_.width = bounds.width;

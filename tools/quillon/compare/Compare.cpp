@@ -114,7 +114,7 @@ class RowComparer {
 Sums CompareRows(const PictureLight& a, const PictureLight& b, int white, Comparison& result) {
   const RowComparer comparer(a, b, white, result);
   std::vector<Sums> rows(result.height);
-  orvcore::threads::RunInBands(result.height, kBandRows, [&](int first, int last) {
+  RefHost::RunInBands(result.height, kBandRows, [&](int first, int last) {
     for (int y = first; y < last; ++y) rows[y] = comparer.CompareRow(y);
   });
   Sums sums;

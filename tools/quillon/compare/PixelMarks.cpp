@@ -48,7 +48,7 @@ std::int64_t PixelMarks::Count(PixelMark mark) const {
 
 PixelMarks MarkPixels(const PictureLight& picture, std::uint8_t gamutPrimaries, int white) {
   const PX::VideoFrameRef gamutFrame =
-      gamutPrimaries == H273::kPrimariesBT2020
+      gamutPrimaries == RefHost::kPrimariesBT2020
           ? picture.light
           : ConvertToFloat(picture.signal, LinearLightIn(gamutPrimaries), white);
   const FloatPixels signal = ViewFloatPixels(picture.signal);

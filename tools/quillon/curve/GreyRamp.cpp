@@ -17,8 +17,8 @@ constexpr double kPastMarks = 1.6;
 
 orvmediatypes::color::ColorSpace LinearBT2020() {
   orvmediatypes::color::ColorDescription description;
-  description.primaries = H273::kPrimariesBT2020;
-  description.transfer = H273::kTransferLinear;
+  description.primaries = RefHost::kPrimariesBT2020;
+  description.transfer = RefHost::kTransferLinear;
   return orvmediatypes::color::ColorSpace(description);
 }
 

@@ -34,7 +34,7 @@ constexpr std::array<Hue, 8> kHues = {{
 
 ColorSpace BT709(std::uint8_t transfer) {
   ColorDescription description;
-  description.primaries = H273::kPrimariesBT709;
+  description.primaries = RefHost::kPrimariesBT709;
   description.transfer = transfer;
   return ColorSpace(description);
 }
@@ -47,14 +47,14 @@ std::uint8_t ToByte(float signal) {
 /// sRGB in which the target peak is white.
 std::vector<std::array<std::uint8_t, 3>> Show(const PX::VideoFrameRef& mapped,
                                               double targetPeakNits, int white) {
-  const PX::VideoFrameRef light = ConvertToFloat(mapped, BT709(H273::kTransferLinear), white);
+  const PX::VideoFrameRef light = ConvertToFloat(mapped, BT709(RefHost::kTransferLinear), white);
   const FloatPixels pixels = ViewFloatPixels(light);
   const auto scale = static_cast<float>(white / targetPeakNits);
   for (int y = 0; y < pixels.height; ++y) {
     float* row = pixels.Row(y);
     for (std::ptrdiff_t i = 0; i < std::ptrdiff_t{4} * pixels.width; ++i) row[i] *= scale;
   }
-  const PX::VideoFrameRef signal = ConvertToFloat(light, BT709(H273::kTransferSRGB), white);
+  const PX::VideoFrameRef signal = ConvertToFloat(light, BT709(RefHost::kTransferSRGB), white);
   const FloatPixels encoded = ViewFloatPixels(signal);
   std::vector<std::array<std::uint8_t, 3>> shown;
   for (int y = 0; y < encoded.height; ++y) {
@@ -76,8 +76,9 @@ std::vector<std::string> HueNames() {
 }
 
 PX::VideoFrameRef RenderHues(const std::vector<float>& nits, int white) {
-  PX::VideoFrameRef frame = MakeFloatFrame(
-      static_cast<int>(nits.size()), static_cast<int>(kHues.size()), BT709(H273::kTransferLinear));
+  PX::VideoFrameRef frame =
+      MakeFloatFrame(static_cast<int>(nits.size()), static_cast<int>(kHues.size()),
+                     BT709(RefHost::kTransferLinear));
   const FloatPixels pixels = ViewFloatPixels(frame);
   for (std::size_t row = 0; row < kHues.size(); ++row) {
     const auto& [red, green, blue] = kHues[row].rgb;

@@ -22,11 +22,12 @@ std::string Memory(std::uint64_t bytes) {
 }
 
 /// Whether the kernels build there, found out by building them.
-std::string Kernels(const IL::DeviceInfo& info) {
+std::string Kernels(const RefHost::DeviceInfo& info) {
   if (!info.obstacle.empty()) return "no: " + info.obstacle;
   const Mapper::EngineMessages messages;
-  const auto device = IL::OpenDevice(info.platformKind, info.ordinal);
-  if (device == nullptr || !IL::BuildsKernels(*device)) return "do not build: " + messages.Joined();
+  const auto device = RefHost::OpenDevice(info.platformKind, info.ordinal);
+  if (device == nullptr || !RefHost::BuildsKernels(*device))
+    return "do not build: " + messages.Joined();
   return info.isExact ? "build, exact" : "build; the last bits may differ from the processor's";
 }
 
@@ -34,8 +35,8 @@ using Row = std::array<std::string, 6>;
 
 std::vector<Row> Rows() {
   std::vector<Row> rows = {{"device", "name", "platform", "driver", "memory", "kernels"}};
-  for (const IL::DeviceInfo& info : IL::ListDevices()) {
-    rows.push_back({IL::DeviceName(info.platformKind, info.ordinal), info.name, info.platform,
+  for (const RefHost::DeviceInfo& info : RefHost::ListDevices()) {
+    rows.push_back({RefHost::DeviceName(info.platformKind, info.ordinal), info.name, info.platform,
                     info.driver, Memory(info.memoryBytes), Kernels(info)});
   }
   return rows;
@@ -61,7 +62,7 @@ void RunDevices() {
   } else {
     std::cout << "no GPU was found; --device cpu, the default, needs none\n";
   }
-  if (!IL::IsBuiltForCuda()) {
+  if (!RefHost::IsBuiltForCuda()) {
     std::cout << "the CUDA back end was left out: neither nvcc nor clang++ was there when this was "
                  "built\n";
   }

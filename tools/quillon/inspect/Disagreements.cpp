@@ -18,12 +18,13 @@ std::string Nits(double nits) { return FormatNits(nits) + " nits"; }
 
 void CheckTags(const ClipTags& tags, std::vector<std::string>& warnings) {
   const auto& colors = tags.colors;
-  const bool told = colors.transfer != 0 && colors.transfer != H273::kUnspecified;
-  const bool hdr = colors.transfer == H273::kTransferPQ || colors.transfer == H273::kTransferHLG;
+  const bool told = colors.transfer != 0 && colors.transfer != RefHost::kUnspecifiedCodePoint;
+  const bool hdr =
+      colors.transfer == RefHost::kTransferPQ || colors.transfer == RefHost::kTransferHLG;
   const bool hasLight = colors.masteringMaxLuminance > 0.0F || tags.light.maxCLL > 0.0F;
   if (!told) warnings.emplace_back("the transfer function is not told");
   if (colors.primaries == 0) warnings.emplace_back("the primaries are not told");
-  if (told && !hdr && colors.transfer != H273::kTransferLinear && hasLight) {
+  if (told && !hdr && colors.transfer != RefHost::kTransferLinear && hasLight) {
     warnings.emplace_back(
         "HDR light levels are given, but the transfer is not an HDR one: tags left over from "
         "before a conversion?");
@@ -58,7 +59,7 @@ std::vector<std::string> FindDisagreements(const ClipTags& tags,
                        ", but the brightest picture has " + Nits(levels->MaxFall()) +
                        " on average");
   }
-  if (tags.colors.transfer == H273::kTransferPQ && levels->MaxCll() <= kSdrNits) {
+  if (tags.colors.transfer == RefHost::kTransferPQ && levels->MaxCll() <= kSdrNits) {
     warnings.push_back("it is tagged PQ, but never passes " + Nits(kSdrNits) +
                        ": SDR in an HDR wrapping?");
   }

@@ -29,18 +29,18 @@ bool IsNear(const Chromaticities& a, const Chromaticities& b) {
 bool SetPrimaries(ColorDescription& description, const Chromaticities& chromaticities) {
   ColorDescription candidate;
   for (int codePoint = 1; codePoint < 256; ++codePoint) {
-    if (codePoint == H273::kUnspecified) continue;
+    if (codePoint == RefHost::kUnspecifiedCodePoint) continue;
     candidate.primaries = static_cast<std::uint8_t>(codePoint);
-    const auto known = H273::ChromaticitiesOf(ColorSpace(candidate));
+    const auto known = RefHost::ChromaticitiesOf(ColorSpace(candidate));
     if (known && IsNear(*known, chromaticities)) {
       description.primaries = candidate.primaries;
       return true;
     }
   }
-  candidate.primaries = H273::kUnspecified;
+  candidate.primaries = RefHost::kUnspecifiedCodePoint;
   candidate.chromaticities = chromaticities;
-  const bool valid = H273::ChromaticitiesOf(ColorSpace(candidate)).has_value();
-  description.primaries = valid ? H273::kUnspecified : 0;
+  const bool valid = RefHost::ChromaticitiesOf(ColorSpace(candidate)).has_value();
+  description.primaries = valid ? RefHost::kUnspecifiedCodePoint : 0;
   if (valid) description.chromaticities = chromaticities;
   return valid;
 }

@@ -44,9 +44,9 @@ struct EncodedData {
 /// of their own.
 std::uint8_t MatrixFor(std::uint8_t primaries) {
   switch (primaries) {
-    case H273::kPrimariesBT709:
+    case RefHost::kPrimariesBT709:
       return AVIF_MATRIX_COEFFICIENTS_BT709;
-    case H273::kPrimariesBT2020:
+    case RefHost::kPrimariesBT2020:
       return AVIF_MATRIX_COEFFICIENTS_BT2020_NCL;
     default:
       return AVIF_MATRIX_COEFFICIENTS_BT601;
@@ -65,9 +65,9 @@ Image WrapFrame(const PX::VideoFrameRef& frame, int depth) {
   image->colorPrimaries = description.primaries;
   image->transferCharacteristics = description.transfer;
   image->matrixCoefficients = description.matrix;
-  const auto planes = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(frame);
+  const auto planes = orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(frame);
   for (int plane = 0; plane < AVIF_PLANE_COUNT_YUV; ++plane) {
-    const KS::Plane view = planes->GetPlane(plane);
+    const RefHost::Plane view = planes->GetPlane(plane);
     image->yuvPlanes[plane] = static_cast<std::uint8_t*>(view.data);
     image->yuvRowBytes[plane] = static_cast<std::uint32_t>(view.rowBytes);
   }
@@ -98,12 +98,14 @@ int DepthOf(const StillOutput& output, const std::filesystem::path& path, int tr
 
 std::vector<std::uint8_t> EncodeAvif(const StillOutput& output, const std::filesystem::path& path) {
   ColorDescription description = RequireCodePoints(output, path);
-  const bool namesMatrix = description.matrix != 0 && description.matrix != H273::kUnspecified;
+  const bool namesMatrix =
+      description.matrix != 0 && description.matrix != RefHost::kUnspecifiedCodePoint;
   if (!namesMatrix) description.matrix = MatrixFor(description.primaries);
   description.fullRange = true;
   const int depth = DepthOf(output, path, description.transfer);
-  const PX::VideoFrameRef frame = ConvertForFile(
-      output, path, KS::PlanarYCbCr(KS::ChromaFormat::C444, depth), ColorSpace(description));
+  const PX::VideoFrameRef frame =
+      ConvertForFile(output, path, RefHost::PlanarYCbCr(RefHost::ChromaFormat::C444, depth),
+                     ColorSpace(description));
   const Image image = WrapFrame(frame, depth);
 
   const std::unique_ptr<avifEncoder, DestroyEncoder> encoder(avifEncoderCreate());

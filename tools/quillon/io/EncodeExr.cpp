@@ -31,7 +31,7 @@ Imf::Chromaticities ToExr(const Chromaticities& colors) {
 
 Imf::Header MakeHeader(const StillOutput& output, const std::filesystem::path& path,
                        const FramePixels& pixels, Imf::PixelType type) {
-  const auto colors = H273::ChromaticitiesOf(output.frame->GetColorSpace());
+  const auto colors = RefHost::ChromaticitiesOf(output.frame->GetColorSpace());
   if (!colors) {
     throw StillError(StillErrorKind::NotSupported, path, "its primaries are not known",
                      "choose a named colour space");
@@ -66,7 +66,7 @@ std::vector<std::uint8_t> EncodeExr(const StillOutput& output, const std::filesy
   const bool half = ChooseDepth(output, path, "EXR", kDepths, 16) == 16;
   const Imf::PixelType type = half ? Imf::HALF : Imf::FLOAT;
   const PX::VideoFrameRef frame =
-      ConvertForFile(output, path, half ? KS::kBgraHalf : orvmediatypes::kLinearFloatBGRA,
+      ConvertForFile(output, path, half ? RefHost::kBgraHalf : orvmediatypes::kLinearFloatBGRA,
                      CHR::ORVColorSpaceToEquivalentLinearColorSpace(output.frame->GetColorSpace()));
   const FramePixels pixels = PixelsOf(frame);
   const Imf::Header header = MakeHeader(output, path, pixels, type);

@@ -48,8 +48,8 @@ struct ColorChunks {
 ColorChunks MakeColorChunks(const ColorDescription& description, const ContentLight& light) {
   ColorChunks chunks;
   chunks.cicp = {description.primaries, description.transfer, 0, 1};
-  chunks.srgb =
-      description.primaries == H273::kPrimariesBT709 && description.transfer == H273::kTransferSRGB;
+  chunks.srgb = description.primaries == RefHost::kPrimariesBT709 &&
+                description.transfer == RefHost::kTransferSRGB;
   chunks.hasMastering = description.masteringMaxLuminance > 0.0F;
   if (chunks.hasMastering) chunks.mastering = FormatMdcv(description);
   chunks.hasLight = light.maxCLL > 0.0F || light.maxFALL > 0.0F;
@@ -92,8 +92,8 @@ std::vector<std::uint8_t> EncodePng(const StillOutput& output, const std::filesy
   constexpr int kDepths[] = {8, 16};
   const int depth =
       ChooseDepth(output, path, "PNG", kDepths, IsHdrTransfer(description.transfer) ? 16 : 8);
-  const PX::VideoFrameRef frame =
-      ConvertForFile(output, path, depth == 16 ? KS::kBgra16 : KS::kBgra8, ColorSpace(description));
+  const PX::VideoFrameRef frame = ConvertForFile(
+      output, path, depth == 16 ? RefHost::kBgra16 : RefHost::kBgra8, ColorSpace(description));
   const FramePixels pixels = PixelsOf(frame);
   const ColorChunks chunks = MakeColorChunks(description, output.light);
 

@@ -190,22 +190,22 @@ DecodedPlane PlaneOf(const avifImage& image, int plane, const avifCropRect& crop
 }
 
 orvmediatypes::PixelFormat PlanarFormat(const avifImage& image) {
-  KS::ChromaFormat chroma = KS::ChromaFormat::C420;
-  if (image.yuvFormat == AVIF_PIXEL_FORMAT_YUV444) chroma = KS::ChromaFormat::C444;
-  if (image.yuvFormat == AVIF_PIXEL_FORMAT_YUV422) chroma = KS::ChromaFormat::C422;
-  return KS::PlanarYCbCr(chroma, static_cast<int>(image.depth));
+  RefHost::ChromaFormat chroma = RefHost::ChromaFormat::C420;
+  if (image.yuvFormat == AVIF_PIXEL_FORMAT_YUV444) chroma = RefHost::ChromaFormat::C444;
+  if (image.yuvFormat == AVIF_PIXEL_FORMAT_YUV422) chroma = RefHost::ChromaFormat::C422;
+  return RefHost::PlanarYCbCr(chroma, static_cast<int>(image.depth));
 }
 
 PX::VideoFrameRef CopyPlanes(const StillSource& source, const avifImage& image,
                              const avifCropRect& crop, const ColorDescription& description) {
   PX::VideoFrameRef frame = MakeFrame(source, PlanarFormat(image), static_cast<int>(crop.width),
                                       static_cast<int>(crop.height), ColorSpace(description));
-  const auto planes = orvcore::classref::InterfaceCast<KS::IVideoFramePlaneAccess>(frame);
+  const auto planes = orvcore::classref::InterfaceCast<RefHost::IVideoFramePlaneAccess>(frame);
   const std::size_t sampleBytes = image.depth > 8 ? 2 : 1;
   for (int plane = 0; plane < 3; ++plane) {
     const bool neutral = plane > 0 && image.yuvFormat == AVIF_PIXEL_FORMAT_YUV400;
     const DecodedPlane from = neutral ? DecodedPlane{} : PlaneOf(image, plane, crop);
-    const KS::Plane to = planes->GetPlane(plane);
+    const RefHost::Plane to = planes->GetPlane(plane);
     const std::size_t width = static_cast<std::size_t>(to.width);
     for (int y = 0; y < to.height; ++y) {
       std::uint8_t* row = static_cast<std::uint8_t*>(to.data) + std::ptrdiff_t{y} * to.rowBytes;
@@ -254,13 +254,13 @@ PX::VideoFrameRef DecodeMatrix(const StillSource& source, const PX::VideoFrameRe
   const ColorSpace tagged = planar->GetColorSpace();
   // Samples are only rearranged, so that any primaries and transfer do, and untagged ones too.
   ColorDescription stored = tagged.Description();
-  stored.primaries = H273::kPrimariesBT709;
-  stored.transfer = H273::kTransferSRGB;
+  stored.primaries = RefHost::kPrimariesBT709;
+  stored.transfer = RefHost::kTransferSRGB;
   planar->SetColorSpace(ColorSpace(stored));
   const orvcore::geom::Bounds bounds = planar->GetBounds();
   PX::VideoFrameRef frame =
       MakeFrame(source, orvmediatypes::kLinearFloatBGRA, bounds.width, bounds.height,
-                ColorSpace(RgbDescription(H273::kPrimariesBT709, H273::kTransferSRGB)));
+                ColorSpace(RgbDescription(RefHost::kPrimariesBT709, RefHost::kTransferSRGB)));
   if (KS::VideoFrameManipulators::CopyFrame(planar, frame, 4, {}) < 0) {
     FailNotSupported(source,
                      "a picture with matrix " + std::to_string(stored.matrix) +

@@ -71,7 +71,7 @@ Chromaticities FromExr(const Imf::Chromaticities& colors) {
 }
 
 ColorSpace ReadColorSpace(const Imf::Header& header, std::vector<std::string>& remarks) {
-  ColorDescription description = RgbDescription(H273::kPrimariesBT709, H273::kTransferLinear);
+  ColorDescription description = RgbDescription(RefHost::kPrimariesBT709, RefHost::kTransferLinear);
   if (Imf::hasChromaticities(header)) {
     if (!SetPrimaries(description, FromExr(Imf::chromaticities(header)))) {
       remarks.emplace_back("the chromaticities attribute describes no colours and was ignored");

@@ -98,11 +98,11 @@ PngTags ReadKeptChunks(PngHandle& handle, std::vector<std::string>& remarks) {
 std::uint8_t TransferOfGamma(png_fixed_point gamma) {
   switch (gamma) {
     case 45455:
-      return H273::kTransferGamma22;
+      return RefHost::kTransferGamma22;
     case 35714:
-      return H273::kTransferGamma28;
+      return RefHost::kTransferGamma28;
     case 100000:
-      return H273::kTransferLinear;
+      return RefHost::kTransferLinear;
     default:
       return 0;
   }
@@ -122,7 +122,8 @@ ColorDescription FromGammaAndChromaticities(PngHandle& handle) {
   };
   ColorDescription description = RgbDescription(0, TransferOfGamma(gamma));
   SetPrimaries(description, {point(2), point(4), point(6), point(0)});
-  const bool known = description.transfer != 0 && description.primaries != H273::kUnspecified;
+  const bool known =
+      description.transfer != 0 && description.primaries != RefHost::kUnspecifiedCodePoint;
   return known ? description : ColorDescription{};
 }
 
@@ -149,7 +150,7 @@ ColorDescription ReadColors(PngHandle& handle, const PngTags& tags,
   RemarkOnIccProfile(handle, remarks);
   int intent = 0;
   if (png_get_sRGB(handle.Png(), handle.Info(), &intent) != 0)
-    return RgbDescription(H273::kPrimariesBT709, H273::kTransferSRGB);
+    return RgbDescription(RefHost::kPrimariesBT709, RefHost::kTransferSRGB);
   return FromGammaAndChromaticities(handle);
 }
 
@@ -238,8 +239,8 @@ Still ReadPng(const StillSource& source) {
   still.light = tags.light;
   const ColorSpace colorSpace = ReadColorSpace(handle, tags, still.remarks);
   if (!handle.Guard([&] { SetUpTransforms(handle); })) FailDamaged(source, handle.Error());
-  still.frame = MakeFrame(source, deep ? KS::kBgra16 : KS::kBgra8, static_cast<int>(width),
-                          static_cast<int>(height), colorSpace);
+  still.frame = MakeFrame(source, deep ? RefHost::kBgra16 : RefHost::kBgra8,
+                          static_cast<int>(width), static_cast<int>(height), colorSpace);
   ReadPixels(source, handle, PixelsOf(still.frame));
 
   for (const std::string& name : file.damaged) {

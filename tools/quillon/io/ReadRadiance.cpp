@@ -14,7 +14,7 @@ namespace Quillon::Cli {
 Still ReadRadiance(const StillSource& source) {
   RadianceHeader header = ParseRadianceHeader(source);
   orvmediatypes::color::ColorDescription description =
-      RgbDescription(H273::kPrimariesBT709, H273::kTransferLinear);
+      RgbDescription(RefHost::kPrimariesBT709, RefHost::kTransferLinear);
   if (header.primaries && !SetPrimaries(description, *header.primaries)) {
     header.remarks.emplace_back("the PRIMARIES line describes no colours and was ignored");
   }

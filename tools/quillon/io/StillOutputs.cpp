@@ -56,7 +56,7 @@ PX::VideoFrameRef ConvertForFile(const StillOutput& output, const std::filesyste
 
 ColorDescription RequireCodePoints(const StillOutput& output, const std::filesystem::path& path) {
   ColorDescription description = output.frame->GetColorSpace().Description();
-  if (description.primaries == H273::kUnspecified)
+  if (description.primaries == RefHost::kUnspecifiedCodePoint)
     SetPrimaries(description, description.chromaticities);
   if (!Mapper::Tells(description.primaries) || !Mapper::Tells(description.transfer)) {
     Fail(path, "its colours have no CICP code points, which this format needs",
@@ -66,7 +66,7 @@ ColorDescription RequireCodePoints(const StillOutput& output, const std::filesys
 }
 
 bool IsHdrTransfer(int transfer) {
-  return transfer == H273::kTransferPQ || transfer == H273::kTransferHLG;
+  return transfer == RefHost::kTransferPQ || transfer == RefHost::kTransferHLG;
 }
 
 }  // namespace Quillon::Cli

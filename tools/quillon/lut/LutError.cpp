@@ -21,8 +21,8 @@ using Interpolate = Signal (*)(const LutLattice&, const Signal&);
 std::vector<ICtCp> ColorsOf(const std::vector<Signal>& signals, const ColorSpace& colorSpace,
                             int white) {
   orvmediatypes::color::ColorDescription light;
-  light.primaries = H273::kPrimariesBT2020;
-  light.transfer = H273::kTransferLinear;
+  light.primaries = RefHost::kPrimariesBT2020;
+  light.transfer = RefHost::kTransferLinear;
   const PX::VideoFrameRef frame =
       ConvertToFloat(FrameOfSignals(signals, colorSpace), ColorSpace(light), white);
   std::vector<ICtCp> colors;

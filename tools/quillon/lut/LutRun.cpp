@@ -34,7 +34,7 @@ ColorDescription SourceOf(const MappingOptions& options) {
 
 bool IsShaper(const MappingOptions& options) {
   const std::uint8_t transfer = SourceOf(options).transfer;
-  return transfer == H273::kTransferPQ || transfer == H273::kTransferHLG;
+  return transfer == RefHost::kTransferPQ || transfer == RefHost::kTransferHLG;
 }
 
 void CheckLutOptions(const LutOptions& options) {
@@ -45,7 +45,7 @@ void CheckLutOptions(const LutOptions& options) {
                        "--from of a LUT is a PQ or HLG signal, whose steps suit the eye: choose "
                        "bt2100-pq or bt2100-hlg");
   }
-  if (options.mapping.target.colors.transfer == H273::kTransferLinear) {
+  if (options.mapping.target.colors.transfer == RefHost::kTransferLinear) {
     throw CommandError(ExitCode::Usage,
                        "--to of a LUT is a signal from 0 to 1, which linear light is not; choose "
                        "one of " +
@@ -82,7 +82,7 @@ std::string Title(const MappingOptions& options) {
 
 std::string Comments(const LutOptions& options, const Decisions& decisions, const LutError& error) {
   const MappingOptions& map = options.mapping;
-  const bool pq = SourceOf(map).transfer == H273::kTransferPQ;
+  const bool pq = SourceOf(map).transfer == RefHost::kTransferPQ;
   std::ostringstream out;
   out << "quillon lut " QUILLON_VERSION "\n"
       << "shaper: " << (pq ? "PQ" : "HLG") << " (ITU-R BT.2100)\n"

@@ -21,7 +21,7 @@ void DescribeMastering(const ColorDescription& source, float peak, ColorDescript
   result.masteringMinLuminance = told ? source.masteringMinLuminance : kMasteringMinimum;
   if (told && samePrimaries) {
     result.masteringChromaticities = source.masteringChromaticities;
-  } else if (const auto primaries = H273::ChromaticitiesOf(ColorSpace(result))) {
+  } else if (const auto primaries = RefHost::ChromaticitiesOf(ColorSpace(result))) {
     result.masteringChromaticities = *primaries;
   }
 }
@@ -33,7 +33,7 @@ ClipTags ResultTags(const ColorDescription& destination, double peakNits, const 
   ClipTags result;
   result.colors = destination;
   result.colors.chromaLocation = source.colors.chromaLocation;
-  if (destination.transfer != H273::kTransferPQ) return result;
+  if (destination.transfer != RefHost::kTransferPQ) return result;
   const auto peak = static_cast<float>(peakNits);
   DescribeMastering(source.colors, peak, result.colors);
   result.light = {std::min(knownLight.maxCLL, peak), std::min(knownLight.maxFALL, peak)};

@@ -41,7 +41,7 @@ void CheckToneMap(const MappingOptions& options) {
 void CheckMappingOptions(const MappingOptions& options) {
   CheckToneMap(options);
   const int transfer = options.target.colors.transfer;
-  const bool hdr = transfer == H273::kTransferPQ || transfer == H273::kTransferHLG;
+  const bool hdr = transfer == RefHost::kTransferPQ || transfer == RefHost::kTransferHLG;
   RefuseUsage(options.target.peakNits.has_value() && !hdr,
               "--target-peak is for PQ and HLG destinations; an SDR destination's 1.0 is the white "
               "of --white (" +

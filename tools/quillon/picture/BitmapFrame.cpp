@@ -17,7 +17,7 @@ namespace {
 PX::VideoFrameRef MakeByteFrame(int width, int height) {
   PX::VideoFrameRef frame;
   const orvmediatypes::color::ColorSpace srgb(ColorSpaceOfName("srgb"));
-  if (KS::CreateVideoFrame(frame, KS::kBgra8, width, height, {}, srgb, false, false) < 0) {
+  if (KS::CreateVideoFrame(frame, RefHost::kBgra8, width, height, {}, srgb, false, false) < 0) {
     throw CommandError(ExitCode::NotSupported, "no picture of " + std::to_string(width) + "x" +
                                                    std::to_string(height) + " can be made");
   }

@@ -16,7 +16,7 @@ std::int64_t ForEachLight(const PX::VideoFrameRef& frame, int white,
 }
 
 ContentLight LightOfResult(const PX::VideoFrameRef& result, int white) {
-  if (result->GetColorSpace().Description().transfer != H273::kTransferPQ) return {};
+  if (result->GetColorSpace().Description().transfer != RefHost::kTransferPQ) return {};
   const LightLevels levels = MeasureLightLevels(result, white);
   return {static_cast<float>(levels.peakNits), static_cast<float>(levels.averageNits)};
 }

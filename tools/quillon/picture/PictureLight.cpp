@@ -13,7 +13,7 @@ namespace {
 /// The same colours, with nothing said of YCbCr.
 ColorSpace RgbOf(const ColorSpace& colorSpace) {
   ColorDescription description = colorSpace.Description();
-  description.matrix = H273::kMatrixIdentity;
+  description.matrix = RefHost::kMatrixIdentity;
   description.fullRange = true;
   description.chromaLocation = 0;
   return ColorSpace(description);
@@ -24,14 +24,14 @@ ColorSpace RgbOf(const ColorSpace& colorSpace) {
 ColorSpace LinearLightIn(std::uint8_t primaries) {
   ColorDescription description;
   description.primaries = primaries;
-  description.transfer = H273::kTransferLinear;
+  description.transfer = RefHost::kTransferLinear;
   return ColorSpace(description);
 }
 
 PictureLight LightOf(const PX::VideoFrameRef& frame, int white) {
   PictureLight picture;
   picture.signal = ConvertToFloat(frame, RgbOf(frame->GetColorSpace()), white);
-  picture.light = ConvertToFloat(picture.signal, LinearLightIn(H273::kPrimariesBT2020), white);
+  picture.light = ConvertToFloat(picture.signal, LinearLightIn(RefHost::kPrimariesBT2020), white);
   return picture;
 }
 

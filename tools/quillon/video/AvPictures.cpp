@@ -16,10 +16,10 @@ namespace {
 
 constexpr int kAlignment = 64;
 
-std::optional<KS::ChromaFormat> ChromaOf(const AVPixFmtDescriptor& format) {
-  if (format.log2_chroma_w == 0 && format.log2_chroma_h == 0) return KS::ChromaFormat::C444;
-  if (format.log2_chroma_w == 1 && format.log2_chroma_h == 0) return KS::ChromaFormat::C422;
-  if (format.log2_chroma_w == 1 && format.log2_chroma_h == 1) return KS::ChromaFormat::C420;
+std::optional<RefHost::ChromaFormat> ChromaOf(const AVPixFmtDescriptor& format) {
+  if (format.log2_chroma_w == 0 && format.log2_chroma_h == 0) return RefHost::ChromaFormat::C444;
+  if (format.log2_chroma_w == 1 && format.log2_chroma_h == 0) return RefHost::ChromaFormat::C422;
+  if (format.log2_chroma_w == 1 && format.log2_chroma_h == 1) return RefHost::ChromaFormat::C420;
   return std::nullopt;
 }
 
@@ -31,12 +31,12 @@ int HostDepth(int bits) {
   return 16;
 }
 
-AVPixelFormat PlanarFormat(bool rgb, KS::ChromaFormat chroma, int bits) {
+AVPixelFormat PlanarFormat(bool rgb, RefHost::ChromaFormat chroma, int bits) {
   std::string name = "gbrp";
   if (!rgb) {
-    name = chroma == KS::ChromaFormat::C420   ? "yuv420p"
-           : chroma == KS::ChromaFormat::C422 ? "yuv422p"
-                                              : "yuv444p";
+    name = chroma == RefHost::ChromaFormat::C420   ? "yuv420p"
+           : chroma == RefHost::ChromaFormat::C422 ? "yuv422p"
+                                                   : "yuv444p";
   }
   if (bits > 8) name += std::to_string(bits) + "le";
   return av_get_pix_fmt(name.c_str());
@@ -45,7 +45,7 @@ AVPixelFormat PlanarFormat(bool rgb, KS::ChromaFormat chroma, int bits) {
 }  // namespace
 
 orvmediatypes::PixelFormat AvLayout::Format() const {
-  return semiPlanar ? KS::SemiPlanarYCbCr(chroma, bits) : KS::PlanarYCbCr(chroma, bits);
+  return semiPlanar ? RefHost::SemiPlanarYCbCr(chroma, bits) : RefHost::PlanarYCbCr(chroma, bits);
 }
 
 std::optional<AvLayout> LayoutOf(AVPixelFormat format) {
@@ -74,8 +74,9 @@ AVPixelFormat NearestLayout(AVPixelFormat format) {
   }
   const bool grey = d->nb_components < 3 && (d->flags & AV_PIX_FMT_FLAG_PAL) == 0;
   const bool rgb = !grey && (d->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) != 0;
-  const auto chroma = grey ? KS::ChromaFormat::C420 : ChromaOf(*d);
-  return PlanarFormat(rgb, chroma.value_or(KS::ChromaFormat::C444), HostDepth(d->comp[0].depth));
+  const auto chroma = grey ? RefHost::ChromaFormat::C420 : ChromaOf(*d);
+  return PlanarFormat(rgb, chroma.value_or(RefHost::ChromaFormat::C444),
+                      HostDepth(d->comp[0].depth));
 }
 
 PX::VideoFrameRef ShowAvFrame(const std::shared_ptr<const AVFrame>& frame,
@@ -83,18 +84,18 @@ PX::VideoFrameRef ShowAvFrame(const std::shared_ptr<const AVFrame>& frame,
   PX::VideoFrameRef shown;
   const auto layout = LayoutOf(static_cast<AVPixelFormat>(frame->format));
   if (!layout) return shown;
-  KS::SystemFrameLayout made{.format = layout->Format(),
-                             .width = frame->width,
-                             .height = frame->height,
-                             .colorSpace = colorSpace};
-  KS::BorrowedMemory memory;
-  for (std::size_t plane = 0; plane < KS::kMaxPlanes; ++plane) {
+  RefHost::SystemFrameLayout made{.format = layout->Format(),
+                                  .width = frame->width,
+                                  .height = frame->height,
+                                  .colorSpace = colorSpace};
+  RefHost::BorrowedMemory memory;
+  for (std::size_t plane = 0; plane < RefHost::kMaxPlanes; ++plane) {
     memory.planes[plane] = frame->data[plane];
     made.rowBytes[plane] = frame->linesize[plane];
   }
   memory.release = [keep = frame] {};
   made.borrowed = std::move(memory);
-  KS::CreateSystemFrame(shown, made);
+  RefHost::CreateSystemFrame(shown, made);
   return shown;
 }
 

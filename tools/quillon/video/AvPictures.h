@@ -15,7 +15,7 @@ namespace Quillon::Cli {
 /// semi-planar YCbCr and planar RGB of 8, 10, 12 or 16 bits in the machine's byte order.
 struct AvLayout {
   bool semiPlanar = false;
-  KS::ChromaFormat chroma = KS::ChromaFormat::C420;
+  RefHost::ChromaFormat chroma = RefHost::ChromaFormat::C420;
   int bits = 8;
 
   orvmediatypes::PixelFormat Format() const;

@@ -23,7 +23,7 @@ namespace {
 constexpr int kChromaticityUnits = 50000;  // ST 2086
 constexpr int kNitsUnits = 10000;
 
-bool Tells(int codePoint) { return codePoint != 0 && codePoint != H273::kUnspecified; }
+bool Tells(int codePoint) { return codePoint != 0 && codePoint != RefHost::kUnspecifiedCodePoint; }
 
 std::uint8_t FirstTold(int frame, int stream) {
   if (Tells(frame)) return static_cast<std::uint8_t>(frame);
@@ -36,10 +36,10 @@ bool IsRgb(const AVFrame& frame) {
 }
 
 std::uint8_t MatrixOf(const AVFrame& frame, const AVStream& stream, std::uint8_t primaries) {
-  if (IsRgb(frame)) return H273::kMatrixIdentity;
+  if (IsRgb(frame)) return RefHost::kMatrixIdentity;
   const std::uint8_t told = FirstTold(frame.colorspace, stream.codecpar->color_space);
   if (told != 0) return told;
-  return primaries == H273::kPrimariesBT2020 ? AVCOL_SPC_BT2020_NCL : AVCOL_SPC_BT709;
+  return primaries == RefHost::kPrimariesBT2020 ? AVCOL_SPC_BT2020_NCL : AVCOL_SPC_BT709;
 }
 
 bool IsFullRange(const AVFrame& frame, const AVStream& stream) {

@@ -67,7 +67,7 @@ std::string NameOf(VideoCodec codec) {
 }
 
 bool IsHdr(const ColorDescription& colors) {
-  return colors.transfer == H273::kTransferPQ || colors.transfer == H273::kTransferHLG;
+  return colors.transfer == RefHost::kTransferPQ || colors.transfer == RefHost::kTransferHLG;
 }
 
 VideoCodec DefaultCodec(const ColorDescription& colors, const std::string& extension) {
@@ -187,10 +187,10 @@ void RequireContainer(VideoCodec codec, const std::filesystem::path& output) {
 void FitColors(ColorDescription& colors, Sampling sampling) {
   colors.fullRange = sampling == Sampling::Rgb;
   if (sampling == Sampling::Rgb) {
-    colors.matrix = H273::kMatrixIdentity;
-  } else if (colors.matrix == H273::kMatrixIdentity) {
+    colors.matrix = RefHost::kMatrixIdentity;
+  } else if (colors.matrix == RefHost::kMatrixIdentity) {
     colors.matrix =
-        colors.primaries == H273::kPrimariesBT2020 ? AVCOL_SPC_BT2020_NCL : AVCOL_SPC_BT709;
+        colors.primaries == RefHost::kPrimariesBT2020 ? AVCOL_SPC_BT2020_NCL : AVCOL_SPC_BT709;
   }
 }
 
@@ -219,7 +219,7 @@ std::string X265Parameters(const Encoding& encoding) {
   const ColorDescription& colors = encoding.tags.colors;
   std::string text = "log-level=error:open-gop=0";
   if (IsHdr(colors)) text += ":repeat-headers=1";
-  if (colors.transfer == H273::kTransferHLG) text += ":atc-sei=18";
+  if (colors.transfer == RefHost::kTransferHLG) text += ":atc-sei=18";
   const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(encoding.pixelFormat);
   if (format->log2_chroma_h == 1) text += ":chromaloc=" + std::to_string(colors.chromaLocation);
   if (colors.masteringMaxLuminance > 0.0F) {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/Devices.h"
-#include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/cuda/CudaDevice.h"
 #include "tests/refhost/ironlane/cuda/CudaTest.h"
 
@@ -46,10 +46,10 @@ TEST_F(CudaFailures, GiveACodeAndAMessageEach) {
       Restart();
       driver_->failing = function;
       driver_->error = error;
-      const auto device = IL::OpenCudaDevice(0);
+      const auto device = RefHost::OpenCudaDevice(0);
       if (device != nullptr && driver_->calls["cuDevicePrimaryCtxReset"] == 0) {
         EXPECT_EQ(UseDevice(*device),
-                  error == kIllegalAddress ? IL::kDeviceLost : IL::kDeviceFailed);
+                  error == kIllegalAddress ? RefHost::kDeviceLost : RefHost::kDeviceFailed);
       }
       EXPECT_THAT(Trace(), HasSubstr(error == kIllegalAddress ? "CUDA_ERROR_ILLEGAL_ADDRESS\r\n"
                                                               : "CUDA_ERROR_NOT_SUPPORTED\r\n"));
@@ -64,19 +64,19 @@ TEST_F(CudaFailures, OfWorkThatIsDoneLaterAreFoundByTheNextWaitOfThatCall) {
     for (const int error : {kNotSupported, kIllegalAddress}) {
       SCOPED_TRACE(std::string(function) + " " + std::to_string(error));
       Restart();
-      const auto device = IL::OpenCudaDevice(0);
+      const auto device = RefHost::OpenCudaDevice(0);
       driver_->failingLater = function;
       driver_->error = error;
       // Memory that was not made is an illegal address for what comes after.
       const bool isLost = error == kIllegalAddress || function == std::string("cuMemAllocAsync");
-      EXPECT_EQ(UseDevice(*device), isLost ? IL::kDeviceLost : IL::kDeviceFailed);
+      EXPECT_EQ(UseDevice(*device), isLost ? RefHost::kDeviceLost : RefHost::kDeviceFailed);
     }
   }
 }
 
 TEST_F(CudaFailures, ThatEndTheContextEndEveryLaterCallAlike) {
   QUILLON_NEEDS_PTX();
-  const auto device = IL::OpenCudaDevice(0);
+  const auto device = RefHost::OpenCudaDevice(0);
   std::uint64_t memory = 0;
   std::vector<char> bytes(kBytes);
   ASSERT_EQ(device->Allocate(kBytes, memory), 0);
@@ -84,7 +84,7 @@ TEST_F(CudaFailures, ThatEndTheContextEndEveryLaterCallAlike) {
   driver_->failingLater = "cuMemcpyDtoHAsync";
   driver_->error = kIllegalAddress;
   EXPECT_FALSE(device->IsLost());
-  ASSERT_EQ(device->Download(memory, bytes.data(), kBytes), IL::kDeviceLost);
+  ASSERT_EQ(device->Download(memory, bytes.data(), kBytes), RefHost::kDeviceLost);
   EXPECT_THAT(Trace(), HasSubstr("CUDA : a download : CUDA_ERROR_ILLEGAL_ADDRESS\r\n"));
   EXPECT_TRUE(device->IsLost());
 
@@ -92,15 +92,15 @@ TEST_F(CudaFailures, ThatEndTheContextEndEveryLaterCallAlike) {
   const std::string lost =
       "CUDA : Scripted is lost since CUDA_ERROR_ILLEGAL_ADDRESS of a download : open it again\r\n";
   std::uint64_t pointer = 0;
-  EXPECT_EQ(device->Allocate(kBytes, pointer), IL::kDeviceLost);
+  EXPECT_EQ(device->Allocate(kBytes, pointer), RefHost::kDeviceLost);
   EXPECT_EQ(Trace(), lost);
-  EXPECT_EQ(device->Upload(bytes.data(), memory, kBytes), IL::kDeviceLost);
+  EXPECT_EQ(device->Upload(bytes.data(), memory, kBytes), RefHost::kDeviceLost);
   EXPECT_EQ(Trace(), lost);
-  EXPECT_EQ(device->Download(memory, bytes.data(), kBytes), IL::kDeviceLost);
+  EXPECT_EQ(device->Download(memory, bytes.data(), kBytes), RefHost::kDeviceLost);
   EXPECT_EQ(Trace(), lost);
-  EXPECT_EQ(device->Copy(memory, memory, kBytes), IL::kDeviceLost);
+  EXPECT_EQ(device->Copy(memory, memory, kBytes), RefHost::kDeviceLost);
   EXPECT_EQ(Trace(), lost);
-  EXPECT_EQ(device->Finish(), IL::kDeviceLost);
+  EXPECT_EQ(device->Finish(), RefHost::kDeviceLost);
   EXPECT_EQ(Trace(), lost);
   EXPECT_EQ(device->LoadKernel("PixelConversion", "ConvertPixels"), nullptr);
   EXPECT_EQ(Trace(), lost);
@@ -111,18 +111,18 @@ TEST_F(CudaFailures, ThatEndTheContextEndEveryLaterCallAlike) {
 
 TEST_F(CudaFailures, ThatEndTheContextAreOverWhenTheDeviceIsOpenedAnew) {
   QUILLON_NEEDS_PTX();
-  auto device = IL::OpenDevice(IL::kPlatformCuda, 0);
-  EXPECT_EQ(IL::OpenDevice(IL::kPlatformCuda, 0), device);
+  auto device = RefHost::OpenDevice(IL::kPlatformCuda, 0);
+  EXPECT_EQ(RefHost::OpenDevice(IL::kPlatformCuda, 0), device);
   driver_->failing = "cuMemcpyHtoDAsync";
   driver_->error = kIllegalAddress;
-  ASSERT_EQ(UseDevice(*device), IL::kDeviceLost);
+  ASSERT_EQ(UseDevice(*device), RefHost::kDeviceLost);
   {
-    const auto anew = IL::OpenDevice(IL::kPlatformCuda, 0);
+    const auto anew = RefHost::OpenDevice(IL::kPlatformCuda, 0);
     ASSERT_NE(anew, nullptr);
     ASSERT_NE(anew, device);
     EXPECT_EQ(UseDevice(*anew), 0) << Trace();
     EXPECT_NE(anew->GetDescription().contextIdentity, device->GetDescription().contextIdentity);
-    EXPECT_EQ(UseDevice(*device), IL::kDeviceLost);
+    EXPECT_EQ(UseDevice(*device), RefHost::kDeviceLost);
     device = nullptr;
     EXPECT_EQ(UseDevice(*anew), 0) << "whatever becomes of the old one";
   }
@@ -132,7 +132,7 @@ TEST_F(CudaFailures, ThatEndTheContextAreOverWhenTheDeviceIsOpenedAnew) {
 TEST_F(CudaFailures, ThatEndNoContextNeverResetIt) {
   driver_->failing = "cuStreamCreate";
   driver_->error = kNotSupported;
-  EXPECT_EQ(IL::OpenCudaDevice(0), nullptr);
+  EXPECT_EQ(RefHost::OpenCudaDevice(0), nullptr);
   EXPECT_EQ(driver_->calls["cuDevicePrimaryCtxReset"], 0) << "others may work in it";
   ExpectNothingHeld();
 }
@@ -148,7 +148,7 @@ TEST_F(CudaFailures, LeaveNothingBehind) {
       driver_->failing = function;
       driver_->error = error;
       {
-        const auto device = IL::OpenCudaDevice(0);
+        const auto device = RefHost::OpenCudaDevice(0);
         if (device != nullptr) UseDevice(*device);
       }
       ExpectNothingHeld();
@@ -170,7 +170,7 @@ TEST_F(CudaFailures, AtReleaseAreTraced) {
       driver_->failing = function;
       driver_->error = kNotSupported;
       {
-        const auto device = IL::OpenCudaDevice(0);
+        const auto device = RefHost::OpenCudaDevice(0);
         EXPECT_EQ(UseDevice(*device), 0);
       }
       EXPECT_THAT(Trace(), HasSubstr("CUDA_ERROR_NOT_SUPPORTED\r\n"));

@@ -16,10 +16,10 @@ TEST(CudaDriver, IsTriedAgainWhereItDidNotInitialise) {
   ASSERT_NE(driver, nullptr);
   driver->failing = "cuInit";
   driver->error = 100;
-  EXPECT_THAT(IL::ListCudaDevices(), IsEmpty());
-  EXPECT_THAT(IL::ListCudaDevices(), SizeIs(1));
+  EXPECT_THAT(RefHost::ListCudaDevices(), IsEmpty());
+  EXPECT_THAT(RefHost::ListCudaDevices(), SizeIs(1));
   EXPECT_EQ(driver->calls["cuInit"], 2);
-  EXPECT_THAT(IL::ListCudaDevices(), SizeIs(1));
+  EXPECT_THAT(RefHost::ListCudaDevices(), SizeIs(1));
   EXPECT_EQ(driver->calls["cuInit"], 2);
 }
 

@@ -17,7 +17,7 @@ namespace {
 using orvmediatypes::color::ColorSpace;
 using orvmediatypes::color::GamutCompressionAlgorithmType;
 using orvmediatypes::color::ToneMapAlgorithmType;
-using ::testing::IsEmpty;
+using ::testing::ElementsAre;
 
 class CudaCalls : public CudaTest {
  protected:
@@ -53,9 +53,9 @@ TEST_F(CudaCalls, TakeNoMemoryAndWaitForNothingTheSecondTime) {
   for (const bool hasPools : {true, false}) {
     SCOPED_TRACE(hasPools);
     driver_->devices[0].hasPools = hasPools;
-    const auto device = IL::OpenCudaDevice(0);
-    const auto source = MakeGPUFrame(device, KS::kBgraHalf, 33, 17, Space(9, 16));
-    PX::VideoFrameRef destination = MakeGPUFrame(device, KS::kBgraHalf, 33, 17, Space(1, 13));
+    const auto device = RefHost::OpenCudaDevice(0);
+    const auto source = MakeGPUFrame(device, RefHost::kBgraHalf, 33, 17, Space(9, 16));
+    PX::VideoFrameRef destination = MakeGPUFrame(device, RefHost::kBgraHalf, 33, 17, Space(1, 13));
     const auto settings = SettingsFor(Space(9, 16), Space(1, 13), ToneMapAlgorithmType::ITU2446A);
     ASSERT_EQ(Quillon::ApplyGamutMapping(source, settings, destination), 0) << Trace();
     ASSERT_EQ(device->Finish(), 0);
@@ -79,11 +79,21 @@ TEST_F(CudaCalls, TakeNoMemoryAndWaitForNothingTheSecondTime) {
   }
 }
 
+TEST_F(CudaCalls, ConvertInTheBlocksThatTheDeviceWants) {
+  const auto device = RefHost::OpenCudaDevice(0);
+  const auto source = MakeGPUFrame(device, RefHost::kBgraFloat, 33, 17, Space(9, 16));
+  const auto destination = MakeGPUFrame(device, RefHost::kBgraFloat, 33, 17, Space(1, 13));
+  ASSERT_EQ(KS::GPUFrameManipulators::CopyFrame(source, destination, 4, {}), 0) << Trace();
+  ASSERT_EQ(device->Finish(), 0);
+  ASSERT_EQ(Launched(), (std::multiset<std::string>{"ConvertPixels"}));
+  EXPECT_THAT(driver_->launches[0].sizes, ElementsAre(3, 2, 1, 16, 16, 1));
+}
+
 TEST_F(CudaCalls, EndBeforeAnyLaunchWhereFramesAreOnTwoDevices) {
-  const auto first = IL::OpenCudaDevice(0);
-  const auto second = IL::OpenCudaDevice(1);
-  const auto source = MakeGPUFrame(first, KS::kBgraFloat, 33, 17, Space(9, 8));
-  PX::VideoFrameRef destination = MakeGPUFrame(second, KS::kBgraFloat, 33, 17, Space(1, 13));
+  const auto first = RefHost::OpenCudaDevice(0);
+  const auto second = RefHost::OpenCudaDevice(1);
+  const auto source = MakeGPUFrame(first, RefHost::kBgraFloat, 33, 17, Space(9, 8));
+  PX::VideoFrameRef destination = MakeGPUFrame(second, RefHost::kBgraFloat, 33, 17, Space(1, 13));
   for (const auto algorithm :
        {ToneMapAlgorithmType::ITU2446A, ToneMapAlgorithmType::HuePreservationDesaturation,
         ToneMapAlgorithmType::None}) {
@@ -95,10 +105,10 @@ TEST_F(CudaCalls, EndBeforeAnyLaunchWhereFramesAreOnTwoDevices) {
 }
 
 TEST_F(CudaCalls, LaunchNoKernelOfTheEngineWhereFramesAreOnTwoDevices) {
-  const auto first = IL::OpenCudaDevice(0);
-  const auto second = IL::OpenCudaDevice(1);
-  const auto source = MakeGPUFrame(first, KS::kBgraFloat, 33, 17, Space(9, 16));
-  PX::VideoFrameRef destination = MakeGPUFrame(second, KS::kBgraFloat, 33, 17, Space(1, 13));
+  const auto first = RefHost::OpenCudaDevice(0);
+  const auto second = RefHost::OpenCudaDevice(1);
+  const auto source = MakeGPUFrame(first, RefHost::kBgraFloat, 33, 17, Space(9, 16));
+  PX::VideoFrameRef destination = MakeGPUFrame(second, RefHost::kBgraFloat, 33, 17, Space(1, 13));
   const auto settings = SettingsFor(Space(9, 16), Space(1, 13), ToneMapAlgorithmType::ITU2446A);
   EXPECT_LT(Quillon::ApplyGamutMapping(source, settings, destination), 0);
   EXPECT_EQ(first->Finish(), 0);
@@ -108,15 +118,15 @@ TEST_F(CudaCalls, LaunchNoKernelOfTheEngineWhereFramesAreOnTwoDevices) {
 }
 
 TEST_F(CudaCalls, OfTheThreadThatFailedFindItWhenTheResultIsFetched) {
-  const auto device = IL::OpenCudaDevice(0);
-  const auto source = MakeGPUFrame(device, KS::kBgraFloat, 33, 17, Space(9, 8));
-  PX::VideoFrameRef destination = MakeGPUFrame(device, KS::kBgraFloat, 33, 17, Space(1, 13));
+  const auto device = RefHost::OpenCudaDevice(0);
+  const auto source = MakeGPUFrame(device, RefHost::kBgraFloat, 33, 17, Space(9, 8));
+  PX::VideoFrameRef destination = MakeGPUFrame(device, RefHost::kBgraFloat, 33, 17, Space(1, 13));
   const auto settings = SettingsFor(Space(9, 8), Space(1, 13), ToneMapAlgorithmType::CARToneCurve);
   driver_->failingLater = "cuLaunchKernel";
   driver_->error = 700;
   ASSERT_EQ(Quillon::ApplyGamutMapping(source, settings, destination), 0) << "nobody waited yet";
   const auto picture =
-      MakeSystemFrame(KS::kBgraFloat, 33, 17, Space(1, 13), NotablePixels(33, 17, 1));
+      MakeSystemFrame(RefHost::kBgraFloat, 33, 17, Space(1, 13), NotablePixels(33, 17, 1));
   EXPECT_LT(KS::GPUFrameManipulators::CopyFrame(destination, picture, 4, {}), 0);
   EXPECT_TRUE(device->IsLost());
   EXPECT_LT(Quillon::ApplyGamutMapping(source, settings, destination), 0);

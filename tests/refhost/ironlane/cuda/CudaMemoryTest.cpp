@@ -8,8 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/Devices.h"
-#include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/cuda/CudaDevice.h"
 #include "tests/refhost/ironlane/cuda/CudaTest.h"
 
@@ -25,7 +25,7 @@ class CudaMemory : public CudaTest, public testing::WithParamInterface<bool> {
   void SetUp() override {
     CudaTest::SetUp();
     driver_->devices[0].hasPools = GetParam();
-    device_ = IL::OpenCudaDevice(0);
+    device_ = RefHost::OpenCudaDevice(0);
     ASSERT_NE(device_, nullptr);
   }
   void TearDown() override {
@@ -45,7 +45,7 @@ class CudaMemory : public CudaTest, public testing::WithParamInterface<bool> {
     return bytes;
   }
 
-  std::shared_ptr<IL::GPUDevice> device_;
+  std::shared_ptr<RefHost::GPUDevice> device_;
 };
 
 template <class Function>
@@ -144,7 +144,7 @@ TEST_P(CudaMemory, OfTwoThreadsIsWorkedOnAtTheSameTime) {
 
 TEST_P(CudaMemory, IsToldFromOtherFailuresWhereItIsUsedUp) {
   std::uint64_t pointer = 5;
-  EXPECT_EQ(device_->Allocate(std::size_t{1} << 50U, pointer), IL::kOutOfDeviceMemory);
+  EXPECT_EQ(device_->Allocate(std::size_t{1} << 50U, pointer), RefHost::kOutOfDeviceMemory);
   EXPECT_EQ(pointer, 5U);
   EXPECT_THAT(Trace(), HasSubstr("CUDA : cuMemAlloc : CUDA_ERROR_OUT_OF_MEMORY\r\n"));
   const std::uint64_t memory = Allocate();
@@ -158,7 +158,7 @@ class CudaPool : public CudaTest {};
 
 TEST_F(CudaPool, IsLeftAsItWasFound) {
   // Other users of the process have it too.
-  { const auto device = IL::OpenCudaDevice(0); }
+  { const auto device = RefHost::OpenCudaDevice(0); }
   EXPECT_EQ(driver_->calls["cuMemPoolSetAttribute"], 2);
   EXPECT_EQ(driver_->calls["cuMemPoolTrimTo"], 1);
 }
@@ -169,7 +169,7 @@ TEST_F(CudaPool, IsDoneWithoutWhereItCannotBeSetUp) {
     ForgetScriptedDriver();
     driver_->failing = function;
     driver_->error = 801;
-    const auto device = IL::OpenCudaDevice(0);
+    const auto device = RefHost::OpenCudaDevice(0);
     std::uint64_t memory = 0;
     EXPECT_EQ(device->Allocate(kBytes, memory), 0);
     device->Free(memory);
@@ -180,7 +180,7 @@ TEST_F(CudaPool, IsDoneWithoutWhereItCannotBeSetUp) {
 
 TEST_F(CudaPool, InListsGivesWayWhereTheDeviceHasNoMemoryLeft) {
   driver_->devices[0].hasPools = false;
-  const auto device = IL::OpenCudaDevice(0);
+  const auto device = RefHost::OpenCudaDevice(0);
   std::uint64_t memory = 0;
   ASSERT_EQ(device->Allocate(kBytes, memory), 0);
   device->Free(memory);
@@ -201,7 +201,7 @@ class CudaTransfers : public CudaTest {
 
   void SetUp() override {
     CudaTest::SetUp();
-    device_ = IL::OpenCudaDevice(0);
+    device_ = RefHost::OpenCudaDevice(0);
     ASSERT_EQ(device_->Allocate(kRowBytes * kRows, memory_), 0);
     std::iota(bytes_.begin(), bytes_.end(), std::uint8_t{0});
     for (std::size_t row = 0; row < kRows; ++row) bytes_[row * kRowBytes] ^= row;
@@ -219,11 +219,11 @@ class CudaTransfers : public CudaTest {
     EXPECT_EQ(device_->Download(memory_, back.data(), back.size()), 0);
     return back;
   }
-  static std::uint8_t* RowAt(const IL::RowRing& ring, std::size_t row) {
+  static std::uint8_t* RowAt(const RefHost::RowRing& ring, std::size_t row) {
     return reinterpret_cast<std::uint8_t*>(ring.memory + row % ring.rows * ring.rowBytes);
   }
 
-  std::shared_ptr<IL::GPUDevice> device_;
+  std::shared_ptr<RefHost::GPUDevice> device_;
   std::uint64_t memory_ = 0;
   std::vector<std::uint8_t> bytes_ = std::vector<std::uint8_t>(kRowBytes * kRows);
 };
@@ -231,7 +231,7 @@ class CudaTransfers : public CudaTest {
 TEST_F(CudaTransfers, FillRowsWhileThoseBeforeAreOnTheirWay) {
   std::vector<int> waits;
   std::vector<std::size_t> firsts;
-  const auto fill = [&](const IL::RowRing& ring, std::size_t first, std::size_t last) {
+  const auto fill = [&](const RefHost::RowRing& ring, std::size_t first, std::size_t last) {
     EXPECT_LT(ring.rows, kRows) << "no second copy of all";
     waits.push_back(driver_->waits);
     firsts.push_back(first);
@@ -251,7 +251,7 @@ TEST_F(CudaTransfers, TakeRowsWhileTheNextAreOnTheirWayAndThoseBeforeAreThere) {
   std::vector<std::uint8_t> back(bytes_.size());
   std::vector<int> begun;
   driver_->calls.clear();
-  const auto take = [&](const IL::RowRing& ring, std::size_t first, std::size_t last) {
+  const auto take = [&](const RefHost::RowRing& ring, std::size_t first, std::size_t last) {
     EXPECT_LT(ring.rows, kRows) << "no second copy of all";
     begun.push_back(driver_->calls["cuMemcpyDtoHAsync"]);
     const std::size_t before = first - std::min<std::size_t>(first, 64);
@@ -267,7 +267,7 @@ TEST_F(CudaTransfers, TakeRowsWhileTheNextAreOnTheirWayAndThoseBeforeAreThere) {
 
 TEST_F(CudaTransfers, EndWithTheCodeOfTheFunctionAndNothingOnItsWay) {
   int calls = 0;
-  const auto fail = [&](const IL::RowRing&, std::size_t, std::size_t) {
+  const auto fail = [&](const RefHost::RowRing&, std::size_t, std::size_t) {
     return ++calls == 3 ? -77 : 0;
   };
   EXPECT_EQ(device_->UploadRows(memory_, kRowBytes, kRows, fail), -77);
@@ -281,7 +281,7 @@ TEST_F(CudaTransfers, EndWithTheCodeOfTheFunctionAndNothingOnItsWay) {
 
 TEST_F(CudaTransfers, LeaveNothingOnItsWayWhereTheFunctionThrows) {
   int calls = 0;
-  const auto raise = [&](const IL::RowRing&, std::size_t, std::size_t) {
+  const auto raise = [&](const RefHost::RowRing&, std::size_t, std::size_t) {
     if (++calls == 2) throw std::runtime_error("no memory");
     return 0;
   };
@@ -304,7 +304,7 @@ TEST_F(CudaTransfers, EndWithTheFailureOfAnyCopyThatWasGivenBefore) {
         if (called == function && ++calls == nth) driver_->failingLater = function;
       };
       EXPECT_EQ(isUpload ? Upload() : device_->Download(memory_, back.data(), back.size()),
-                IL::kDeviceFailed);
+                RefHost::kDeviceFailed);
       EXPECT_THAT(Trace(), HasSubstr(isUpload ? "CUDA : an upload : CUDA_ERROR_NOT_SUPPORTED"
                                               : "CUDA : a download : CUDA_ERROR_NOT_SUPPORTED"));
       driver_->onCall = {};

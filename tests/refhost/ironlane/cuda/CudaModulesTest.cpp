@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "kernels/KernelModules.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/ironlane/Devices.h"
-#include "refhost/ironlane/ResultCodes.h"
 #include "refhost/ironlane/cuda/CudaDevice.h"
 #include "refhost/ironlane/cuda/PtxText.h"
 #include "tests/refhost/ironlane/cuda/CudaTest.h"
@@ -28,7 +28,7 @@ class CudaModules : public CudaTest {
   }
 
   static bool Load() {
-    const auto device = IL::OpenCudaDevice(0);
+    const auto device = RefHost::OpenCudaDevice(0);
     return device != nullptr &&
            device->LoadKernel("ToneMapMain", "ToneMapKernelITU2446A") != nullptr &&
            device->LoadKernel("ToneMapMain", "ToneMapKernelCARToneCurve") != nullptr;
@@ -93,7 +93,7 @@ TEST_F(CudaModules, AreNotKeptForADriverThatDoesNotTellItsVersion) {
 TEST_F(CudaModules, SayWhatTheLinkerSaidWhereTheyDoNotBuild) {
   driver_->failing = "cuLinkAddData";
   driver_->error = 801;
-  const auto device = IL::OpenCudaDevice(0);
+  const auto device = RefHost::OpenCudaDevice(0);
   EXPECT_EQ(device->LoadKernel("ToneMapMain", "ToneMapKernelITU2446A"), nullptr);
   EXPECT_THAT(Trace(), HasSubstr("CUDA : the kernels do not build : what the linker says\r\n"));
   EXPECT_NE(device->LoadKernel("ToneMapMain", "ToneMapKernelITU2446A"), nullptr) << "tried again";
@@ -103,7 +103,7 @@ TEST_F(CudaModules, SayWhatTheLinkerSaidWhereTheyDoNotBuild) {
 }
 
 TEST_F(CudaModules, ThatAreBuiltHoldUpNoLaunch) {
-  const auto device = IL::OpenCudaDevice(0);
+  const auto device = RefHost::OpenCudaDevice(0);
   std::uint64_t memory = 0;
   ASSERT_EQ(device->Allocate(kBytes, memory), 0);
   ASSERT_EQ(LaunchOn(*device, memory), 0);
@@ -163,8 +163,8 @@ TEST_F(CudaModules, AreNotLookedForOnDevicesThatTakeNone) {
   const auto obstacle = [&](int version, int major, int minor) {
     driver_->version = version;
     driver_->devices = {{.major = major, .minor = minor}};
-    const std::string said = IL::ListCudaDevices().at(0).obstacle;
-    EXPECT_EQ(IL::OpenCudaDevice(0) == nullptr, !said.empty());
+    const std::string said = RefHost::ListCudaDevices().at(0).obstacle;
+    EXPECT_EQ(RefHost::OpenCudaDevice(0) == nullptr, !said.empty());
     return said;
   };
   if (kernels::FindKernelModule("ToneMapMain")->ptx.back().find("sm_60") == std::string::npos) {
@@ -177,14 +177,15 @@ TEST_F(CudaModules, AreNotLookedForOnDevicesThatTakeNone) {
 }
 
 TEST(PtxNeeds, AreReadOffItsFirstLines) {
-  const auto needs = IL::NeedsOf("// by no compiler\n\n.version 8.5\n.target sm_90a, debug\n");
+  const auto needs = RefHost::NeedsOf("// by no compiler\n\n.version 8.5\n.target sm_90a, debug\n");
   ASSERT_TRUE(needs.has_value());
-  EXPECT_EQ(needs->driver, (IL::MajorMinor{12, 5}));
-  EXPECT_EQ(needs->capability, (IL::MajorMinor{9, 0}));
-  EXPECT_EQ(IL::NeedsOf("\n.version 9.0\n.target sm_121\n")->capability, (IL::MajorMinor{12, 1}));
+  EXPECT_EQ(needs->driver, (RefHost::MajorMinor{12, 5}));
+  EXPECT_EQ(needs->capability, (RefHost::MajorMinor{9, 0}));
+  EXPECT_EQ(RefHost::NeedsOf("\n.version 9.0\n.target sm_121\n")->capability,
+            (RefHost::MajorMinor{12, 1}));
   for (const char* text :
        {"", "\n.version 8\n.target sm_90\n", "\n.version 8.5\n", "\n.version x.y\n"}) {
-    EXPECT_FALSE(IL::NeedsOf(text).has_value()) << text;
+    EXPECT_FALSE(RefHost::NeedsOf(text).has_value()) << text;
   }
 }
 
@@ -194,7 +195,7 @@ TEST_F(FirstDevice, IsTheNextWhereKernelsDoNotBuildOnOne) {
   driver_->devices = {{.name = "Old", .major = 5}, {.name = "Broken"}, {.name = "Good"}};
   driver_->failing = "cuLinkAddData";
   driver_->error = 801;
-  const auto device = IL::OpenFirstDevice();
+  const auto device = RefHost::OpenFirstDevice();
   ASSERT_NE(device, nullptr);
   EXPECT_EQ(device->Info().name, "Good");
   EXPECT_THAT(Trace(), HasSubstr("CUDA : Old cannot be used"));
@@ -202,13 +203,13 @@ TEST_F(FirstDevice, IsTheNextWhereKernelsDoNotBuildOnOne) {
 
 TEST(OrderOfChoice, HasGPUsBeforeProcessors) {
   const auto info = [](const char* name, bool isProcessor) {
-    IL::DeviceInfo made;
+    RefHost::DeviceInfo made;
     made.name = name;
     made.isProcessor = isProcessor;
     return made;
   };
   std::vector<std::string> names;
-  for (const auto& device : IL::InOrderOfChoice(
+  for (const auto& device : RefHost::InOrderOfChoice(
            {info("a", true), info("b", false), info("c", true), info("d", false)})) {
     names.push_back(device.name);
   }

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "host/os/DynamicLibrary.h"
-#include "refhost/ironlane/ResultCodes.h"
+#include "refhost/ResultCodes.h"
 #include "refhost/orvcore/TraceSettings.h"
 #include "tests/refhost/ironlane/CacheHome.h"
 
@@ -34,8 +34,8 @@ void ForgetScriptedDriver() { FindInDriver<void()>("ResetScriptedDriver")(); }
 CudaTest::CudaTest() {
   fs::remove_all(cache_);
   SetCacheHome(cache_);
-  orvcore::debug::SetTraceLevel(7);
-  orvcore::debug::SetTraceSink([this](int, std::string_view, std::string_view text) {
+  RefHost::SetTraceLevel(7);
+  RefHost::SetTraceSink([this](int, std::string_view, std::string_view text) {
     const std::lock_guard lock(mutex_);
     trace_ += text;
   });
@@ -43,8 +43,8 @@ CudaTest::CudaTest() {
 }
 
 CudaTest::~CudaTest() {
-  orvcore::debug::SetTraceSink({});
-  orvcore::debug::SetTraceLevel(0);
+  RefHost::SetTraceSink({});
+  RefHost::SetTraceLevel(0);
   fs::remove_all(cache_);
 }
 
@@ -77,9 +77,9 @@ std::ptrdiff_t CudaTest::KeptBinaries() const {
   return fs::exists(folder) ? std::distance(fs::directory_iterator(folder), {}) : 0;
 }
 
-int LaunchOn(IL::GPUDevice& device, std::uint64_t memory) {
+int LaunchOn(RefHost::GPUDevice& device, std::uint64_t memory) {
   const auto kernel = device.LoadKernel("ToneMapMain", "GamutCompressionKernelReinhard");
-  if (kernel == nullptr) return device.IsLost() ? IL::kDeviceLost : IL::kDeviceFailed;
+  if (kernel == nullptr) return device.IsLost() ? RefHost::kDeviceLost : RefHost::kDeviceFailed;
   orvcore::classref::InterfaceRef<IL::IArgumentSet> arguments;
   if (const int code = device.CreateArguments(kernel, 20, arguments); code < 0) return code;
   const Quillon::GPUFrameDescriptor frame = {.devicePointer = memory,
@@ -102,7 +102,7 @@ int LaunchOn(IL::GPUDevice& device, std::uint64_t memory) {
   return device.Launch(kernel, arguments, 3, 2, 16, 8, 0);
 }
 
-int UseDevice(IL::GPUDevice& device) {
+int UseDevice(RefHost::GPUDevice& device) {
   std::uint64_t memory = 0;
   std::uint64_t other = 0;
   std::vector<char> bytes(kBytes, 'x');

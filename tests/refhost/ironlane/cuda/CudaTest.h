@@ -44,11 +44,12 @@ class CudaTest : public ::testing::Test {
 inline constexpr std::size_t kBytes = 4096;
 
 /// Launches a kernel with six arguments over a frame of 4 by 16 floats: 0 or a negative code.
-int LaunchOn(IL::GPUDevice& device, std::uint64_t memory);
+int LaunchOn(RefHost::GPUDevice& device, std::uint64_t memory);
 
 /// Everything that is done with a device, in order; the first negative code ends it.
-int UseDevice(IL::GPUDevice& device);
+int UseDevice(RefHost::GPUDevice& device);
 
 /// For tests that need kernels.
+inline constexpr const char* kNeedsPtx = "needs nvcc or clang++, which CMake did not find";
 #define QUILLON_NEEDS_PTX() \
-  if (!IL::IsBuiltForCuda()) GTEST_SKIP() << "needs nvcc or clang++, which CMake did not find"
+  if (!RefHost::IsBuiltForCuda()) GTEST_SKIP() << kNeedsPtx

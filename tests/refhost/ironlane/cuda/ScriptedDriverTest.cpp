@@ -25,7 +25,7 @@ class ScriptedDriver : public CudaTest {
   void SetUp() override {
     CudaTest::SetUp();
     driver_->devices.resize(2);
-    api_ = IL::GetCudaApi();
+    api_ = RefHost::GetCudaApi();
     for (std::size_t i = 0; i < contexts_.size(); ++i) {
       ASSERT_EQ(api_->DeviceGet(&ids_[i], static_cast<int>(i)), 0);
       ASSERT_EQ(api_->DevicePrimaryCtxRetain(&contexts_[i], ids_[i]), 0);
@@ -34,13 +34,13 @@ class ScriptedDriver : public CudaTest {
       ASSERT_EQ(api_->MemAlloc(&memory_[i], kBytes), 0);
     }
     // The first one is current, over nothing.
-    IL::CudaContextHandle popped = nullptr;
+    RefHost::CudaContextHandle popped = nullptr;
     ASSERT_EQ(api_->CtxPopCurrent(&popped), 0);
   }
   void TearDown() override {
-    IL::CudaContextHandle popped = nullptr;
+    RefHost::CudaContextHandle popped = nullptr;
     while (driver_->current > 0) api_->CtxPopCurrent(&popped);
-    for (const IL::CudaDeviceId id : ids_) api_->DevicePrimaryCtxRelease(id);
+    for (const RefHost::CudaDeviceId id : ids_) api_->DevicePrimaryCtxRelease(id);
     ExpectNothingHeld();
     CudaTest::TearDown();
   }
@@ -52,32 +52,32 @@ class ScriptedDriver : public CudaTest {
     driver_->refusals.clear();
   }
 
-  IL::CudaFunction Kernel() {
+  RefHost::CudaFunction Kernel() {
     const std::string text =
         "\x7F"
         "CUBIN 90 " +
         std::string(Ptx());
     EXPECT_EQ(api_->ModuleLoadData(&module_, text.c_str()), 0);
-    IL::CudaFunction function = nullptr;
+    RefHost::CudaFunction function = nullptr;
     EXPECT_EQ(api_->ModuleGetFunction(&function, module_, "GamutCompressionKernelReinhard"), 0);
     return function;
   }
   static std::string_view Ptx() { return kernels::FindKernelModule("ToneMapMain")->ptx.back(); }
 
-  const IL::CudaApi* api_ = nullptr;
-  std::array<IL::CudaDeviceId, 2> ids_{};
-  std::array<IL::CudaContextHandle, 2> contexts_{};
-  std::array<IL::CudaStream, 2> streams_{};
+  const RefHost::CudaApi* api_ = nullptr;
+  std::array<RefHost::CudaDeviceId, 2> ids_{};
+  std::array<RefHost::CudaContextHandle, 2> contexts_{};
+  std::array<RefHost::CudaStream, 2> streams_{};
   std::array<std::uint64_t, 2> memory_{};
-  IL::CudaModule module_ = nullptr;
+  RefHost::CudaModule module_ = nullptr;
 };
 
 TEST_F(ScriptedDriver, RefusesContextsThatAreNullForeignOrNotCurrent) {
   int foreign = 0;
   ExpectRefused(api_->CtxPushCurrent(nullptr), kInvalidContext);
-  ExpectRefused(api_->CtxPushCurrent(reinterpret_cast<IL::CudaContextHandle>(&foreign)),
+  ExpectRefused(api_->CtxPushCurrent(reinterpret_cast<RefHost::CudaContextHandle>(&foreign)),
                 kInvalidContext);
-  IL::CudaContextHandle popped = nullptr;
+  RefHost::CudaContextHandle popped = nullptr;
   EXPECT_EQ(api_->CtxPopCurrent(&popped), 0);
   EXPECT_EQ(popped, contexts_[0]);
   ExpectRefused(api_->CtxPopCurrent(&popped), kInvalidContext);
@@ -87,7 +87,7 @@ TEST_F(ScriptedDriver, RefusesContextsThatAreNullForeignOrNotCurrent) {
 }
 
 TEST_F(ScriptedDriver, CountsWhoRetainsAContext) {
-  IL::CudaContextHandle again = nullptr;
+  RefHost::CudaContextHandle again = nullptr;
   ASSERT_EQ(api_->DevicePrimaryCtxRetain(&again, ids_[0]), 0);
   EXPECT_EQ(again, contexts_[0]);
   ASSERT_EQ(api_->DevicePrimaryCtxRelease(ids_[0]), 0);
@@ -118,7 +118,7 @@ TEST_F(ScriptedDriver, RefusesMemoryOfAnotherDeviceAndBeyondItsEnd) {
 
 TEST_F(ScriptedDriver, RefusesLaunchesThatDoNotFit) {
   QUILLON_NEEDS_PTX();
-  IL::CudaFunction kernel = Kernel();
+  RefHost::CudaFunction kernel = Kernel();
   std::array<std::uint64_t, 4> frame = {memory_[0], 4, 16, 0};
   std::uint64_t value = 0;
   std::array<void*, 8> arguments = {frame.data(), &value, &value, &value, &value, &value};
@@ -141,7 +141,7 @@ TEST_F(ScriptedDriver, RefusesLaunchesThatDoNotFit) {
 
 TEST_F(ScriptedDriver, DoesWorkWhenItIsWaitedForAndEndsContextsWhereItFails) {
   QUILLON_NEEDS_PTX();
-  IL::CudaFunction kernel = Kernel();
+  RefHost::CudaFunction kernel = Kernel();
   std::array<std::uint64_t, 4> frame = {memory_[1], 4 + (std::uint64_t{16} << 32U),
                                         4 + (std::uint64_t{1} << 32U), 0};
   std::uint64_t value = 0;

@@ -1,4 +1,0 @@
-#pragma once
-
-// The descriptor is part of the host contract, which kernels read too.
-#include "host/ironlane/GPUFrameDescriptor.h"

@@ -1,7 +1,0 @@
-#include "host/orvmediatypes/ToneMapControls.h"
-
-namespace orvmediatypes::color {
-
-std::int32_t ToneMapControls::GetVersion() const { return version; }
-
-}  // namespace orvmediatypes::color
