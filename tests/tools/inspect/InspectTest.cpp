@@ -95,7 +95,8 @@ ClipLevels LevelsOf(double peak, std::size_t frames = 1) {
   levels.peak = peak;
   levels.average = peak / 2.0;
   levels.percentiles = {peak, peak, peak, peak};
-  return {"", 203, std::vector<FrameLevels>(frames, levels)};
+  levels.steadyPeak = peak;
+  return {"", 203, 99.99, std::vector<FrameLevels>(frames, levels)};
 }
 
 ClipTags PQTags(float maxCll, float maxFall) {
@@ -159,7 +160,7 @@ TEST(ClipScenes, HaveAPeakThatNoFrameExceedsAndCoverTheClip) {
     EXPECT_EQ(scene.first, next);
     EXPECT_GE(scene.count, 12);
     for (std::int64_t i = 0; i < scene.count; ++i) {
-      EXPECT_LE(levels[static_cast<std::size_t>(next + i)].SteadyPeak(), scene.peak);
+      EXPECT_LE(levels[static_cast<std::size_t>(next + i)].steadyPeak, scene.peak);
     }
     next += scene.count;
   }

@@ -14,12 +14,12 @@ using nlohmann::json;
 
 namespace {
 
-constexpr int kVersion = 1;
+constexpr int kVersion = 2;
 
 json ToJson(const FrameLevels& levels) {
   return {levels.peak,           levels.average,        levels.percentiles[0],
           levels.percentiles[1], levels.percentiles[2], levels.percentiles[3],
-          levels.change};
+          levels.steadyPeak,     levels.change};
 }
 
 FrameLevels FromJson(const json& row) {
@@ -27,7 +27,8 @@ FrameLevels FromJson(const json& row) {
   levels.peak = row.at(0);
   levels.average = row.at(1);
   for (std::size_t i = 0; i < levels.percentiles.size(); ++i) levels.percentiles[i] = row.at(i + 2);
-  levels.change = row.at(6);
+  levels.steadyPeak = row.at(6);
+  levels.change = row.at(7);
   return levels;
 }
 
@@ -35,7 +36,7 @@ FrameLevels FromJson(const json& row) {
 
 double ClipLevels::SteadyPeak() const {
   double peak = 0.0;
-  for (const FrameLevels& frame : frames) peak = std::max(peak, frame.SteadyPeak());
+  for (const FrameLevels& frame : frames) peak = std::max(peak, frame.steadyPeak);
   return peak;
 }
 
@@ -56,16 +57,16 @@ std::filesystem::path LevelsFileOf(const std::filesystem::path& clip) {
 }
 
 std::optional<ClipLevels> LoadLevels(const std::filesystem::path& clip,
-                                     const std::string& colorSpace, int white) {
+                                     const std::string& colorSpace, int white, double percent) {
   std::ifstream file(LevelsFileOf(clip), std::ios::binary);
   const json kept = json::parse(file, nullptr, false);
   try {
     if (kept.is_discarded() || kept.at("version") != kVersion ||
         kept.at("clip") != FileIdentity(clip) || kept.at("color_space") != colorSpace ||
-        kept.at("white_nits") != white) {
+        kept.at("white_nits") != white || kept.at("steady_percent") != percent) {
       return std::nullopt;
     }
-    ClipLevels levels{colorSpace, white, {}};
+    ClipLevels levels{colorSpace, white, percent, {}};
     for (const json& row : kept.at("frames")) levels.frames.push_back(FromJson(row));
     return levels;
   } catch (const json::exception&) {
@@ -76,16 +77,18 @@ std::optional<ClipLevels> LoadLevels(const std::filesystem::path& clip,
 void SaveLevels(const std::filesystem::path& clip, const ClipLevels& levels) {
   json rows = json::array();
   for (const FrameLevels& frame : levels.frames) rows.push_back(ToJson(frame));
-  const json kept = {{"version", kVersion},
-                     {"clip", FileIdentity(clip)},
-                     {"color_space", levels.colorSpace},
-                     {"white_nits", levels.white},
-                     {"columns",
-                      {"peak_nits", "average_nits", "percentile_50_nits", "percentile_90_nits",
-                       "percentile_99_nits", "percentile_99_99_nits", "change_stops"}},
-                     {"max_cll_nits", levels.MaxCll()},
-                     {"max_fall_nits", levels.MaxFall()},
-                     {"frames", rows}};
+  const json kept = {
+      {"version", kVersion},
+      {"clip", FileIdentity(clip)},
+      {"color_space", levels.colorSpace},
+      {"white_nits", levels.white},
+      {"steady_percent", levels.percent},
+      {"columns",
+       {"peak_nits", "average_nits", "percentile_50_nits", "percentile_90_nits",
+        "percentile_99_nits", "percentile_99_99_nits", "steady_peak_nits", "change_stops"}},
+      {"max_cll_nits", levels.MaxCll()},
+      {"max_fall_nits", levels.MaxFall()},
+      {"frames", rows}};
   const std::string text = kept.dump(1) + "\n";
   WriteTargetFile(LevelsFileOf(clip),
                   std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()), true);

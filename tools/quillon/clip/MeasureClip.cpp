@@ -28,13 +28,13 @@ ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
   const bool isSequence = source->Input() == nullptr;
   const std::string name = DescribeColorSpace(request.colorsOf(source->Info().tags));
   if (!isSequence) {
-    if (auto kept = LoadLevels(request.clip, name, request.white)) return *kept;
+    if (auto kept = LoadLevels(request.clip, name, request.white, request.percent)) return *kept;
   }
 
   const InterruptGuard interrupt;
   Progress progress(request.progress, "measure", source->Info().frames);
-  LevelMeter meter(request.white);
-  ClipLevels levels{name, request.white, {}};
+  LevelMeter meter(request.white, request.percent);
+  ClipLevels levels{name, request.white, request.percent, {}};
   ProgressStep step;
   while (const auto next = source->Next()) {
     // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it

@@ -58,7 +58,9 @@ void CheckLutOptions(const LutOptions& options) {
   CheckTargetFile(options.output, options.overwrite);
 }
 
-PlannedPicture PlanFor(const std::vector<Signal>& signals, const MappingOptions& options) {
+PlannedPicture PlanFor(const std::vector<Signal>& signals, MappingOptions options) {
+  // There is no picture to measure.
+  if (options.peak.from == PeakSource::Default) options.peak.from = PeakSource::Metadata;
   return PlanPicture(options, kLattice, FrameOfSignals(signals, ColorSpace(SourceOf(options))));
 }
 

@@ -41,12 +41,18 @@ ClipMapper::ClipMapper(const MapOptions& options, const ClipTags& tags,
       peakNits_(plan_.Decide().sourcePeak.nits) {
   if (options.mapping.peak.from == PeakSource::Scenes && levels_) {
     scenes_ = FindScenes(levels_->frames, kShortestScene);
+    const ColorDescription& colors = Mapper::SourceColors(plan_);
+    for (ClipScene& scene : scenes_) {
+      scene.peak = HeldPeak(scene.peak, colors, options.mapping.settings.white);
+    }
   }
 }
 
 ContentLight ClipMapper::KnownLight() const {
   if (!levels_) return tags_.light;
-  return {static_cast<float>(levels_->SteadyPeak()), static_cast<float>(levels_->MaxFall())};
+  double peak = 0.0;
+  for (const FrameLevels& frame : levels_->frames) peak = std::max(peak, frame.percentiles.back());
+  return {static_cast<float>(peak), static_cast<float>(levels_->MaxFall())};
 }
 
 void ClipMapper::FollowTags(const ClipPicture& picture) {

@@ -179,8 +179,8 @@ std::unique_ptr<OutputLock> LockOutput(const MapOptions& options, const ClipRun&
 /// Whether the peak of pictures that are tagged so has to be measured.
 bool NeedsMeasuring(const MapOptions& options, const Mapper::Source& tagged) {
   bool measures = false;
-  ChooseSourcePeak(options.mapping.peak, options.input, tagged, options.mapping.settings.white,
-                   [&measures] {
+  ChooseSourcePeak(options.mapping.peak, options.input, tagged, PictureKind::Clip,
+                   options.mapping.settings.white, [&measures] {
                      measures = true;
                      return 0.0;
                    });
@@ -197,6 +197,7 @@ std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const Cl
   request.clip = options.input;
   request.sequenceRate = SequenceRate(options);
   request.white = options.mapping.settings.white;
+  request.percent = options.mapping.peak.percent;
   request.maxPixels = options.maxPixels;
   request.progress =
       options.quiet ? ProgressStyle::None : options.clip.progress.value_or(ProgressStyle::Auto);

@@ -4,6 +4,7 @@
 
 #include "mapper/Device.h"
 #include "mapper/Mapping.h"
+#include "mapper/Picture.h"
 #include "tools/quillon/options/SourceTags.h"
 
 namespace Quillon::Cli {
@@ -14,7 +15,8 @@ enum class PeakSource { Default, Number, Metadata, Measure, Scenes };
 /// --peak.
 struct PeakOptions {
   PeakSource from = PeakSource::Default;
-  double nits = 0.0;  ///< where `from` is `Number`
+  double nits = 0.0;                        ///< where `from` is `Number`
+  double percent = Mapper::kSteadyPercent;  ///< where it is measured
 };
 
 /// How pictures are to be mapped, each value checked on its own: what `quillon map` and the

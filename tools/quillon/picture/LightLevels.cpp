@@ -1,18 +1,12 @@
 #include "tools/quillon/picture/LightLevels.h"
 
-#include "mapper/Frames.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/process/MapperErrors.h"
 
 namespace Quillon::Cli {
 
-LightLevels MeasureLightLevels(const PX::VideoFrameRef& frame, int white) {
-  return ValueOf(Mapper::MeasureLight(frame, white));
-}
-
-std::int64_t ForEachLight(const PX::VideoFrameRef& frame, int white,
-                          const std::function<void(std::span<const float>)>& useRow) {
-  return ValueOf(Mapper::ForEachLight(frame, white, useRow));
+LightLevels MeasureLightLevels(const PX::VideoFrameRef& frame, int white, double percent) {
+  return ValueOf(Mapper::MeasureLight(frame, white, percent));
 }
 
 ContentLight LightOfResult(const PX::VideoFrameRef& result, int white) {

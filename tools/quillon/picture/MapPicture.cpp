@@ -1,8 +1,11 @@
 #include "tools/quillon/picture/MapPicture.h"
 
+#include <algorithm>
+#include <sstream>
 #include <utility>
 
 #include "mapper/Frames.h"
+#include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/picture/Frames.h"
 #include "tools/quillon/picture/LightLevels.h"
 #include "tools/quillon/process/ExitCodes.h"
@@ -13,9 +16,12 @@ namespace Quillon::Cli {
 using Mapper::Plan;
 using Mapper::Source;
 using Mapper::SourcePeak;
+using orvmediatypes::color::ColorDescription;
 using orvmediatypes::color::ColorSpace;
 
 namespace {
+
+constexpr double kPQNits = 10000.0;
 
 Source Tagged(const MappingOptions& options, const std::filesystem::path& path,
               const Source& file) {
@@ -23,11 +29,19 @@ Source Tagged(const MappingOptions& options, const std::filesystem::path& path,
 }
 
 Plan PlanTagged(const MappingOptions& options, const std::filesystem::path& path,
-                const Source& source, std::shared_ptr<Mapper::Device> device,
+                const Source& source, PictureKind kind, std::shared_ptr<Mapper::Device> device,
                 const PeakMeasurement& measurePeak) {
   const SourcePeak peak =
-      ChooseSourcePeak(options.peak, path, source, options.settings.white, measurePeak);
+      ChooseSourcePeak(options.peak, path, source, kind, options.settings.white, measurePeak);
   return ValueOf(Plan::Make(source, options.target, options.settings, peak, std::move(device)));
+}
+
+/// Nothing for the percentile that is usual.
+std::string PercentText(double percent) {
+  if (percent == Mapper::kSteadyPercent) return {};
+  std::ostringstream text;
+  text << " at " << percent << " %";
+  return text.str();
 }
 
 }  // namespace
@@ -47,33 +61,41 @@ std::shared_ptr<Mapper::Device> RequireDevice(const std::string& name) {
                          "; 'quillon devices' lists those there are");
 }
 
+double HeldPeak(double measuredNits, const ColorDescription& colors, int white) {
+  if (colors.transfer == H273::kTransferPQ) return std::min(measuredNits, kPQNits);
+  if (colors.transfer != H273::kTransferHLG) return measuredNits;
+  const auto nominal = Mapper::NominalPeak(colors, white);
+  return nominal ? std::min(measuredNits, nominal->nits) : measuredNits;
+}
+
 SourcePeak ChooseSourcePeak(const PeakOptions& options, const std::filesystem::path& path,
-                            const Source& source, int white, const PeakMeasurement& measurePeak) {
-  switch (options.from) {
-    case PeakSource::Number:
-      return {options.nits, "given"};
-    case PeakSource::Measure:
-      return {measurePeak(), "measured"};
-    case PeakSource::Scenes:
-      return {measurePeak(), "measured, scene by scene"};
-    case PeakSource::Metadata:
-    case PeakSource::Default:
-      break;
-  }
+                            const Source& source, PictureKind kind, int white,
+                            const PeakMeasurement& measurePeak) {
+  const auto measured = [&](const char* byScenes) {
+    return SourcePeak{HeldPeak(measurePeak(), source.colors, white),
+                      "measured" + PercentText(options.percent) + byScenes};
+  };
+  if (options.from == PeakSource::Number) return {options.nits, "given"};
+  if (options.from == PeakSource::Measure) return measured("");
+  if (options.from == PeakSource::Scenes) return measured(", scene by scene");
   if (const auto peak = MetadataPeak(source)) return *peak;
-  if (const auto peak = Mapper::NominalPeak(source.colors, white)) return *peak;
+  const bool isMeasured = kind == PictureKind::Still && options.from == PeakSource::Default &&
+                          source.colors.transfer == H273::kTransferPQ;
+  const auto nominal = Mapper::NominalPeak(source.colors, white);
+  if (nominal && !isMeasured) return *nominal;
   if (options.from == PeakSource::Metadata) {
     throw CommandError(ExitCode::Usage, path.string() +
                                             " carries no light-level metadata; use --peak "
                                             "measure, or --peak with a number of nits");
   }
-  return {measurePeak(), "measured"};
+  return measured("");
 }
 
 Plan PlanPictures(const MappingOptions& options, const std::filesystem::path& path,
                   const Source& file, const PeakMeasurement& measurePeak) {
   auto device = RequireDevice(options.device);
-  return PlanTagged(options, path, Tagged(options, path, file), std::move(device), measurePeak);
+  return PlanTagged(options, path, Tagged(options, path, file), PictureKind::Clip,
+                    std::move(device), measurePeak);
 }
 
 PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem::path& path,
@@ -84,8 +106,11 @@ PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem:
   const int white = options.settings.white;
   const PX::VideoFrameRef floats = ConvertToFloat(
       frame, Mapper::MappingColorSpace(source.colors, options.settings.algorithm), white);
-  const auto measurePeak = [&] { return MeasureLightLevels(floats, white).peakNits; };
-  return {PlanTagged(options, path, source, std::move(device), measurePeak), floats};
+  const auto measurePeak = [&] {
+    return MeasureLightLevels(frame, white, options.peak.percent).steadyPeakNits;
+  };
+  return {PlanTagged(options, path, source, PictureKind::Still, std::move(device), measurePeak),
+          floats};
 }
 
 PX::VideoFrameRef MapPicture(const PlannedPicture& picture, const std::string& name) {

@@ -18,16 +18,24 @@ std::shared_ptr<Mapper::Device> RequireDevice(const std::string& name);
 /// Measures the peak of what is to be mapped, in nits.
 using PeakMeasurement = std::function<double()>;
 
+/// A still costs little to measure, a clip a pass over all of it.
+enum class PictureKind { Still, Clip };
+
 /// The peak to map from: what the options say; without that the file's metadata (MaxCLL, else the
-/// mastering display's peak), else measured for scene-linear pictures, else the transfer's nominal
-/// peak. `path` is what messages call the picture. Throws CommandError, and what the measurement
-/// throws.
+/// mastering display's peak), else measured for scene-linear pictures and PQ stills, else the
+/// transfer's nominal peak. `path` is what messages call the picture. Throws CommandError, and what
+/// the measurement throws.
 Mapper::SourcePeak ChooseSourcePeak(const PeakOptions& options, const std::filesystem::path& path,
-                                    const Mapper::Source& source, int white,
+                                    const Mapper::Source& source, PictureKind kind, int white,
                                     const PeakMeasurement& measurePeak);
 
-/// Resolves the options for pictures whose file says `file`, as the options override it;
-/// `measurePeak` is called where the peak has to be measured. Throws CommandError.
+/// A measured peak as pictures in these colours are mapped from it: PQ has no light above 10000
+/// nits and HLG none above the peak of its display, whatever lies above their full scale.
+double HeldPeak(double measuredNits, const orvmediatypes::color::ColorDescription& colors,
+                int white);
+
+/// Resolves the options for the pictures of a clip whose file says `file`, as the options override
+/// it; `measurePeak` is called where the peak has to be measured. Throws CommandError.
 Mapper::Plan PlanPictures(const MappingOptions& options, const std::filesystem::path& path,
                           const Mapper::Source& file, const PeakMeasurement& measurePeak);
 
@@ -37,7 +45,7 @@ struct PlannedPicture {
   PX::VideoFrameRef frame;
 };
 
-/// Resolves the options for one picture, whose colour space is what its file says and becomes what
+/// Resolves the options for one still, whose colour space is what its file says and becomes what
 /// the options make of it. Throws CommandError.
 PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem::path& path,
                            const PX::VideoFrameRef& frame, const Mapper::ContentLight& light = {});
