@@ -115,7 +115,7 @@ Result<Plan> Plan::Make(const Source& source, const Target& target, const Settin
                         std::shared_ptr<Device> device) {
   if (!TellsColors(source.colors)) return UntoldColors(source);
   auto peak = MetadataPeak(source);
-  if (!peak) peak = NominalPeak(source.colors, settings.white);
+  if (!peak) peak = NominalPeak(BelieveLight(source).source.colors, settings.white);
   if (!peak) {
     return Error{Code::UnknownPeak,
                  "nothing says how bright " + DescribeColorSpace(source.colors) +

@@ -118,8 +118,14 @@ TEST(Inspect, WarnsWhereTagsAndContentDisagree) {
                           "average"));
   EXPECT_THAT(FindDisagreements(PQTags(0, 0), LevelsOf(99)),
               ElementsAre(HasSubstr("it is tagged PQ, but never passes 100 nits")));
-  EXPECT_THAT(FindDisagreements(PQTags(100, 200), std::nullopt),
-              ElementsAre("MaxFALL (200 nits) is above MaxCLL (100 nits)"));
+  EXPECT_THAT(
+      FindDisagreements(PQTags(100, 200), std::nullopt),
+      ElementsAre("a MaxCLL of 100 nits (less than MaxFALL, 200) cannot be and is ignored"));
+  ClipTags dark = PQTags(0, 0);
+  dark.colors.masteringMaxLuminance = 0.1F;
+  EXPECT_THAT(
+      FindDisagreements(dark, std::nullopt),
+      ElementsAre("a mastering display of 0.1 nits (less than 50) cannot be and is ignored"));
   ClipTags sdr = PQTags(1000, 0);
   sdr.colors.transfer = H273::kTransferBT709;
   EXPECT_THAT(FindDisagreements(sdr, std::nullopt),

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "curves/St2084.h"
+#include "refhost/orvmediatypes/H273.h"
 #include "tests/tools/RunQuillon.h"
 #include "tests/tools/io/StillTestSupport.h"
 #include "tests/tools/video/ClipFiles.h"
@@ -17,6 +18,7 @@ namespace {
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 using ::testing::Not;
 
 constexpr int kSide = 200;  // 40000 pixels: 4 of them are one in ten thousand
@@ -35,6 +37,29 @@ class SourcePeak : public ::testing::Test {
     if (transfer == kLinear) output.depth = 32;
     WriteStill(output, folder_ / name);
     return folder_ / name;
+  }
+
+  /// Writes a PQ picture of 812 nits that says this of its light.
+  std::string Tagged812(const std::string& name, float masteringNits, ContentLight light) {
+    const auto code = static_cast<float>(EncodeSt2084(812.0));
+    StillOutput output;
+    auto colors = Tagged(9, kPQ).Description();
+    colors.masteringMaxLuminance = masteringNits;
+    colors.masteringChromaticities = *H273::ChromaticitiesOf(Tagged(9, kPQ));
+    output.frame =
+        MakePicture(kSide, kSide, orvmediatypes::color::ColorSpace(colors), [code](int, int) {
+          return Rgb{code, code, code};
+        });
+    output.light = light;
+    WriteStill(output, folder_ / name);
+    return folder_ / name;
+  }
+
+  /// What a run warns of.
+  std::string Warned(const std::string& file, const std::vector<std::string>& options = {}) {
+    std::vector<std::string> words = {"map", "--overwrite", file, folder_ / "out.png"};
+    words.insert(words.end(), options.begin(), options.end());
+    return RunQuillon(words).err;
   }
 
   std::string Explained(const std::string& file, const std::vector<std::string>& options = {}) {
@@ -141,4 +166,38 @@ TEST_F(SourcePeak, ThatIsMeasuredAndNotAboveWhiteLeavesThePictureAlone) {
   ASSERT_EQ(RunQuillon({"map", "--algorithm", "none", gradient, folder_ / "none.png"}).exitCode, 0);
   EXPECT_EQ(ReadFile(folder_ / "out.png"), ReadFile(folder_ / "none.png"));
   EXPECT_THAT(Explained(gradient, {"--peak", "measure:100"}), HasSubstr("knee"));
+}
+
+TEST_F(SourcePeak, IsNotThatOfAMasteringDisplayThatCannotBe) {
+  EXPECT_THAT(
+      Warned(Tagged812("dark.png", 0.1F, {})),
+      AllOf(HasSubstr("warning: the source tells a mastering display of 0.1 nits (less than "
+                      "50), which cannot be and is ignored; it is mapped from a peak of 812"),
+            HasSubstr("(measured)")));
+  EXPECT_THAT(Warned(Tagged812("dim.png", 300.0F, {0.0F, 400.0F})),
+              HasSubstr("a mastering display of 300 nits (less than MaxFALL, 400), which cannot"));
+  EXPECT_THAT(
+      Warned(Tagged812("low.png", 600.0F, {100.0F, 400.0F})),
+      AllOf(HasSubstr("a MaxCLL of 100 nits (less than MaxFALL, 400), which cannot be and "
+                      "is ignored; it is mapped from a peak of 600 nits (mastering display"),
+            Not(HasSubstr("tells a mastering display"))));
+  EXPECT_THAT(Warned(Tagged812("fine.png", 50.0F, {0.0F, 50.0F})), IsEmpty());
+  EXPECT_THAT(Explained(folder_ / "fine.png"), HasSubstr("source peak       50 nits"));
+  EXPECT_THAT(Warned(folder_ / "dark.png", {"--quiet"}), IsEmpty());
+}
+
+TEST_F(SourcePeak, OfAClipIsNotThatOfAMasteringDisplayThatCannotBeEither) {
+  Encoding encoding = GreyEncoding();
+  encoding.tags.colors.masteringMaxLuminance = 0.1F;
+  encoding.tags.colors.masteringChromaticities = *H273::ChromaticitiesOf(Tagged(9, kPQ));
+  encoding.tags.light = {100.0F, 400.0F};
+  WriteGreyClip(folder_ / "clip.mkv", encoding, 2, 573);
+  const RunResult run = RunQuillon({"map", "--to", "bt2100-pq", "--target-peak", "600",
+                                    folder_ / "clip.mkv", folder_ / "out.mkv"});
+  EXPECT_THAT(run.err, AllOf(HasSubstr("tells a mastering display of 0.1 nits"),
+                             HasSubstr("tells a MaxCLL of 100 nits")));
+  EXPECT_THAT(run.out, HasSubstr("peak 10000 nits (nominal peak of the transfer)"));
+  // The result tells what is so.
+  const RunResult result = RunQuillon({"inspect", folder_ / "out.mkv"});
+  EXPECT_THAT(result.out, AllOf(HasSubstr("to 600 nits"), Not(HasSubstr("MaxCLL"))));
 }

@@ -49,7 +49,7 @@ ClipMapper::ClipMapper(const MapOptions& options, const ClipTags& tags,
 }
 
 ContentLight ClipMapper::KnownLight() const {
-  if (!levels_) return tags_.light;
+  if (!levels_) return Mapper::BelieveLight({tags_.colors, tags_.light}).source.light;
   double peak = 0.0;
   for (const FrameLevels& frame : levels_->frames) peak = std::max(peak, frame.percentiles.back());
   return {static_cast<float>(peak), static_cast<float>(levels_->MaxFall())};

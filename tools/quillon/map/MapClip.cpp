@@ -26,7 +26,10 @@ void NoteWhatMatters(const MapOptions& options, const ClipRun& run, const Pictur
   if (!dynamic.empty()) {
     notes << "note: the " << dynamic << " metadata is neither applied nor passed on\n";
   }
-  NoteOptionsWithoutEffect(notes, options.mapping, run.mapper->Plan().Decide());
+  const Mapper::Decisions decisions = run.mapper->Plan().Decide();
+  const ClipTags& tags = run.source->Info().tags;
+  WarnOfLight(notes, {tags.colors, tags.light}, decisions);
+  NoteOptionsWithoutEffect(notes, options.mapping, decisions);
   if (!TimesOf(run).PassesOn()) {
     notes << "note: sound and the other streams are left out, since --frames picks frames that do "
              "not follow each other\n";

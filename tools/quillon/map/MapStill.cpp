@@ -42,6 +42,7 @@ void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes)
   if (!options.quiet) {
     for (const std::string& remark : still.remarks) notes << "note: " << remark << '\n';
     NoteOtherWhite(notes, options, still);
+    WarnOfLight(notes, {decisions.source, still.light}, decisions);
     NoteOptionsWithoutEffect(notes, options.mapping, decisions);
   }
 

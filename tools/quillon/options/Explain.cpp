@@ -63,6 +63,14 @@ void Explain(std::ostream& out, const Decisions& decisions) {
       << '\n';
 }
 
+void WarnOfLight(std::ostream& notes, const Mapper::Source& source, const Decisions& decisions) {
+  for (const std::string& ignored : Mapper::BelieveLight(source).ignored) {
+    notes << "warning: the source tells " << ignored
+          << ", which cannot be and is ignored; it is mapped from a peak of "
+          << decisions.sourcePeak.nits << " nits (" << decisions.sourcePeak.origin << ")\n";
+  }
+}
+
 void NoteOptionsWithoutEffect(std::ostream& notes, const MappingOptions& options,
                               const Decisions& decisions) {
   const auto& settings = options.settings;

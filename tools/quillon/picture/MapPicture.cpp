@@ -69,8 +69,9 @@ double HeldPeak(double measuredNits, const ColorDescription& colors, int white) 
 }
 
 SourcePeak ChooseSourcePeak(const PeakOptions& options, const std::filesystem::path& path,
-                            const Source& source, PictureKind kind, int white,
+                            const Source& asTold, PictureKind kind, int white,
                             const PeakMeasurement& measurePeak) {
+  const Source source = Mapper::BelieveLight(asTold).source;
   const auto measured = [&](const char* byScenes) {
     return SourcePeak{HeldPeak(measurePeak(), source.colors, white),
                       "measured" + PercentText(options.percent) + byScenes};
