@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "mapper/Frames.h"
+#include "tools/quillon/picture/SceneLight.h"
 #include "tools/quillon/process/MapperErrors.h"
 
 namespace Quillon::Cli {
@@ -45,6 +46,9 @@ FrameLevels LevelMeter::Measure(const PX::VideoFrameRef& frame) {
     levels.percentiles[i] = histogram.PercentileNits(kPercentiles[i]);
   }
   levels.steadyPeak = histogram.PercentileNits(percent_);
+  if (IsSceneLinear(frame->GetColorSpace().Description())) {
+    levels.logAverage = LogAverageNits(frame, white_);
+  }
   std::vector<double> shares = histogram.Shares();
   if (previous_) levels.change = StopsBetween(*previous_, shares);
   previous_ = std::move(shares);

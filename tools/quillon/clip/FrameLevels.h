@@ -19,6 +19,8 @@ struct FrameLevels {
   /// What the percentile that was asked for does not exceed: the peak without the few pixels that
   /// are too bright, from which the picture is mapped.
   double steadyPeak = 0.0;
+  /// Log-average luminance of a scene-linear picture (`LogAverageNits`); 0 for others.
+  double logAverage = 0.0;
   /// How far the light has moved since the picture before: the mean distance between the two
   /// distributions in stops. 0 for the first.
   double change = 0.0;

@@ -1,6 +1,7 @@
 #include "tools/quillon/clip/LevelsFile.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -19,7 +20,7 @@ constexpr int kVersion = 2;
 json ToJson(const FrameLevels& levels) {
   return {levels.peak,           levels.average,        levels.percentiles[0],
           levels.percentiles[1], levels.percentiles[2], levels.percentiles[3],
-          levels.steadyPeak,     levels.change};
+          levels.steadyPeak,     levels.logAverage,     levels.change};
 }
 
 FrameLevels FromJson(const json& row) {
@@ -28,7 +29,8 @@ FrameLevels FromJson(const json& row) {
   levels.average = row.at(1);
   for (std::size_t i = 0; i < levels.percentiles.size(); ++i) levels.percentiles[i] = row.at(i + 2);
   levels.steadyPeak = row.at(6);
-  levels.change = row.at(7);
+  levels.logAverage = row.at(7);
+  levels.change = row.at(8);
   return levels;
 }
 
@@ -44,6 +46,17 @@ double ClipLevels::MaxCll() const {
   double peak = 0.0;
   for (const FrameLevels& frame : frames) peak = std::max(peak, frame.peak);
   return peak;
+}
+
+double ClipLevels::LogAverage() const {
+  double sum = 0.0;
+  int count = 0;
+  for (const FrameLevels& frame : frames) {
+    if (frame.logAverage <= 0.0) continue;
+    sum += std::log2(frame.logAverage);
+    ++count;
+  }
+  return count == 0 ? 0.0 : std::exp2(sum / count);
 }
 
 double ClipLevels::MaxFall() const {
@@ -77,18 +90,18 @@ std::optional<ClipLevels> LoadLevels(const std::filesystem::path& clip,
 void SaveLevels(const std::filesystem::path& clip, const ClipLevels& levels) {
   json rows = json::array();
   for (const FrameLevels& frame : levels.frames) rows.push_back(ToJson(frame));
-  const json kept = {
-      {"version", kVersion},
-      {"clip", FileIdentity(clip)},
-      {"color_space", levels.colorSpace},
-      {"white_nits", levels.white},
-      {"steady_percent", levels.percent},
-      {"columns",
-       {"peak_nits", "average_nits", "percentile_50_nits", "percentile_90_nits",
-        "percentile_99_nits", "percentile_99_99_nits", "steady_peak_nits", "change_stops"}},
-      {"max_cll_nits", levels.MaxCll()},
-      {"max_fall_nits", levels.MaxFall()},
-      {"frames", rows}};
+  const json kept = {{"version", kVersion},
+                     {"clip", FileIdentity(clip)},
+                     {"color_space", levels.colorSpace},
+                     {"white_nits", levels.white},
+                     {"steady_percent", levels.percent},
+                     {"columns",
+                      {"peak_nits", "average_nits", "percentile_50_nits", "percentile_90_nits",
+                       "percentile_99_nits", "percentile_99_99_nits", "steady_peak_nits",
+                       "log_average_nits", "change_stops"}},
+                     {"max_cll_nits", levels.MaxCll()},
+                     {"max_fall_nits", levels.MaxFall()},
+                     {"frames", rows}};
   const std::string text = kept.dump(1) + "\n";
   WriteTargetFile(LevelsFileOf(clip),
                   std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()), true);

@@ -21,6 +21,8 @@ struct ClipLevels {
   double SteadyPeak() const;
   /// The largest light of a pixel.
   double MaxCll() const;
+  /// Log-average luminance of all pictures that have light; 0 where none has.
+  double LogAverage() const;
   /// The largest average of a picture.
   double MaxFall() const;
 };

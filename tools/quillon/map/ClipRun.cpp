@@ -176,7 +176,7 @@ std::unique_ptr<OutputLock> LockOutput(const MapOptions& options, const ClipRun&
       run.selection.First(), run.selection.Last().value_or(-1));
 }
 
-/// Whether the peak of pictures that are tagged so has to be measured.
+/// Whether peak or exposure of pictures that are tagged so have to be measured.
 bool NeedsMeasuring(const MapOptions& options, const Mapper::Source& tagged) {
   bool measures = false;
   ChooseSourcePeak(options.mapping.peak, options.input, tagged, PictureKind::Clip,
@@ -184,7 +184,8 @@ bool NeedsMeasuring(const MapOptions& options, const Mapper::Source& tagged) {
                      measures = true;
                      return 0.0;
                    });
-  return measures;
+  const auto& exposure = options.mapping.exposure;
+  return measures || (exposure && exposure->automatic);
 }
 
 std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const ClipTags& tags,

@@ -66,6 +66,25 @@ void AddLuminanceOptions(CLI::App& map, MappingOptions& options) {
   AddTargetOptions(map, options);
 }
 
+void AddExposureOption(CLI::App& map, MappingOptions& options) {
+  map.add_option_function<std::string>(
+         "--exposure",
+         [&](const std::string& text) {
+           constexpr double kMostStops = 20.0;
+           const auto stops = ParseNumberIn(text, -kMostStops, kMostStops);
+           if (!stops && text != "auto") {
+             throw CLI::ValidationError("--exposure",
+                                        "'" + text +
+                                            "' is neither a number of stops from -20 to "
+                                            "20 nor 'auto'");
+           }
+           options.exposure = {!stops.has_value(), stops.value_or(0.0)};
+         },
+         "Multiplies the light of a scene-linear picture or clip by 2^STOPS before all else. auto: "
+         "brings its log-average luminance to 0.18 of white, by 8 stops at most")
+      ->type_name("STOPS|auto");
+}
+
 void AddRunOptions(CLI::App& map, MapOptions& options) {
   AddNumber(map, "--depth", options.depth, 8, 32, "BITS",
             "Bits of a component in the output. PNG: 8 or 16; AVIF: 8, 10 or 12; EXR: 16 (half) or "
@@ -142,6 +161,7 @@ Subcommand AddMapCommand(CLI::App& app) {
   AddLuminanceOptions(map, options->mapping);
   AddAlgorithmOptions(map, options->mapping);
   AddDialOptions(map, options->mapping);
+  AddExposureOption(map, options->mapping);
   AddRunOptions(map, *options);
   map.add_flag("--in-place", *inPlace, "Replace the input, which OUTPUT is, by the whole result");
   AddClipOptions(map, options->clip);

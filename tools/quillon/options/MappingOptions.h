@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "mapper/Device.h"
@@ -19,11 +20,18 @@ struct PeakOptions {
   double percent = Mapper::kSteadyPercent;  ///< where it is measured
 };
 
+/// --exposure.
+struct ExposureOptions {
+  bool automatic = false;
+  double stops = 0.0;  ///< where it is not automatic
+};
+
 /// How pictures are to be mapped, each value checked on its own: what `quillon map` and the
 /// commands that show what it does have in common.
 struct MappingOptions {
   SourceOverride source;
   PeakOptions peak;
+  std::optional<ExposureOptions> exposure;
   Mapper::Target target;
   Mapper::Settings settings;
   std::string device = "cpu";  ///< one that `IsDeviceName` takes

@@ -8,6 +8,7 @@
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/picture/Frames.h"
 #include "tools/quillon/picture/LightLevels.h"
+#include "tools/quillon/picture/SceneLight.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/MapperErrors.h"
 
@@ -17,7 +18,6 @@ using Mapper::Plan;
 using Mapper::Source;
 using Mapper::SourcePeak;
 using orvmediatypes::color::ColorDescription;
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
@@ -28,12 +28,10 @@ Source Tagged(const MappingOptions& options, const std::filesystem::path& path,
   return {TaggedColors(path, file.colors, options.source), file.light};
 }
 
-Plan PlanTagged(const MappingOptions& options, const std::filesystem::path& path,
-                const Source& source, PictureKind kind, std::shared_ptr<Mapper::Device> device,
-                const PeakMeasurement& measurePeak) {
-  const SourcePeak peak =
-      ChooseSourcePeak(options.peak, path, source, kind, options.settings.white, measurePeak);
-  return ValueOf(Plan::Make(source, options.target, options.settings, peak, std::move(device)));
+Plan PlanTagged(const MappingOptions& options, const Source& source, const SourcePeak& peak,
+                double exposure, std::shared_ptr<Mapper::Device> device) {
+  return ValueOf(Plan::Make(source, options.target, options.settings,
+                            {peak.nits * exposure, peak.origin}, std::move(device)));
 }
 
 /// Nothing for the percentile that is usual.
@@ -93,25 +91,31 @@ SourcePeak ChooseSourcePeak(const PeakOptions& options, const std::filesystem::p
 }
 
 Plan PlanPictures(const MappingOptions& options, const std::filesystem::path& path,
-                  const Source& file, const PeakMeasurement& measurePeak) {
+                  const Source& file, double exposure, const PeakMeasurement& measurePeak) {
   auto device = RequireDevice(options.device);
-  return PlanTagged(options, path, Tagged(options, path, file), PictureKind::Clip,
-                    std::move(device), measurePeak);
+  const Source source = Tagged(options, path, file);
+  const SourcePeak peak = ChooseSourcePeak(options.peak, path, source, PictureKind::Clip,
+                                           options.settings.white, measurePeak);
+  return PlanTagged(options, source, peak, exposure, std::move(device));
 }
 
 PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem::path& path,
-                           const PX::VideoFrameRef& frame, const Mapper::ContentLight& light) {
+                           const PX::VideoFrameRef& frame, const Mapper::ContentLight& light,
+                           float fileWhiteNits) {
   auto device = RequireDevice(options.device);
   const Source source = Tagged(options, path, {frame->GetColorSpace().Description(), light});
-  frame->SetColorSpace(ColorSpace(source.colors));
   const int white = options.settings.white;
-  const PX::VideoFrameRef floats = ConvertToFloat(
-      frame, Mapper::MappingColorSpace(source.colors, options.settings.algorithm), white);
-  const auto measurePeak = [&] {
-    return MeasureLightLevels(frame, white, options.peak.percent).steadyPeakNits;
-  };
-  return {PlanTagged(options, path, source, PictureKind::Still, std::move(device), measurePeak),
-          floats};
+  TagPicture(frame, source.colors, fileWhiteNits, white);
+  const auto exposure =
+      ResolveExposure(options, path, source.colors, [&] { return LogAverageNits(frame, white); });
+  const SourcePeak peak = ChooseSourcePeak(
+      options.peak, path, source, PictureKind::Still, white,
+      [&] { return MeasureLightLevels(frame, white, options.peak.percent).steadyPeakNits; });
+  const double factor = exposure ? exposure->Factor() : 1.0;
+  const PX::VideoFrameRef floats =
+      ConvertToFloat(ScaleLight(frame, factor, white),
+                     Mapper::MappingColorSpace(source.colors, options.settings.algorithm), white);
+  return {PlanTagged(options, source, peak, factor, std::move(device)), floats, exposure};
 }
 
 PX::VideoFrameRef MapPicture(const PlannedPicture& picture, const std::string& name) {
