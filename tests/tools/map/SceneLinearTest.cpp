@@ -157,3 +157,59 @@ TEST_F(SceneLinear, LightAloneIsExposed) {
     EXPECT_THAT(refused.err, HasSubstr("neither a number of stops"));
   }
 }
+
+TEST_F(SceneLinear, PeakOfBt2446AIsHeldWherePQEnds) {
+  const std::string file = Grey("a.exr", 1.0F);
+  const std::vector<std::string> bt2446a = {"--algorithm", "bt2446a", "--peak"};
+  const auto with = [&](const char* peak) {
+    std::vector<std::string> options = bt2446a;
+    options.emplace_back(peak);
+    return Map(options, file).err;
+  };
+  EXPECT_THAT(with("10000"), Not(HasSubstr("held there")));
+  const double held = Light();
+  EXPECT_THAT(with("100000"), HasSubstr("note: the source peak (100000 nits) is beyond 10000 nits, "
+                                        "where bt2446a ends: it is held there"));
+  EXPECT_EQ(Light(), held);
+}
+
+TEST_F(SceneLinear, LightIsNamedByItsPrimaries) {
+  // 0.5 of BT.2020's red, in a file that says BT.709.
+  const std::string file = Exr("a.exr", [](int, int) { return Rgb{0.5F, 0.4F, 0.3F}; });
+  for (const char* name : {"linear-bt709", "linear-p3", "linear-bt2020"}) {
+    EXPECT_THAT(Map({"--from", name}, file).out, HasSubstr("linear light (CICP")) << name;
+  }
+  EXPECT_THAT(Map({"--from", "acescg"}, file).out, HasSubstr("ACEScg (CICP 2/8/0)"));
+  const std::string aces = ReadFile(folder_ / "out.png");
+  EXPECT_THAT(Map({"--from", "aces2065-1"}, file).out, HasSubstr("ACES2065-1 (CICP 2/8/0)"));
+  EXPECT_NE(ReadFile(folder_ / "out.png"), aces);
+}
+
+TEST_F(SceneLinear, FloatsAreNoGammaSignal) {
+  const std::string file = Grey("a.exr", 0.5F);
+  Grey("f.0.exr", 0.5F);
+  const std::vector<std::pair<std::string, std::string>> meant = {
+      {"srgb", "--from linear-bt709"},
+      {"p3-d65", "--from linear-p3"},
+      {"bt2020", "--from linear-bt2020"}};
+  for (const auto& [given, name] : meant) {
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"map", "--from", given, file, folder_ / "o.png"},
+          {"map", "--from", given, folder_ / "f.%d.exr", folder_ / "o.%d.png"},
+          {"inspect", "--from", given, file},
+          {"compare", "--from-a", given, file, file}}) {
+      const RunResult run = RunQuillon(words);
+      EXPECT_EQ(run.exitCode, 2) << words[0] << ' ' << given;
+      EXPECT_THAT(run.err, AllOf(HasSubstr("holds linear light in floats"), HasSubstr(name)));
+    }
+  }
+}
+
+TEST_F(SceneLinear, RadianceWithoutPrimariesIsBt709AndSaysSo) {
+  std::string hdr = "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 1 +X 2\n";
+  for (int pixel = 0; pixel < 2; ++pixel) hdr += "\x80\x80\x80\x81";
+  WriteFile(folder_ / "a.hdr", hdr);
+  const RunResult run = Map({}, folder_ / "a.hdr");
+  EXPECT_THAT(run.out, HasSubstr("linear light (CICP 1/8/0)"));
+  EXPECT_THAT(run.err, HasSubstr("it tells no primaries: taken as BT.709"));
+}

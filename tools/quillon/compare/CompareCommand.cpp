@@ -26,6 +26,9 @@ namespace {
 Still ReadCompared(const ComparedFile& file, const std::string& optionSuffix,
                    std::int64_t maxPixels, int white) {
   Still still = ReadStill(file.path, maxPixels);
+  RefuseGammaOfFloats(file.path, still.frame->GetColorSpace().Description(),
+                      still.frame->GetPixelFormat() == orvmediatypes::kLinearFloatBGRA,
+                      file.source);
   const auto tagged = TaggedColors(file.path, still.frame->GetColorSpace().Description(),
                                    file.source, optionSuffix);
   TagPicture(still.frame, tagged, still.whiteNits, white);

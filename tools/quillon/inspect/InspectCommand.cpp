@@ -38,6 +38,8 @@ struct InspectOptions {
   fs::path sheet;
 };
 
+constexpr int kFloatBits = 32;
+
 bool IsSvg(const fs::path& path) { return LowerCaseExtension(path) == ".svg"; }
 
 void CheckDrawing(const fs::path& path, bool svgToo, bool overwrite) {
@@ -133,6 +135,8 @@ Inspection Inspect(const InspectOptions& options, InputKind kind) {
   inspection.info =
       OpenPictures(options.input, {24, 1}, nullptr, 0, DamagePolicy::Stop, options.maxPixels)
           ->Info();
+  RefuseGammaOfFloats(options.input, inspection.info.tags.colors,
+                      inspection.info.bits == kFloatBits, options.source);
   if (options.measure) {
     inspection.levels = Measure(options);
     inspection.scenes = FindScenes(inspection.levels->frames, kShortestScene);

@@ -48,8 +48,7 @@ void CheckLutOptions(const LutOptions& options) {
   if (options.mapping.target.colors.transfer == H273::kTransferLinear) {
     throw CommandError(ExitCode::Usage,
                        "--to of a LUT is a signal from 0 to 1, which linear light is not; choose "
-                       "one of " +
-                           ColorSpaceNames());
+                       "one such as srgb");
   }
   if (LowerCaseExtension(options.output) != ".cube") {
     throw StillError(StillErrorKind::NotSupported, options.output,

@@ -25,6 +25,7 @@ namespace Quillon::Cli {
 namespace {
 
 constexpr int kRateDenominator = 1001000;
+constexpr int kFloatBits = 32;
 
 AVRational SequenceRate(const MapOptions& options) {
   constexpr double kDefault = 24.0;
@@ -272,6 +273,9 @@ ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
   run.source = OpenPictures(options.input, SequenceRate(options), run.index ? &*run.index : nullptr,
                             run.left.First(), PolicyOf(options), options.maxPixels);
   CheckMatrix(options, *run.source);
+  const ClipInfo& info = run.source->Info();
+  RefuseGammaOfFloats(options.input, info.tags.colors, info.bits == kFloatBits,
+                      options.mapping.source);
   const ClipTags& tags = run.source->Info().tags;
   if (!bySingleFrames) run.frames = run.source->Info().frames;
   run.mapper =

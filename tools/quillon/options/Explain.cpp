@@ -78,6 +78,11 @@ void NoteOptionsWithoutEffect(std::ostream& notes, const MappingOptions& options
     notes << "note: the destination holds every colour of the source's gamut: --gamut has no "
              "effect\n";
   }
+  if (decisions.curvePeakNits < decisions.sourcePeak.nits) {
+    notes << "note: the source peak (" << decisions.sourcePeak.nits << " nits) is beyond "
+          << decisions.curvePeakNits << " nits, where " << Mapper::AlgorithmName(settings.algorithm)
+          << " ends: it is held there\n";
+  }
   const bool asked =
       settings.algorithm != Algorithm::Automatic && settings.algorithm != Algorithm::None;
   const bool dials = settings.gain || settings.knee || settings.colorPreservation;

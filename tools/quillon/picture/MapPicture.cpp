@@ -103,7 +103,10 @@ PlannedPicture PlanPicture(const MappingOptions& options, const std::filesystem:
                            const PX::VideoFrameRef& frame, const Mapper::ContentLight& light,
                            float fileWhiteNits) {
   auto device = RequireDevice(options.device);
-  const Source source = Tagged(options, path, {frame->GetColorSpace().Description(), light});
+  const ColorDescription told = frame->GetColorSpace().Description();
+  RefuseGammaOfFloats(path, told, frame->GetPixelFormat() == orvmediatypes::kLinearFloatBGRA,
+                      options.source);
+  const Source source = Tagged(options, path, {told, light});
   const int white = options.settings.white;
   TagPicture(frame, source.colors, fileWhiteNits, white);
   const auto exposure =
