@@ -213,3 +213,42 @@ TEST_F(SceneLinear, RadianceWithoutPrimariesIsBt709AndSaysSo) {
   EXPECT_THAT(run.out, HasSubstr("linear light (CICP 1/8/0)"));
   EXPECT_THAT(run.err, HasSubstr("it tells no primaries: taken as BT.709"));
 }
+
+TEST_F(SceneLinear, PicturesThatBt2390ShowsInStepsAreNoted) {
+  // Two rows of 16 are dim, an eighth; then less than a twentieth.
+  const auto dimmed = [](int pixels) {
+    return [pixels](int x, int y) {
+      const float value = y * kSide + x < pixels ? 0.5F / 203.0F : 4.0F;
+      return Rgb{value, value, value};
+    };
+  };
+  const std::string dark = Exr("dark.exr", dimmed(32));
+  const std::vector<std::string> bt2390 = {"--algorithm", "bt2390-maxrgb"};
+  EXPECT_THAT(Map(bt2390, dark).err,
+              HasSubstr("note: 13 % of the pixels have light below 1 nit, which BT.2390 takes in"));
+  EXPECT_THAT(Map({}, dark).err, IsEmpty());
+  EXPECT_THAT(Map(bt2390, Exr("light.exr", dimmed(12))).err, IsEmpty());
+}
+
+TEST_F(SceneLinear, APeakThatChangesOnlyPartIsNoted) {
+  const std::string file = Grey("a.exr", 4.0F);
+  for (const std::string algorithm : {"bt2390-maxrgb", "bt2390-rgb", "car"}) {
+    EXPECT_THAT(Map({"--algorithm", algorithm, "--peak", "2000"}, file).err,
+                HasSubstr("note: the curve of " + algorithm + " is the same from every peak"));
+    EXPECT_THAT(Map({"--algorithm", algorithm}, file).err, IsEmpty());
+    // It is so: grey comes out alike.
+    const double light = Light();
+    Map({"--algorithm", algorithm, "--peak", "5000"}, file);
+    EXPECT_EQ(Light(), light) << algorithm;
+  }
+  EXPECT_THAT(Map({"--algorithm", "hue", "--peak", "2000"}, file).err, IsEmpty());
+}
+
+TEST_F(SceneLinear, TheKneeThatWasChosenIsExplained) {
+  const std::string file = Grey("a.exr", 4.0F);
+  EXPECT_THAT(Map({"--explain"}, file).out,
+              testing::ContainsRegex("knee +0\\.[0-9]+ of the destination peak, [0-9.]+ nits "
+                                     "\\(chosen automatically\\)"));
+  EXPECT_THAT(Map({"--explain", "--algorithm", "hue", "--knee", "0.25"}, file).out,
+              HasSubstr("knee              0.25 of the destination peak, 50.75 nits\n"));
+}

@@ -1,5 +1,6 @@
 #include "tools/quillon/map/MapStill.h"
 
+#include <cmath>
 #include <iomanip>
 #include <optional>
 #include <string>
@@ -33,6 +34,21 @@ void ExplainExposure(std::ostream& out, const std::optional<Exposure>& exposure,
     out << std::left << std::setw(18) << "exposure" << exposure->Describe(white) << '\n';
 }
 
+/// BT.2390 on the processor takes light in steps of one nit.
+void NoteSteps(std::ostream& notes, const PlannedPicture& planned, const Decisions& decisions) {
+  constexpr double kWorthANote = 0.05;
+  const bool isBt2390 =
+      decisions.toneMap && (decisions.toneMap->algorithm == Mapper::Algorithm::ITU2390MaxRGB ||
+                            decisions.toneMap->algorithm == Mapper::Algorithm::ITU2390RGBByChannel);
+  if (!isBt2390 || decisions.device != "cpu") return;
+  const double share = DimShare(planned.frame, decisions.settings.white);
+  if (share <= kWorthANote) return;
+  notes
+      << "note: " << std::round(share * 100.0)
+      << " % of the pixels have light below 1 nit, which BT.2390 takes in steps of one nit on the "
+         "processor: dark parts will show steps; choose another --algorithm\n";
+}
+
 void NoteOtherWhite(std::ostream& notes, const Still& still, const Decisions& decisions) {
   const bool isUsed = still.whiteNits > 0.0F && IsSceneLinear(decisions.source);
   if (!isUsed || still.whiteNits == static_cast<float>(decisions.settings.white)) return;
@@ -58,6 +74,7 @@ void MapStill(const MapOptions& options, std::ostream& out, std::ostream& notes)
     NoteOtherWhite(notes, still, decisions);
     WarnOfLight(notes, {decisions.source, still.light}, decisions);
     NoteOptionsWithoutEffect(notes, options.mapping, decisions);
+    NoteSteps(notes, planned, decisions);
   }
 
   StillOutput output;
