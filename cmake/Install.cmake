@@ -44,7 +44,7 @@ endif()
 
 if(TARGET quillonmapper)
   list(APPEND libraries quillonmapper)
-  foreach(header Colors Device Frames Mapping Picture Plan Result)
+  foreach(header Colors Device Frames LightHistogram Mapping Picture Plan Result)
     install(FILES mapper/${header}.h DESTINATION ${QUILLON_HEADER_DIR}/mapper)
   endforeach()
 endif()

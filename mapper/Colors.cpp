@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 
 #include "refhost/orvmediatypes/H273.h"
 
 namespace Quillon::Mapper {
+
+using orvmediatypes::color::Chromaticities;
+using orvmediatypes::color::Chromaticity;
 
 namespace {
 
@@ -18,16 +22,38 @@ struct NamedSpace {
   std::uint8_t primaries;
   std::uint8_t transfer;
   std::uint8_t matrix;
+  Chromaticities chromaticities{};  // of primaries that have no code point
 };
 
-constexpr std::array<NamedSpace, 6> kSpaces = {{
+// SMPTE ST 2065-1, and Academy S-2014-004 (ACEScg).
+constexpr Chromaticities kAP0 = {
+    {0.7347, 0.2653}, {0.0, 1.0}, {0.0001, -0.0770}, {0.32168, 0.33767}};
+constexpr Chromaticities kAP1 = {
+    {0.713, 0.293}, {0.165, 0.830}, {0.128, 0.044}, {0.32168, 0.33767}};
+
+constexpr std::array<NamedSpace, 11> kSpaces = {{
     {"srgb", "iec61966-2-1", "sRGB", 1, 13, 1},
     {"bt709", "", "BT.709", 1, 1, 1},
     {"p3-d65", "smpte432", "P3-D65 with the sRGB curve", 12, 13, 1},
     {"bt2020", "bt2020-10", "BT.2020", 9, 14, 9},
     {"bt2100-pq", "smpte2084", "BT.2100 PQ", 9, 16, 9},
     {"bt2100-hlg", "arib-std-b67", "BT.2100 HLG", 9, 18, 9},
+    {"linear-bt709", "", "linear light", 1, 8, 0},
+    {"linear-p3", "", "linear light", 12, 8, 0},
+    {"linear-bt2020", "", "linear light", 9, 8, 0},
+    {"acescg", "", "ACEScg", 2, 8, 0, kAP1},
+    {"aces2065-1", "", "ACES2065-1", 2, 8, 0, kAP0},
 }};
+
+/// As files round them.
+bool AreNear(const Chromaticities& one, const Chromaticities& other) {
+  constexpr double kRounding = 1e-4;
+  const auto near = [](const Chromaticity& a, const Chromaticity& b) {
+    return std::abs(a.x - b.x) <= kRounding && std::abs(a.y - b.y) <= kRounding;
+  };
+  return near(one.red, other.red) && near(one.green, other.green) && near(one.blue, other.blue) &&
+         near(one.white, other.white);
+}
 
 std::string_view TransferTitle(std::uint8_t transfer) {
   switch (transfer) {
@@ -73,7 +99,9 @@ std::optional<ColorDescription> ColorSpaceOfName(std::string_view name) {
     return space.name == name || (!space.alias.empty() && space.alias == name);
   });
   if (found == kSpaces.end()) return std::nullopt;
-  return Description({found->primaries, found->transfer, found->matrix});
+  ColorDescription description = Description({found->primaries, found->transfer, found->matrix});
+  description.chromaticities = found->chromaticities;
+  return description;
 }
 
 std::string ColorSpaceNames() {
@@ -93,7 +121,8 @@ std::optional<ColorDescription> ColorSpaceOfCicp(std::string_view text) {
 std::string DescribeColorSpace(const ColorDescription& description) {
   std::string title(TransferTitle(description.transfer));
   for (const NamedSpace& space : kSpaces) {
-    if (space.primaries == description.primaries && space.transfer == description.transfer) {
+    if (space.primaries == description.primaries && space.transfer == description.transfer &&
+        AreNear(space.chromaticities, description.chromaticities)) {
       title = space.title;
     }
   }

@@ -15,7 +15,8 @@ namespace [[gnu::visibility("default")]] Mapper {
 using ColorDescription = orvmediatypes::color::ColorDescription;
 
 /// The colour space of a name, full range: "srgb", "bt709", "p3-d65", "bt2020", "bt2100-pq",
-/// "bt2100-hlg", or FFmpeg's name for its transfer ("smpte2084"). Nothing for other names.
+/// "bt2100-hlg", or FFmpeg's name for its transfer ("smpte2084"); of linear light "linear-bt709",
+/// "linear-p3", "linear-bt2020", "acescg", "aces2065-1". Nothing for other names.
 std::optional<ColorDescription> ColorSpaceOfName(std::string_view name);
 
 /// The names, separated by spaces, without FFmpeg's.

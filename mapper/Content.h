@@ -11,6 +11,7 @@ struct Plan::Content {
   Settings asked;
   std::shared_ptr<Device> device;  ///< null: on the processor
   SourcePeak peak;
+  double curvePeakNits = 0.0;
   double destinationPeakNits = 0.0;
   /// What the engine is given.
   PX::GamutMappingUtils::GamutMappingSettings settings;

@@ -66,6 +66,7 @@ Decisions Plan::Decide() const {
   decisions.gain = controls.peakGain;
   decisions.colorPreservation = controls.colorPreservation;
   decisions.sourcePeak = content_->peak;
+  decisions.curvePeakNits = content_->curvePeakNits;
   decisions.sourcePeakSignal = controls.peak;
   decisions.destinationPeakNits = content_->destinationPeakNits;
   decisions.gamut =

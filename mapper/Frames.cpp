@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <new>
 #include <utility>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "mapper/WrapPicture.h"
 #include "refhost/kestrel/PixelFormats.h"
 #include "refhost/kestrel/SystemFrame.h"
+#include "refhost/orvmediatypes/H273.h"
 
 using orvmediatypes::color::ColorManagementSettings;
 using orvmediatypes::color::ColorSpace;
@@ -24,6 +26,18 @@ namespace Quillon::Mapper {
 namespace {
 
 float CountedLight(float value) { return std::isfinite(value) ? std::max(value, 0.0F) : 0.0F; }
+
+/// Linear light in which pictures of one kind can be compared, whatever their container.
+ColorSpace MeasuringColorSpace(const ColorSpace& tagged) {
+  const std::uint8_t transfer = tagged.Description().transfer;
+  if (transfer != RefHost::kTransferLinear && transfer != RefHost::kTransferPQ) {
+    return CHR::ORVColorSpaceToEquivalentLinearColorSpace(tagged);
+  }
+  ColorDescription light;
+  light.primaries = RefHost::kPrimariesBT2020;
+  light.transfer = RefHost::kTransferLinear;
+  return ColorSpace(light);
+}
 
 }  // namespace
 
@@ -83,37 +97,41 @@ PX::VideoFrameRef ShowRows(const PX::VideoFrameRef& frame, int first, int last) 
   return rows;
 }
 
-Result<std::int64_t> ForEachLight(const PX::VideoFrameRef& frame, int white,
-                                  const std::function<void(std::span<const float>)>& useRow) {
-  const auto linear = ConvertToFloat(
-      frame, CHR::ORVColorSpaceToEquivalentLinearColorSpace(frame->GetColorSpace()), white);
+Failure ForEachLight(const PX::VideoFrameRef& frame, int white,
+                     const std::function<void(std::span<const float>)>& useRow) {
+  const auto linear = ConvertToFloat(frame, MeasuringColorSpace(frame->GetColorSpace()), white);
   if (!linear) return linear.error();
   const auto memory = orvcore::classref::InterfaceCast<KS::IVideoFrameMemoryAccess>(*linear);
   const orvcore::geom::Bounds bounds = frame->GetBounds();
   const auto stride = memory->GetRowBytes() / static_cast<std::ptrdiff_t>(sizeof(float));
+  const auto nits = static_cast<float>(white);
   std::vector<float> row(static_cast<std::size_t>(bounds.width));
   for (std::ptrdiff_t y = 0; y < bounds.height; ++y) {
     const float* pixel = static_cast<const float*>(memory->GetData()) + y * stride;
     for (float& light : row) {
-      light = std::max({CountedLight(pixel[0]), CountedLight(pixel[1]), CountedLight(pixel[2])});
+      light =
+          nits * std::max({CountedLight(pixel[0]), CountedLight(pixel[1]), CountedLight(pixel[2])});
       pixel += 4;
     }
     useRow(row);
   }
-  return std::int64_t{bounds.width} * bounds.height;
+  return std::nullopt;
 }
 
-Result<LightLevels> MeasureLight(const PX::VideoFrameRef& frame, int white) {
-  double peak = 0.0;
-  double sum = 0.0;
-  const auto count = ForEachLight(frame, white, [&](std::span<const float> row) {
-    for (const double light : row) {
-      peak = std::max(peak, light);
-      sum += light;
-    }
-  });
-  if (!count) return count.error();
-  return LightLevels{peak * white, sum / static_cast<double>(*count) * white};
+Result<LightHistogram> CountLight(const PX::VideoFrameRef& frame, int white) {
+  LightHistogram histogram;
+  if (auto failure =
+          ForEachLight(frame, white, [&](std::span<const float> row) { histogram.Add(row); })) {
+    return *std::move(failure);
+  }
+  return histogram;
+}
+
+Result<LightLevels> MeasureLight(const PX::VideoFrameRef& frame, int white, double percent) {
+  const auto histogram = CountLight(frame, white);
+  if (!histogram) return histogram.error();
+  return LightLevels{histogram->PeakNits(), histogram->AverageNits(),
+                     histogram->PercentileNits(percent)};
 }
 
 }  // namespace Quillon::Mapper

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <span>
 
 #include "host/orvmediatypes/ColorManagementSettings.h"
 #include "host/pavix/IVideoFrame.h"
+#include "mapper/LightHistogram.h"
 #include "mapper/Plan.h"
 
 /// For programs that hold their pictures as frames of the reference host.
@@ -32,14 +32,17 @@ Result<PX::VideoFrameRef> ConvertToFloat(const PX::VideoFrameRef& frame,
 /// even. Throws std::bad_alloc.
 PX::VideoFrameRef ShowRows(const PX::VideoFrameRef& frame, int first, int last);
 
-/// Gives the light of every pixel of a frame in system memory, row by row: the largest of R, G and
-/// B in linear light, 1.0 being `white` nits; what is not finite or lies below 0 is 0. The number
-/// of pixels.
-Result<std::int64_t> ForEachLight(const PX::VideoFrameRef& frame, int white,
-                                  const std::function<void(std::span<const float>)>& useRow);
+/// Gives the light of every pixel of a frame in system memory, row by row, in nits: the largest of
+/// R, G and B, as `MeasureLight` takes it.
+Failure ForEachLight(const PX::VideoFrameRef& frame, int white,
+                     const std::function<void(std::span<const float>)>& useRow);
+
+/// The pixels of a frame in system memory, counted by their light.
+Result<LightHistogram> CountLight(const PX::VideoFrameRef& frame, int white);
 
 /// `MeasureLight` of a frame.
-Result<LightLevels> MeasureLight(const PX::VideoFrameRef& frame, int white);
+Result<LightLevels> MeasureLight(const PX::VideoFrameRef& frame, int white,
+                                 double percent = kSteadyPercent);
 
 /// The colour space that the engine works from for a source in `tagged` colours. Frames in it are
 /// mapped without a conversion before.

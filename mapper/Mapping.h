@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/orvmediatypes/AlgorithmTypes.h"
 #include "mapper/Colors.h"
@@ -90,11 +91,24 @@ struct SourcePeak {
   std::string origin;  ///< for people: "MaxCLL of the file", "measured"
 };
 
-/// MaxCLL, else the mastering display's maximum; nothing where neither is given.
+/// A source without the light levels that cannot be.
+struct BelievedSource {
+  Source source;
+  /// What was left out, for people: "a mastering display of 0.1 nits (less than 50)".
+  std::vector<std::string> ignored;
+};
+
+/// Leaves out a mastering display whose maximum is below 50 nits or below MaxFALL, and a MaxCLL
+/// below MaxFALL.
+BelievedSource BelieveLight(const Source& source);
+
+/// MaxCLL, else the mastering display's maximum, as far as they are believed; nothing where neither
+/// is given.
 std::optional<SourcePeak> MetadataPeak(const Source& source);
 
 /// What the transfer stands for where nothing else is known: 10000 nits for PQ, 1000 or the peak of
-/// its display for HLG, `white` for SDR. Nothing for scene-linear light, which has no end.
+/// its display for HLG (its maximum believed), `white` for SDR. Nothing for scene-linear light,
+/// which has no end.
 std::optional<SourcePeak> NominalPeak(const ColorDescription& colors, int white);
 
 }  // namespace Mapper

@@ -117,10 +117,10 @@ Failure CheckSameSize(const ConstPicture& one, const Picture& other) {
 }
 
 Result<LightLevels> MeasureLight(const ConstPicture& picture, const ColorDescription& colors,
-                                 int white) {
+                                 int white, double percent) {
   const auto frame = WrapPicture(Writable(picture), colors);
   if (!frame) return frame.error();
-  return MeasureLight(*frame, white);
+  return MeasureLight(*frame, white, percent);
 }
 
 }  // namespace Quillon::Mapper

@@ -61,16 +61,23 @@ struct BasicPicture {
 using Picture = BasicPicture<void>;
 using ConstPicture = BasicPicture<const void>;
 
-/// Light levels of a picture as CTA-861.3 counts them, on the largest of R, G and B.
+/// The share of the pixels, in %, whose light a steady peak is not below.
+inline constexpr double kSteadyPercent = 99.99;
+
+/// Light levels of a picture, on the largest of R, G and B of a pixel (CTA-861.3).
 struct LightLevels {
   double peakNits = 0.0;
   double averageNits = 0.0;
+  /// What `percent` % of the pixels do not exceed: the peak to map from. A few pixels that are too
+  /// bright do not move it.
+  double steadyPeakNits = 0.0;
 };
 
-/// Measures a picture in `colors`, whose 1.0 in linear light is `white` nits. Components that are
-/// not finite or lie below 0 count as 0. Any thread.
+/// Measures a picture in `colors`, whose 1.0 in linear light is `white` nits: in BT.2020 primaries
+/// where it is PQ or scene-linear, whatever its own, else in its own. Components that are not
+/// finite or lie below 0 count as 0. `percent` is above 0 and at most 100. Any thread.
 Result<LightLevels> MeasureLight(const ConstPicture& picture, const ColorDescription& colors,
-                                 int white);
+                                 int white, double percent = kSteadyPercent);
 
 }  // namespace Mapper
 }  // namespace Quillon

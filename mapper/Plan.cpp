@@ -1,5 +1,6 @@
 #include "mapper/Plan.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -16,6 +17,9 @@ using PX::ToneMappingUtils::ToneMapSettings;
 namespace Quillon::Mapper {
 
 namespace {
+
+/// BT.2446 takes its luminances as shares of PQ's.
+constexpr double kMostBt2446ANits = 10000.0;
 
 bool IsBt2390(Algorithm algorithm) {
   return algorithm == Algorithm::ITU2390MaxRGB || algorithm == Algorithm::ITU2390RGBByChannel;
@@ -99,8 +103,11 @@ Failure SetPeak(Plan::Content& content, const SourcePeak& peak) {
   ToneMapSettings& settings = content.settings.toneMapSettings;
   const ColorSpace& source = settings.sourceColorSpace;
   const int white = content.asked.white;
+  content.curvePeakNits = content.asked.algorithm == Algorithm::ITU2446A
+                              ? std::min(peak.nits, kMostBt2446ANits)
+                              : peak.nits;
   const auto signal =
-      ConvertGrey(static_cast<float>(peak.nits / white),
+      ConvertGrey(static_cast<float>(content.curvePeakNits / white),
                   CHR::ORVColorSpaceToEquivalentLinearColorSpace(source), source, white);
   if (!signal || !std::isfinite(*signal)) {
     return Error{Code::NotSupported,
@@ -155,7 +162,7 @@ Result<Plan> Plan::Make(const Source& source, const Target& target, const Settin
                         std::shared_ptr<Device> device) {
   if (!TellsColors(source.colors)) return UntoldColors(source);
   auto peak = MetadataPeak(source);
-  if (!peak) peak = NominalPeak(source.colors, settings.white);
+  if (!peak) peak = NominalPeak(BelieveLight(source).source.colors, settings.white);
   if (!peak) {
     return Error{Code::UnknownPeak,
                  "nothing says how bright " + DescribeColorSpace(source.colors) +

@@ -44,7 +44,9 @@ struct Decisions {
   float gain = 0.0F;             ///< those of the settings, or what stands for them
   float colorPreservation = 0.0F;
   SourcePeak sourcePeak;
-  float sourcePeakSignal = 0.0F;  ///< the same as a signal of `mappedFrom`
+  /// What the curve takes for it: the same, but for BT.2446 A at most 10000.
+  double curvePeakNits = 0.0;
+  float sourcePeakSignal = 0.0F;  ///< that as a signal of `mappedFrom`
   double destinationPeakNits = 0.0;
   std::string gamut;          ///< for people; "None" where none was asked for
   bool gamutApplies = false;  ///< the source's gamut reaches beyond the destination's

@@ -24,7 +24,26 @@ TEST(ColorSpaces, AreKnownByNameAndByTheNameOfTheirTransfer) {
   EXPECT_EQ(ColorSpaceOfName("smpte2084"), CodePoints(9, 16, 9));
   EXPECT_EQ(ColorSpaceOfName("bt2100-hlg"), CodePoints(9, 18, 9));
   EXPECT_EQ(ColorSpaceOfName("p3-d65"), CodePoints(12, 13, 1));
-  EXPECT_EQ(ColorSpaceNames(), "srgb bt709 p3-d65 bt2020 bt2100-pq bt2100-hlg");
+  EXPECT_EQ(ColorSpaceNames(),
+            "srgb bt709 p3-d65 bt2020 bt2100-pq bt2100-hlg linear-bt709 "
+            "linear-p3 linear-bt2020 acescg aces2065-1");
+}
+
+TEST(ColorSpaces, OfLinearLightAreKnownByNameToo) {
+  EXPECT_EQ(ColorSpaceOfName("linear-bt709"), CodePoints(1, 8, 0));
+  EXPECT_EQ(ColorSpaceOfName("linear-p3"), CodePoints(12, 8, 0));
+  EXPECT_EQ(ColorSpaceOfName("linear-bt2020"), CodePoints(9, 8, 0));
+  for (const char* name : {"acescg", "aces2065-1"}) {
+    const auto aces = ColorSpaceOfName(name);
+    ASSERT_TRUE(aces);
+    EXPECT_EQ(aces->transfer, 8);
+    EXPECT_TRUE(TellsColors(*aces));
+    EXPECT_NEAR(aces->chromaticities.white.x, 0.32168, 1e-5);
+  }
+  EXPECT_NEAR(ColorSpaceOfName("acescg")->chromaticities.red.x, 0.713, 1e-9);
+  EXPECT_EQ(DescribeColorSpace(*ColorSpaceOfName("acescg")), "ACEScg (CICP 2/8/0)");
+  EXPECT_EQ(DescribeColorSpace(*ColorSpaceOfName("aces2065-1")), "ACES2065-1 (CICP 2/8/0)");
+  EXPECT_EQ(DescribeColorSpace(CodePoints(2, 8, 0)), "linear light (CICP 2/8/0)");
 }
 
 TEST(ColorSpaces, OfNoNameAreNone) {

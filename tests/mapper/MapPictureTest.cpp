@@ -159,4 +159,27 @@ TEST(MeasuredLight, CountsTheLargestComponentAndLeavesOutWhatIsNoLight) {
   EXPECT_EQ(levels->averageNits, 100.0);
 }
 
+TEST(MeasuredLight, HasASteadyPeakThatAFewPixelsDoNotMove) {
+  constexpr int kSide = 200;
+  OwnPicture picture(kBGRAFloat, kSide, kSide);
+  FillGrey(picture, 1.0F);
+  for (int x = 0; x < 4; ++x) picture.Floats(x, 7)[1] = 1e6F;  // one in ten thousand
+  const auto colors = *ColorSpaceOfCicp("9/8/0");
+  EXPECT_EQ(MeasureLight(picture.Read(), colors, 203)->steadyPeakNits, 203.0);
+  EXPECT_EQ(MeasureLight(picture.Read(), colors, 203, 100.0)->steadyPeakNits, 203e6);
+  picture.Floats(4, 7)[1] = 1e5F;
+  // No light is too bright to be told from others.
+  EXPECT_EQ(MeasureLight(picture.Read(), colors, 203)->steadyPeakNits, 203e5);
+}
+
+TEST(MeasuredLight, IsThatOfBt2020PrimariesWhateverTheContainer) {
+  OwnPicture picture(kBGRAFloat, 1, 1);
+  const std::array<float, 4> red = {0.0F, 0.0F, 1.0F, 1.0F};
+  std::memcpy(picture.Floats(0, 0), red.data(), sizeof red);
+  // ITU-R BT.2087, table 2: BT.709's red has 0.6274 of BT.2020's.
+  EXPECT_NEAR(MeasureLight(picture.Read(), *ColorSpaceOfCicp("1/8/0"), 100)->peakNits, 62.74, 0.01);
+  EXPECT_NEAR(MeasureLight(picture.Read(), *ColorSpaceOfCicp("1/16/0"), 100)->peakNits, 6274, 1);
+  EXPECT_EQ(MeasureLight(picture.Read(), *ColorSpaceOfCicp("1/13/0"), 100)->peakNits, 100.0);
+}
+
 }  // namespace

@@ -38,6 +38,20 @@ TEST(APlan, TakesThePeakOfTheMetadataBeforeTheTransfers) {
   EXPECT_EQ(Decided(source, kSrgb, {}).sourcePeak.origin, "MaxCLL of the file");
 }
 
+TEST(APlan, IsNotMadeFromLightLevelsThatCannotBe) {
+  Source source = kPQ;
+  source.colors.masteringMaxLuminance = 49.0F;
+  EXPECT_EQ(Decided(source, kSrgb, {}).sourcePeak.nits, 10000.0);
+  source.colors.masteringMaxLuminance = 600.0F;
+  source.light = {300.0F, 301.0F};
+  EXPECT_EQ(Decided(source, kSrgb, {}).sourcePeak.nits, 600.0);
+  source.light.maxFALL = 601.0F;
+  EXPECT_EQ(Decided(source, kSrgb, {}).sourcePeak.nits, 10000.0);
+  EXPECT_THAT(Quillon::Mapper::BelieveLight(source).ignored,
+              testing::ElementsAre("a MaxCLL of 300 nits (less than MaxFALL, 601)",
+                                   "a mastering display of 600 nits (less than MaxFALL, 601)"));
+}
+
 TEST(APlan, KnowsNoPeakOfSceneLinearLight) {
   const auto plan = Plan::Make({*ColorSpaceOfCicp("9/8/0"), {}}, kSrgb, {});
   ASSERT_FALSE(plan);

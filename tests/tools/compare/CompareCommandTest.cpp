@@ -113,9 +113,10 @@ TEST_F(CompareCommand, TakesOneColourForTheSameInEveryContainer) {
   EXPECT_LT(FiguresOf({folder_ / "c.exr", folder_ / "c.png"})["delta_e_itp"]["max"], 0.5);
   EXPECT_LT(FiguresOf({folder_ / "c.avif", folder_ / "c.png"})["delta_e_itp"]["percentile_95"],
             2.0);
-  EXPECT_GT(
-      FiguresOf({"--white", "100", folder_ / "c.exr", folder_ / "c.png"})["delta_e_itp"]["median"],
-      5.0);
+  // The EXR says what its 1.0 is, whatever the white.
+  EXPECT_LT(
+      FiguresOf({"--white", "100", folder_ / "c.exr", folder_ / "c.png"})["delta_e_itp"]["max"],
+      0.5);
 }
 
 TEST_F(CompareCommand, ShowsHdrMappedToSrgbAndSaysSo) {

@@ -95,7 +95,8 @@ ClipLevels LevelsOf(double peak, std::size_t frames = 1) {
   levels.peak = peak;
   levels.average = peak / 2.0;
   levels.percentiles = {peak, peak, peak, peak};
-  return {"", 203, std::vector<FrameLevels>(frames, levels)};
+  levels.steadyPeak = peak;
+  return {"", 203, 99.99, std::vector<FrameLevels>(frames, levels)};
 }
 
 ClipTags PQTags(float maxCll, float maxFall) {
@@ -117,8 +118,14 @@ TEST(Inspect, WarnsWhereTagsAndContentDisagree) {
                           "average"));
   EXPECT_THAT(FindDisagreements(PQTags(0, 0), LevelsOf(99)),
               ElementsAre(HasSubstr("it is tagged PQ, but never passes 100 nits")));
-  EXPECT_THAT(FindDisagreements(PQTags(100, 200), std::nullopt),
-              ElementsAre("MaxFALL (200 nits) is above MaxCLL (100 nits)"));
+  EXPECT_THAT(
+      FindDisagreements(PQTags(100, 200), std::nullopt),
+      ElementsAre("a MaxCLL of 100 nits (less than MaxFALL, 200) cannot be and is ignored"));
+  ClipTags dark = PQTags(0, 0);
+  dark.colors.masteringMaxLuminance = 0.1F;
+  EXPECT_THAT(
+      FindDisagreements(dark, std::nullopt),
+      ElementsAre("a mastering display of 0.1 nits (less than 50) cannot be and is ignored"));
   ClipTags sdr = PQTags(1000, 0);
   sdr.colors.transfer = RefHost::kTransferBT709;
   EXPECT_THAT(FindDisagreements(sdr, std::nullopt),
@@ -159,7 +166,7 @@ TEST(ClipScenes, HaveAPeakThatNoFrameExceedsAndCoverTheClip) {
     EXPECT_EQ(scene.first, next);
     EXPECT_GE(scene.count, 12);
     for (std::int64_t i = 0; i < scene.count; ++i) {
-      EXPECT_LE(levels[static_cast<std::size_t>(next + i)].SteadyPeak(), scene.peak);
+      EXPECT_LE(levels[static_cast<std::size_t>(next + i)].steadyPeak, scene.peak);
     }
     next += scene.count;
   }

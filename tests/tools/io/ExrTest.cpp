@@ -125,6 +125,16 @@ TEST(ReadExr, GivesWhiteLuminanceAndRemarksOnPixelAspect) {
   EXPECT_TRUE(HasRemark(still, "pixel aspect ratio 2"));
 }
 
+TEST(ReadExr, IgnoresAWhiteLuminanceThatCannotBe) {
+  for (const float nits : {0.0F, -100.0F, std::numeric_limits<float>::quiet_NaN(), 1.1e6F}) {
+    Imf::Header header(2, 1);
+    Imf::addWhiteLuminance(header, nits);
+    const Still still = RoundTrip(header, TwoByOne(0, 0, 0, 1, 1, 1));
+    EXPECT_EQ(still.whiteNits, 0.0F) << nits;
+    EXPECT_TRUE(HasRemark(still, "whiteLuminance"));
+  }
+}
+
 TEST(ReadExr, DropsAlphaWithARemarkUnlessItIsOpaque) {
   FloatChannels channels = TwoByOne(1, 2, 3, 4, 5, 6);
   channels["A"] = {1.0F, 1.0F};

@@ -42,7 +42,7 @@ TEST(ReadRadiance, ReadsFlatPixels) {
   ASSERT_EQ(still.frame->GetBounds().height, 1);
   EXPECT_EQ(PixelAt(still.frame, 0, 0), (Rgb{1.0F, 0.5F, 0.25F}));
   EXPECT_EQ(PixelAt(still.frame, 1, 0), (Rgb{4.0F, 2.0F, 0.0F}));
-  EXPECT_TRUE(still.remarks.empty());
+  EXPECT_THAT(still.remarks, ::testing::ElementsAre("it tells no primaries: taken as BT.709"));
 }
 
 TEST(ReadRadiance, ReadsRunLengths) {

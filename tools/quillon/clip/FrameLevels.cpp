@@ -1,45 +1,20 @@
 #include "tools/quillon/clip/FrameLevels.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
+#include <utility>
 
-#include "tools/quillon/picture/LightLevels.h"
+#include "mapper/Frames.h"
+#include "tools/quillon/picture/SceneLight.h"
+#include "tools/quillon/process/MapperErrors.h"
 
 namespace Quillon::Cli {
 
 namespace {
 
-/// Bins follow the bits of a float: 64 to an octave, from 2^-12 to 2^14 nits; all that is darker
-/// is in the first.
-constexpr std::uint32_t kBinShift = 17;
-constexpr std::uint32_t kFirstBits = std::uint32_t{127 - 12} << 23;
-constexpr std::size_t kBinCount = std::size_t{26} * 64;
-constexpr double kBinsPerStop = 64.0;
-
 constexpr double kCutStops = 0.5;
 /// A cut stands out from what the pictures round it change.
 constexpr double kCutOverNeighbours = 3.0;
-
-std::size_t BinOf(float nits) {
-  const auto bits = std::bit_cast<std::uint32_t>(nits);
-  if (bits < kFirstBits) return 0;
-  return std::min<std::size_t>((bits - kFirstBits) >> kBinShift, kBinCount - 1);
-}
-
-/// The light at the upper end of a bin.
-double UpperEnd(std::size_t bin) {
-  return std::bit_cast<float>(kFirstBits + (static_cast<std::uint32_t>(bin + 1) << kBinShift));
-}
-
-double PercentileOf(std::span<const double> shares, double percentile) {
-  double sum = 0.0;
-  for (std::size_t bin = 0; bin < shares.size(); ++bin) {
-    sum += shares[bin];
-    if (sum >= percentile) return UpperEnd(bin);
-  }
-  return UpperEnd(shares.size() - 1);
-}
 
 /// Area between the two cumulative distributions.
 double StopsBetween(std::span<const double> one, std::span<const double> other) {
@@ -49,7 +24,7 @@ double StopsBetween(std::span<const double> one, std::span<const double> other) 
     difference += one[bin] - other[bin];
     area += std::abs(difference);
   }
-  return area / kBinsPerStop;
+  return area / Mapper::LightHistogram::kBinsPerStop;
 }
 
 bool IsCut(std::span<const FrameLevels> levels, std::size_t at) {
@@ -63,26 +38,18 @@ bool IsCut(std::span<const FrameLevels> levels, std::size_t at) {
 }  // namespace
 
 FrameLevels LevelMeter::Measure(const PX::VideoFrameRef& frame) {
+  const Mapper::LightHistogram histogram = ValueOf(Mapper::CountLight(frame, white_));
   FrameLevels levels;
-  std::vector<std::uint32_t> counts(kBinCount);
-  double sum = 0.0;
-  float largest = 0.0F;
-  const auto white = static_cast<float>(white_);
-  const auto pixels = ForEachLight(frame, white_, [&](std::span<const float> row) {
-    for (const float light : row) {
-      largest = std::max(largest, light * white);
-      sum += light * white;
-      ++counts[BinOf(light * white)];
-    }
-  });
-  const auto count = static_cast<double>(pixels);
-  levels.peak = largest;
-  levels.average = sum / count;
-  Histogram shares(counts.begin(), counts.end());
-  for (double& share : shares) share /= count;
+  levels.peak = histogram.PeakNits();
+  levels.average = histogram.AverageNits();
   for (std::size_t i = 0; i < kPercentiles.size(); ++i) {
-    levels.percentiles[i] = std::min(PercentileOf(shares, kPercentiles[i]), levels.peak);
+    levels.percentiles[i] = histogram.PercentileNits(kPercentiles[i]);
   }
+  levels.steadyPeak = histogram.PercentileNits(percent_);
+  if (IsSceneLinear(frame->GetColorSpace().Description())) {
+    levels.logAverage = LogAverageNits(frame, white_);
+  }
+  std::vector<double> shares = histogram.Shares();
   if (previous_) levels.change = StopsBetween(*previous_, shares);
   previous_ = std::move(shares);
   return levels;
@@ -95,7 +62,7 @@ std::vector<ClipScene> FindScenes(std::span<const FrameLevels> levels, std::int6
     if (begins) scenes.push_back({static_cast<std::int64_t>(i), 0, 0.0});
     ClipScene& scene = scenes.back();
     ++scene.count;
-    scene.peak = std::max(scene.peak, levels[i].SteadyPeak());
+    scene.peak = std::max(scene.peak, levels[i].steadyPeak);
   }
   if (scenes.size() > 1 && scenes.back().count < shortest) {
     const ClipScene last = scenes.back();

@@ -16,33 +16,35 @@ struct FrameLevels {
   double average = 0.0;
   /// What 50, 90, 99 and 99.99 % of the pixels do not exceed, to 1.6 %.
   std::array<double, 4> percentiles{};
+  /// What the percentile that was asked for does not exceed: the peak without the few pixels that
+  /// are too bright, from which the picture is mapped.
+  double steadyPeak = 0.0;
+  /// Log-average luminance of a scene-linear picture (`LogAverageNits`); 0 for others.
+  double logAverage = 0.0;
   /// How far the light has moved since the picture before: the mean distance between the two
   /// distributions in stops. 0 for the first.
   double change = 0.0;
 
-  /// The peak without the few pixels that lossy coding lifts above it: 99.99 % do not exceed it.
-  double SteadyPeak() const { return percentiles.back(); }
   friend bool operator==(const FrameLevels&, const FrameLevels&) = default;
 };
 
-inline constexpr std::array<double, 4> kPercentiles = {0.5, 0.9, 0.99, 0.9999};
+inline constexpr std::array<double, 4> kPercentiles = {50.0, 90.0, 99.0, 99.99};
 
 /// Measures pictures one after another.
 class LevelMeter {
  public:
-  /// `white` is what 1.0 in linear light stands for in nits.
-  explicit LevelMeter(int white) : white_(white) {}
+  /// `white` is what 1.0 in linear light stands for in nits; `percent` % of the pixels do not
+  /// exceed the steady peak.
+  LevelMeter(int white, double percent) : white_(white), percent_(percent) {}
 
-  /// Components that are not finite or lie below 0 count as 0. Throws CommandError when the picture
+  /// Light is as `Mapper::MeasureLight` takes it. Throws CommandError when the picture
   /// cannot be linearized.
   FrameLevels Measure(const PX::VideoFrameRef& frame);
 
  private:
-  /// Shares of the pixels by the logarithm of their light.
-  using Histogram = std::vector<double>;
-
   int white_;
-  std::optional<Histogram> previous_;
+  double percent_;
+  std::optional<std::vector<double>> previous_;  ///< shares of the bins
 };
 
 /// Scenes shorter than this many pictures are not told apart.

@@ -1,6 +1,7 @@
 #include "tools/quillon/clip/LevelsFile.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -14,12 +15,12 @@ using nlohmann::json;
 
 namespace {
 
-constexpr int kVersion = 1;
+constexpr int kVersion = 2;
 
 json ToJson(const FrameLevels& levels) {
   return {levels.peak,           levels.average,        levels.percentiles[0],
           levels.percentiles[1], levels.percentiles[2], levels.percentiles[3],
-          levels.change};
+          levels.steadyPeak,     levels.logAverage,     levels.change};
 }
 
 FrameLevels FromJson(const json& row) {
@@ -27,7 +28,9 @@ FrameLevels FromJson(const json& row) {
   levels.peak = row.at(0);
   levels.average = row.at(1);
   for (std::size_t i = 0; i < levels.percentiles.size(); ++i) levels.percentiles[i] = row.at(i + 2);
-  levels.change = row.at(6);
+  levels.steadyPeak = row.at(6);
+  levels.logAverage = row.at(7);
+  levels.change = row.at(8);
   return levels;
 }
 
@@ -35,7 +38,7 @@ FrameLevels FromJson(const json& row) {
 
 double ClipLevels::SteadyPeak() const {
   double peak = 0.0;
-  for (const FrameLevels& frame : frames) peak = std::max(peak, frame.SteadyPeak());
+  for (const FrameLevels& frame : frames) peak = std::max(peak, frame.steadyPeak);
   return peak;
 }
 
@@ -43,6 +46,17 @@ double ClipLevels::MaxCll() const {
   double peak = 0.0;
   for (const FrameLevels& frame : frames) peak = std::max(peak, frame.peak);
   return peak;
+}
+
+double ClipLevels::LogAverage() const {
+  double sum = 0.0;
+  int count = 0;
+  for (const FrameLevels& frame : frames) {
+    if (frame.logAverage <= 0.0) continue;
+    sum += std::log2(frame.logAverage);
+    ++count;
+  }
+  return count == 0 ? 0.0 : std::exp2(sum / count);
 }
 
 double ClipLevels::MaxFall() const {
@@ -56,16 +70,16 @@ std::filesystem::path LevelsFileOf(const std::filesystem::path& clip) {
 }
 
 std::optional<ClipLevels> LoadLevels(const std::filesystem::path& clip,
-                                     const std::string& colorSpace, int white) {
+                                     const std::string& colorSpace, int white, double percent) {
   std::ifstream file(LevelsFileOf(clip), std::ios::binary);
   const json kept = json::parse(file, nullptr, false);
   try {
     if (kept.is_discarded() || kept.at("version") != kVersion ||
         kept.at("clip") != FileIdentity(clip) || kept.at("color_space") != colorSpace ||
-        kept.at("white_nits") != white) {
+        kept.at("white_nits") != white || kept.at("steady_percent") != percent) {
       return std::nullopt;
     }
-    ClipLevels levels{colorSpace, white, {}};
+    ClipLevels levels{colorSpace, white, percent, {}};
     for (const json& row : kept.at("frames")) levels.frames.push_back(FromJson(row));
     return levels;
   } catch (const json::exception&) {
@@ -80,9 +94,11 @@ void SaveLevels(const std::filesystem::path& clip, const ClipLevels& levels) {
                      {"clip", FileIdentity(clip)},
                      {"color_space", levels.colorSpace},
                      {"white_nits", levels.white},
+                     {"steady_percent", levels.percent},
                      {"columns",
                       {"peak_nits", "average_nits", "percentile_50_nits", "percentile_90_nits",
-                       "percentile_99_nits", "percentile_99_99_nits", "change_stops"}},
+                       "percentile_99_nits", "percentile_99_99_nits", "steady_peak_nits",
+                       "log_average_nits", "change_stops"}},
                      {"max_cll_nits", levels.MaxCll()},
                      {"max_fall_nits", levels.MaxFall()},
                      {"frames", rows}};

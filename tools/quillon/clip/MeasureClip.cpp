@@ -2,13 +2,12 @@
 
 #include "tools/quillon/io/StillError.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
+#include "tools/quillon/picture/SceneLight.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 #include "tools/quillon/process/Words.h"
 
 namespace Quillon::Cli {
-
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
@@ -28,13 +27,13 @@ ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
   const bool isSequence = source->Input() == nullptr;
   const std::string name = DescribeColorSpace(request.colorsOf(source->Info().tags));
   if (!isSequence) {
-    if (auto kept = LoadLevels(request.clip, name, request.white)) return *kept;
+    if (auto kept = LoadLevels(request.clip, name, request.white, request.percent)) return *kept;
   }
 
   const InterruptGuard interrupt;
   Progress progress(request.progress, "measure", source->Info().frames);
-  LevelMeter meter(request.white);
-  ClipLevels levels{name, request.white, {}};
+  LevelMeter meter(request.white, request.percent);
+  ClipLevels levels{name, request.white, request.percent, {}};
   ProgressStep step;
   while (const auto next = source->Next()) {
     // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the loop checks it
@@ -42,7 +41,8 @@ ClipLevels LevelsOfClip(const MeasureRequest& request, std::ostream& notes) {
     if (interrupt.IsInterrupted()) {
       throw CommandError(interrupt.Code(), request.clip.string() + ": measuring was stopped");
     }
-    picture.frame->SetColorSpace(ColorSpace(request.colorsOf(picture.tags)));
+    TagPicture(picture.frame, request.colorsOf(picture.tags), picture.tags.whiteNits,
+               request.white);
     levels.frames.push_back(meter.Measure(picture.frame));
     step = {picture.number, picture.number + 1, levels.frames.back().peak, {}, {}};
     progress.Update([&step] { return step; });

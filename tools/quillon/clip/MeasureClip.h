@@ -4,6 +4,7 @@
 #include <functional>
 #include <ostream>
 
+#include "mapper/Picture.h"
 #include "tools/quillon/clip/LevelsFile.h"
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/clip/Progress.h"
@@ -15,6 +16,7 @@ struct MeasureRequest {
   std::filesystem::path clip;
   AVRational sequenceRate{24, 1};
   int white = 203;
+  double percent = Mapper::kSteadyPercent;     ///< of the steady peaks
   std::int64_t maxPixels = kDefaultMaxPixels;  ///< of a picture
   ProgressStyle progress = ProgressStyle::Auto;
   DamagePolicy policy = DamagePolicy::Stop;

@@ -44,7 +44,7 @@ ClipPicture SequenceSource::Read(std::int64_t position) const {
       ReadStill(name_.FileOf(numbers_[static_cast<std::size_t>(position)]), maxPixels_);
   ClipPicture picture;
   picture.frame = still.frame;
-  picture.tags = {still.frame->GetColorSpace().Description(), still.light};
+  picture.tags = {still.frame->GetColorSpace().Description(), still.light, still.whiteNits};
   picture.number = position;
   picture.pts = position;
   return picture;

@@ -12,7 +12,7 @@ SinglePicture::SinglePicture(const std::filesystem::path& path, std::int64_t max
   const Still still = ReadStill(path, maxPixels);
   ClipPicture picture;
   picture.frame = still.frame;
-  picture.tags = {still.frame->GetColorSpace().Description(), still.light};
+  picture.tags = {still.frame->GetColorSpace().Description(), still.light, still.whiteNits};
   const orvcore::geom::Bounds bounds = still.frame->GetBounds();
   const auto format = RefHost::DescribeFormat(still.frame->GetPixelFormat());
   info_.container = "still";

@@ -14,6 +14,7 @@
 #include "tools/quillon/compare/CompareOutputs.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/options/Json.h"
+#include "tools/quillon/picture/SceneLight.h"
 #include "tools/quillon/process/ExitCodes.h"
 #include "tools/quillon/process/Interrupt.h"
 #include "tools/quillon/process/Words.h"
@@ -21,16 +22,16 @@
 namespace Quillon::Cli {
 
 using nlohmann::ordered_json;
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
 /// One of the two clips.
 class ComparedClip {
  public:
-  ComparedClip(const ComparedFile& file, std::string suffix, std::int64_t maxPixels)
+  ComparedClip(const ComparedFile& file, std::string suffix, std::int64_t maxPixels, int white)
       : file_(file),
         suffix_(std::move(suffix)),
+        white_(white),
         source_(OpenPictures(file.path, {24, 1}, nullptr, 0, DamagePolicy::Stop, maxPixels)) {}
 
   /// The next picture, tagged.
@@ -41,7 +42,7 @@ class ComparedClip {
       return std::nullopt;
     }
     const auto tagged = TaggedColors(file_.path, picture->tags.colors, file_.source, suffix_);
-    picture->frame->SetColorSpace(ColorSpace(tagged));
+    TagPicture(picture->frame, tagged, picture->tags.whiteNits, white_);
     colors_ = tagged;
     return picture;
   }
@@ -56,6 +57,7 @@ class ComparedClip {
  private:
   const ComparedFile& file_;
   std::string suffix_;
+  int white_;
   std::unique_ptr<PictureSource> source_;
   orvmediatypes::color::ColorDescription colors_;
 };
@@ -198,8 +200,8 @@ std::optional<WorstPair> CompareAll(const CompareOptions& options, ComparedClip&
 }  // namespace
 
 void CompareClips(const CompareOptions& options) {
-  ComparedClip a(options.a, "-a", options.maxPixels);
-  ComparedClip b(options.b, "-b", options.maxPixels);
+  ComparedClip a(options.a, "-a", options.maxPixels, options.settings.white);
+  ComparedClip b(options.b, "-b", options.maxPixels, options.settings.white);
   Totals totals;
   const auto worst = CompareAll(options, a, b, totals);
   if (worst) WriteCompareView(options, worst->comparison, worst->a.frame, worst->b.frame);

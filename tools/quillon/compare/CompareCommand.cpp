@@ -16,20 +16,22 @@
 #include "tools/quillon/options/Commands.h"
 #include "tools/quillon/options/Json.h"
 #include "tools/quillon/options/SharedOptions.h"
+#include "tools/quillon/picture/SceneLight.h"
 
 namespace Quillon::Cli {
-
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
 /// The picture, tagged.
 Still ReadCompared(const ComparedFile& file, const std::string& optionSuffix,
-                   std::int64_t maxPixels) {
+                   std::int64_t maxPixels, int white) {
   Still still = ReadStill(file.path, maxPixels);
+  RefuseGammaOfFloats(file.path, still.frame->GetColorSpace().Description(),
+                      still.frame->GetPixelFormat() == orvmediatypes::kLinearFloatBGRA,
+                      file.source);
   const auto tagged = TaggedColors(file.path, still.frame->GetColorSpace().Description(),
                                    file.source, optionSuffix);
-  still.frame->SetColorSpace(ColorSpace(tagged));
+  TagPicture(still.frame, tagged, still.whiteNits, white);
   return still;
 }
 
@@ -38,7 +40,7 @@ void NoteRemarks(std::ostream& notes, const ComparedFile& file, const Still& sti
   for (const std::string& remark : still.remarks) notes << start << remark << '\n';
   if (still.whiteNits <= 0.0F || still.whiteNits == static_cast<float>(white)) return;
   notes << start << "the file says that its 1.0 is " << still.whiteNits
-        << " nits; it is compared as " << white << " nits, which --white changes\n";
+        << " nits, as which it is compared\n";
 }
 
 /// What is told of one picture: the file, then the figures.
@@ -71,8 +73,8 @@ void PrintTable(std::ostream& out, const CompareOptions& options, const Comparis
 }
 
 void CompareStills(const CompareOptions& options) {
-  const Still a = ReadCompared(options.a, "-a", options.maxPixels);
-  const Still b = ReadCompared(options.b, "-b", options.maxPixels);
+  const Still a = ReadCompared(options.a, "-a", options.maxPixels, options.settings.white);
+  const Still b = ReadCompared(options.b, "-b", options.maxPixels, options.settings.white);
   if (!options.quiet) {
     NoteRemarks(std::cerr, options.a, a, options.settings.white);
     NoteRemarks(std::cerr, options.b, b, options.settings.white);

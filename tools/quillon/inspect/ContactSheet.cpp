@@ -8,11 +8,10 @@
 #include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/picture/MapPicture.h"
 #include "tools/quillon/picture/PictureForEye.h"
+#include "tools/quillon/picture/SceneLight.h"
 #include "tools/quillon/plot/CurveStyle.h"
 
 namespace Quillon::Cli {
-
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
@@ -94,8 +93,8 @@ std::vector<SheetPicture> CollectPictures(const SheetSource& sheet, double peakN
     const auto taken = static_cast<std::int64_t>(pictures.size());
     if (taken == wanted) break;
     if (picture.number < (2 * taken + 1) * count / (2 * wanted)) continue;
-    picture.frame->SetColorSpace(
-        ColorSpace(TaggedColors(sheet.input, picture.tags.colors, sheet.colors)));
+    TagPicture(picture.frame, TaggedColors(sheet.input, picture.tags.colors, sheet.colors),
+               picture.tags.whiteNits, sheet.white);
     pictures.push_back({picture.number, Small(PictureForEye(picture.frame, peakNits, sheet.white,
                                                             sheet.input.string()))});
   }

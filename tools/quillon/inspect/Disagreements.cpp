@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "mapper/Mapping.h"
 #include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/inspect/Inspection.h"
 #include "tools/quillon/plot/NitsAxis.h"
@@ -29,9 +30,8 @@ void CheckTags(const ClipTags& tags, std::vector<std::string>& warnings) {
         "HDR light levels are given, but the transfer is not an HDR one: tags left over from "
         "before a conversion?");
   }
-  if (tags.light.maxFALL > tags.light.maxCLL) {
-    warnings.push_back("MaxFALL (" + Nits(tags.light.maxFALL) + ") is above MaxCLL (" +
-                       Nits(tags.light.maxCLL) + ")");
+  for (const std::string& ignored : Mapper::BelieveLight({colors, tags.light}).ignored) {
+    warnings.push_back(ignored + " cannot be and is ignored");
   }
 }
 

@@ -38,6 +38,8 @@ struct InspectOptions {
   fs::path sheet;
 };
 
+constexpr int kFloatBits = 32;
+
 bool IsSvg(const fs::path& path) { return LowerCaseExtension(path) == ".svg"; }
 
 void CheckDrawing(const fs::path& path, bool svgToo, bool overwrite) {
@@ -106,7 +108,8 @@ std::optional<Mapper::SourcePeak> PeakOf(const InspectOptions& options,
     const Mapper::Source source{TaggedColors(options.input, tags.colors, options.source),
                                 tags.light};
     const auto steady = [&] { return inspection.levels ? inspection.levels->SteadyPeak() : 0.0; };
-    const auto peak = ChooseSourcePeak({}, options.input, source, options.white, steady);
+    const auto kind = inspection.kind == InputKind::Still ? PictureKind::Still : PictureKind::Clip;
+    const auto peak = ChooseSourcePeak({}, options.input, source, kind, options.white, steady);
     return peak.nits > 0.0 ? std::optional(peak) : std::nullopt;
   } catch (const CommandError&) {
     return std::nullopt;  // the tags do not tell the colours, which a warning says
@@ -125,12 +128,15 @@ ClipLevels Measure(const InspectOptions& options) {
   return LevelsOfClip(request, std::cerr);
 }
 
-Inspection Inspect(const InspectOptions& options) {
+Inspection Inspect(const InspectOptions& options, InputKind kind) {
   Inspection inspection;
   inspection.path = options.input;
+  inspection.kind = kind;
   inspection.info =
       OpenPictures(options.input, {24, 1}, nullptr, 0, DamagePolicy::Stop, options.maxPixels)
           ->Info();
+  RefuseGammaOfFloats(options.input, inspection.info.tags.colors,
+                      inspection.info.bits == kFloatBits, options.source);
   if (options.measure) {
     inspection.levels = Measure(options);
     inspection.scenes = FindScenes(inspection.levels->frames, kShortestScene);
@@ -143,9 +149,9 @@ Inspection Inspect(const InspectOptions& options) {
 void RunInspect(InspectOptions options) {
   CheckEffects(options);
   options.measure = options.measure || !options.plot.empty();
-  RequireInput(options.input, options.maxPixels);
+  const InputKind kind = RequireInput(options.input, options.maxPixels);
   CheckTargets(options);
-  const Inspection inspection = Inspect(options);
+  const Inspection inspection = Inspect(options, kind);
   if (!options.plot.empty() && inspection.levels) {
     WriteDrawing(MakeLevelsScene(inspection, *inspection.levels), options.plot, options.overwrite);
   }

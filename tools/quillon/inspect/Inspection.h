@@ -7,6 +7,7 @@
 
 #include "mapper/Mapping.h"
 #include "tools/quillon/clip/LevelsFile.h"
+#include "tools/quillon/clip/PictureSource.h"
 #include "tools/quillon/video/ClipReader.h"
 
 namespace Quillon::Cli {
@@ -14,6 +15,7 @@ namespace Quillon::Cli {
 /// What was found out of a clip or picture.
 struct Inspection {
   std::filesystem::path path;
+  InputKind kind = InputKind::Clip;
   ClipInfo info;
   /// Measured light levels, where they were asked for.
   std::optional<ClipLevels> levels;

@@ -80,6 +80,18 @@ ColorSpace ReadColorSpace(const Imf::Header& header, std::vector<std::string>& r
   return ColorSpace(description);
 }
 
+/// 0 where it is not told, or cannot be.
+float ReadWhite(const Imf::Header& header, std::vector<std::string>& remarks) {
+  constexpr float kMost = 1e6F;
+  if (!Imf::hasWhiteLuminance(header)) return 0.0F;
+  const float nits = Imf::whiteLuminance(header);
+  if (nits > 0.0F && nits <= kMost) return nits;
+  std::ostringstream text;
+  text << "the whiteLuminance of " << nits << " nits cannot be and was ignored";
+  remarks.push_back(text.str());
+  return 0.0F;
+}
+
 void RemarkOnAspect(const Imf::Header& header, std::vector<std::string>& remarks) {
   const float aspect = header.pixelAspectRatio();
   if (aspect == 1.0F) return;
@@ -246,7 +258,7 @@ Still ReadPart(const StillSource& source, Imf::MultiPartInputFile& file, int par
   ReadWindow(MakeBandReader(source, file, part, model), display, data, pixels);
   if (MakeOpaque(pixels, 1.0F)) still.remarks.emplace_back(kAlphaDropped);
   RemarkOnAspect(header, still.remarks);
-  if (Imf::hasWhiteLuminance(header)) still.whiteNits = Imf::whiteLuminance(header);
+  still.whiteNits = ReadWhite(header, still.remarks);
   return still;
 }
 

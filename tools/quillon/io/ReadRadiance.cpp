@@ -15,6 +15,7 @@ Still ReadRadiance(const StillSource& source) {
   RadianceHeader header = ParseRadianceHeader(source);
   orvmediatypes::color::ColorDescription description =
       RgbDescription(RefHost::kPrimariesBT709, RefHost::kTransferLinear);
+  if (!header.primaries) header.remarks.emplace_back("it tells no primaries: taken as BT.709");
   if (header.primaries && !SetPrimaries(description, *header.primaries)) {
     header.remarks.emplace_back("the PRIMARIES line describes no colours and was ignored");
   }

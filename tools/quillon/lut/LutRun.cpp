@@ -48,8 +48,7 @@ void CheckLutOptions(const LutOptions& options) {
   if (options.mapping.target.colors.transfer == RefHost::kTransferLinear) {
     throw CommandError(ExitCode::Usage,
                        "--to of a LUT is a signal from 0 to 1, which linear light is not; choose "
-                       "one of " +
-                           ColorSpaceNames());
+                       "one such as srgb");
   }
   if (LowerCaseExtension(options.output) != ".cube") {
     throw StillError(StillErrorKind::NotSupported, options.output,
@@ -58,7 +57,9 @@ void CheckLutOptions(const LutOptions& options) {
   CheckTargetFile(options.output, options.overwrite);
 }
 
-PlannedPicture PlanFor(const std::vector<Signal>& signals, const MappingOptions& options) {
+PlannedPicture PlanFor(const std::vector<Signal>& signals, MappingOptions options) {
+  // There is no picture to measure.
+  if (options.peak.from == PeakSource::Default) options.peak.from = PeakSource::Metadata;
   return PlanPicture(options, kLattice, FrameOfSignals(signals, ColorSpace(SourceOf(options))));
 }
 

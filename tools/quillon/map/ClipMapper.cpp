@@ -6,6 +6,7 @@
 #include "mapper/Frames.h"
 #include "mapper/Mapping.h"
 #include "tools/quillon/picture/MapPicture.h"
+#include "tools/quillon/picture/SceneLight.h"
 #include "tools/quillon/plot/NitsAxis.h"
 #include "tools/quillon/process/MapperErrors.h"
 
@@ -14,7 +15,6 @@ namespace Quillon::Cli {
 using Mapper::Decisions;
 using Mapper::Plan;
 using orvmediatypes::color::ColorDescription;
-using orvmediatypes::color::ColorSpace;
 
 namespace {
 
@@ -24,9 +24,16 @@ bool AreTaggedAlike(const ColorDescription& one, const ColorDescription& other) 
          one.chromaLocation == other.chromaLocation && one.chromaticities == other.chromaticities;
 }
 
-Plan MakePlan(const MapOptions& options, const ClipTags& tags,
+std::optional<Exposure> ExposureFor(const MapOptions& options, const ClipTags& tags,
+                                    const std::optional<ClipLevels>& levels) {
+  return ResolveExposure(options.mapping, options.input,
+                         TaggedColors(options.input, tags.colors, options.mapping.source),
+                         [&levels] { return levels ? levels->LogAverage() : 0.0; });
+}
+
+Plan MakePlan(const MapOptions& options, const ClipTags& tags, double exposure,
               const std::optional<ClipLevels>& levels) {
-  return PlanPictures(options.mapping, options.input, {tags.colors, tags.light},
+  return PlanPictures(options.mapping, options.input, {tags.colors, tags.light}, exposure,
                       [&levels] { return levels ? levels->SteadyPeak() : 0.0; });
 }
 
@@ -37,22 +44,29 @@ ClipMapper::ClipMapper(const MapOptions& options, const ClipTags& tags,
     : options_(options),
       tags_(tags),
       levels_(std::move(levels)),
-      plan_(MakePlan(options, tags, levels_)),
+      exposure_(ExposureFor(options, tags, levels_)),
+      plan_(MakePlan(options, tags, Factor(), levels_)),
       peakNits_(plan_.Decide().sourcePeak.nits) {
   if (options.mapping.peak.from == PeakSource::Scenes && levels_) {
     scenes_ = FindScenes(levels_->frames, kShortestScene);
+    const ColorDescription& colors = Mapper::SourceColors(plan_);
+    for (ClipScene& scene : scenes_) {
+      scene.peak = HeldPeak(scene.peak, colors, options.mapping.settings.white) * Factor();
+    }
   }
 }
 
 ContentLight ClipMapper::KnownLight() const {
-  if (!levels_) return tags_.light;
-  return {static_cast<float>(levels_->SteadyPeak()), static_cast<float>(levels_->MaxFall())};
+  if (!levels_) return Mapper::BelieveLight({tags_.colors, tags_.light}).source.light;
+  double peak = 0.0;
+  for (const FrameLevels& frame : levels_->frames) peak = std::max(peak, frame.percentiles.back());
+  return {static_cast<float>(peak * Factor()), static_cast<float>(levels_->MaxFall() * Factor())};
 }
 
 void ClipMapper::FollowTags(const ClipPicture& picture) {
   if (AreTaggedAlike(picture.tags.colors, tags_.colors)) return;
   tags_.colors = picture.tags.colors;
-  plan_ = ValueOf(MakePlan(options_, tags_, levels_).WithPeak(peakNits_));
+  plan_ = ValueOf(MakePlan(options_, tags_, Factor(), levels_).WithPeak(peakNits_));
 }
 
 void ClipMapper::FollowScenes(std::int64_t number) {
@@ -69,9 +83,12 @@ void ClipMapper::FollowScenes(std::int64_t number) {
 void ClipMapper::Map(const ClipPicture& picture, PX::VideoFrameRef& destination) {
   FollowTags(picture);
   FollowScenes(picture.number);
-  picture.frame->SetColorSpace(ColorSpace(Mapper::SourceColors(plan_)));
-  MapInto(plan_, options_.input.string() + ", frame " + std::to_string(picture.number),
-          picture.frame, destination);
+  TagPicture(picture.frame, Mapper::SourceColors(plan_), picture.tags.whiteNits,
+             options_.mapping.settings.white);
+  const PX::VideoFrameRef source =
+      ScaleLight(picture.frame, Factor(), options_.mapping.settings.white);
+  MapInto(plan_, options_.input.string() + ", frame " + std::to_string(picture.number), source,
+          destination);
 }
 
 std::optional<double> ClipMapper::PeakOf(std::int64_t number) const {

@@ -8,6 +8,7 @@
 #include "tools/quillon/clip/ClipPicture.h"
 #include "tools/quillon/clip/LevelsFile.h"
 #include "tools/quillon/map/MapOptions.h"
+#include "tools/quillon/picture/Exposure.h"
 
 namespace Quillon::Cli {
 
@@ -18,6 +19,8 @@ class ClipMapper {
   /// `levels` are the measured levels of the clip, where the options ask for them.
   ClipMapper(const MapOptions& options, const ClipTags& tags, std::optional<ClipLevels> levels);
 
+  /// Of all pictures, where one was asked for.
+  const std::optional<Exposure>& ExposureOfClip() const { return exposure_; }
   /// For the first picture.
   const Mapper::Plan& Plan() const { return plan_; }
   /// Empty: the whole clip is mapped alike.
@@ -35,12 +38,14 @@ class ClipMapper {
   std::string Doing() const;
 
  private:
+  double Factor() const { return exposure_ ? exposure_->Factor() : 1.0; }
   void FollowTags(const ClipPicture& picture);
   void FollowScenes(std::int64_t number);
 
   const MapOptions& options_;
   ClipTags tags_;
   std::optional<ClipLevels> levels_;
+  std::optional<Exposure> exposure_;
   std::vector<ClipScene> scenes_;
   Mapper::Plan plan_;
   double peakNits_;  ///< that `plan_` maps from

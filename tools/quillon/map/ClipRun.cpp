@@ -25,6 +25,7 @@ namespace Quillon::Cli {
 namespace {
 
 constexpr int kRateDenominator = 1001000;
+constexpr int kFloatBits = 32;
 
 AVRational SequenceRate(const MapOptions& options) {
   constexpr double kDefault = 24.0;
@@ -176,15 +177,16 @@ std::unique_ptr<OutputLock> LockOutput(const MapOptions& options, const ClipRun&
       run.selection.First(), run.selection.Last().value_or(-1));
 }
 
-/// Whether the peak of pictures that are tagged so has to be measured.
+/// Whether peak or exposure of pictures that are tagged so have to be measured.
 bool NeedsMeasuring(const MapOptions& options, const Mapper::Source& tagged) {
   bool measures = false;
-  ChooseSourcePeak(options.mapping.peak, options.input, tagged, options.mapping.settings.white,
-                   [&measures] {
+  ChooseSourcePeak(options.mapping.peak, options.input, tagged, PictureKind::Clip,
+                   options.mapping.settings.white, [&measures] {
                      measures = true;
                      return 0.0;
                    });
-  return measures;
+  const auto& exposure = options.mapping.exposure;
+  return measures || (exposure && exposure->automatic);
 }
 
 std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const ClipTags& tags,
@@ -197,6 +199,7 @@ std::optional<ClipLevels> MeasureWhereNeeded(const MapOptions& options, const Cl
   request.clip = options.input;
   request.sequenceRate = SequenceRate(options);
   request.white = options.mapping.settings.white;
+  request.percent = options.mapping.peak.percent;
   request.maxPixels = options.maxPixels;
   request.progress =
       options.quiet ? ProgressStyle::None : options.clip.progress.value_or(ProgressStyle::Auto);
@@ -270,6 +273,9 @@ ClipRun PrepareClipRun(const MapOptions& options, std::ostream& notes) {
   run.source = OpenPictures(options.input, SequenceRate(options), run.index ? &*run.index : nullptr,
                             run.left.First(), PolicyOf(options), options.maxPixels);
   CheckMatrix(options, *run.source);
+  const ClipInfo& info = run.source->Info();
+  RefuseGammaOfFloats(options.input, info.tags.colors, info.bits == kFloatBits,
+                      options.mapping.source);
   const ClipTags& tags = run.source->Info().tags;
   if (!bySingleFrames) run.frames = run.source->Info().frames;
   run.mapper =

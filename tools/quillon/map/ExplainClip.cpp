@@ -42,6 +42,10 @@ void ExplainLight(std::ostream& out, const char* label, const ClipTags& tags) {
 
 void ExplainClip(std::ostream& out, const ClipRun& run) {
   ExplainLight(out, "input tags", run.source->Info().tags);
+  if (const auto& exposure = run.mapper->ExposureOfClip()) {
+    Label(out, "exposure") << exposure->Describe(run.mapper->Plan().Decide().settings.white)
+                           << '\n';
+  }
   for (const ClipScene& scene : run.mapper->Scenes()) {
     Label(out, "scene") << "frames " << scene.first << '-' << scene.first + scene.count - 1
                         << ", peak " << scene.peak << " nits\n";

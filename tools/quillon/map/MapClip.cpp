@@ -26,7 +26,10 @@ void NoteWhatMatters(const MapOptions& options, const ClipRun& run, const Pictur
   if (!dynamic.empty()) {
     notes << "note: the " << dynamic << " metadata is neither applied nor passed on\n";
   }
-  NoteOptionsWithoutEffect(notes, options.mapping, run.mapper->Plan().Decide());
+  const Mapper::Decisions decisions = run.mapper->Plan().Decide();
+  const ClipTags& tags = run.source->Info().tags;
+  WarnOfLight(notes, {tags.colors, tags.light}, decisions);
+  NoteOptionsWithoutEffect(notes, options.mapping, decisions);
   if (!TimesOf(run).PassesOn()) {
     notes << "note: sound and the other streams are left out, since --frames picks frames that do "
              "not follow each other\n";
@@ -116,15 +119,21 @@ void MapAll(const MapOptions& options, ClipRun& run, PictureSink& sink,
   TellOfDamage(options, damage, sink, done, notes);
 }
 
+std::string ExposureText(const ClipRun& run) {
+  const auto& exposure = run.mapper->ExposureOfClip();
+  if (!exposure) return {};
+  return ", exposure " + exposure->Describe(run.mapper->Plan().Decide().settings.white);
+}
+
 void Summarise(std::ostream& out, const MapOptions& options, const ClipRun& run, std::int64_t done,
                double seconds) {
   const Mapper::Decisions decisions = run.mapper->Plan().Decide();
   out << options.input.string() << " -> " << options.output.string() << ": "
       << Counted(done + run.earlier.count, "frame") << ", " << DescribeColorSpace(decisions.source)
-      << ", peak " << run.mapper->PeakText() << " (" << decisions.sourcePeak.origin << ") to "
-      << DescribeColorSpace(options.mapping.target.colors) << ", peak "
-      << decisions.destinationPeakNits << " nits; " << static_cast<double>(done) / seconds
-      << " frames a second\n";
+      << ExposureText(run) << ", peak " << run.mapper->PeakText() << " ("
+      << decisions.sourcePeak.origin << ") to " << DescribeColorSpace(options.mapping.target.colors)
+      << ", peak " << decisions.destinationPeakNits << " nits; "
+      << static_cast<double>(done) / seconds << " frames a second\n";
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <array>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -27,9 +28,23 @@ constexpr std::array<Choice<PeakSource>, 3> kPeakSources = {{{"metadata", PeakSo
                                                              {"measure", PeakSource::Measure},
                                                              {"scenes", PeakSource::Scenes}}};
 
+/// The percentile behind the name of a measurement.
+double ParsePercent(const std::string& text) {
+  const auto percent = ParseNumberIn(text, std::numeric_limits<double>::min(), 100.0);
+  if (percent) return *percent;
+  throw CLI::ValidationError("--peak", "'" + text +
+                                           "' is no percentile of the pixels: a number above 0 "
+                                           "and up to 100, as in measure:99.9");
+}
+
 void ParsePeak(const std::string& text, PeakOptions& peak) {
+  const std::size_t colon = text.find(':');
   for (const auto& choice : kPeakSources) {
-    if (choice.name != text) continue;
+    if (choice.name != text.substr(0, colon)) continue;
+    if (colon != std::string::npos) {
+      if (choice.value == PeakSource::Metadata) break;
+      peak.percent = ParsePercent(text.substr(colon + 1));
+    }
     peak.from = choice.value;
     return;
   }
@@ -44,10 +59,30 @@ void AddLuminanceOptions(CLI::App& map, MappingOptions& options) {
          "--peak", [&](const std::string& text) { ParsePeak(text, options.peak); },
          "Peak of the source in nits, or where to take it from. When not given: the file's "
          "metadata (MaxCLL, else the mastering display); without any, measured for scene-linear "
-         "pictures, else 10000 for PQ and 1000 for HLG. measure: in a pass over the picture or "
-         "clip; scenes: the same, for each scene of a clip")
-      ->type_name("NITS|metadata|measure|scenes");
+         "pictures and PQ stills, else 10000 for PQ and 1000 for HLG. measure: in a pass over the "
+         "picture or clip, what 99.99 % of the pixels, or as many as are told, do not exceed; "
+         "scenes: the same, for each scene of a clip")
+      ->type_name("NITS|metadata|measure[:PERCENT]|scenes[:PERCENT]");
   AddTargetOptions(map, options);
+}
+
+void AddExposureOption(CLI::App& map, MappingOptions& options) {
+  map.add_option_function<std::string>(
+         "--exposure",
+         [&](const std::string& text) {
+           constexpr double kMostStops = 20.0;
+           const auto stops = ParseNumberIn(text, -kMostStops, kMostStops);
+           if (!stops && text != "auto") {
+             throw CLI::ValidationError("--exposure",
+                                        "'" + text +
+                                            "' is neither a number of stops from -20 to "
+                                            "20 nor 'auto'");
+           }
+           options.exposure = {!stops.has_value(), stops.value_or(0.0)};
+         },
+         "Multiplies the light of a scene-linear picture or clip by 2^STOPS before all else. auto: "
+         "brings its log-average luminance to 0.18 of white, by 8 stops at most")
+      ->type_name("STOPS|auto");
 }
 
 void AddRunOptions(CLI::App& map, MapOptions& options) {
@@ -127,6 +162,7 @@ Subcommand AddMapCommand(CLI::App& app) {
   AddLuminanceOptions(map, options->mapping);
   AddAlgorithmOptions(map, options->mapping);
   AddDialOptions(map, options->mapping);
+  AddExposureOption(map, options->mapping);
   AddRunOptions(map, *options);
   map.add_flag("--in-place", *inPlace, "Replace the input, which OUTPUT is, by the whole result");
   AddClipOptions(map, options->clip);

@@ -35,7 +35,8 @@ ClipTags ResultTags(const ColorDescription& destination, double peakNits, const 
   result.colors.chromaLocation = source.colors.chromaLocation;
   if (destination.transfer != RefHost::kTransferPQ) return result;
   const auto peak = static_cast<float>(peakNits);
-  DescribeMastering(source.colors, peak, result.colors);
+  const Mapper::Source believed = Mapper::BelieveLight({source.colors, source.light}).source;
+  DescribeMastering(believed.colors, peak, result.colors);
   result.light = {std::min(knownLight.maxCLL, peak), std::min(knownLight.maxFALL, peak)};
   return result;
 }

@@ -26,7 +26,11 @@ void ExplainToneMap(std::ostream& out, const Decisions& decisions, const ToneMap
   Label(out, "tone mapping") << toneMap.name;
   if (toneMap.chosenAutomatically) out << " (chosen automatically)";
   out << '\n';
-  if (toneMap.knee) Label(out, "knee") << *toneMap.knee << " of the destination peak\n";
+  if (toneMap.knee) {
+    Label(out, "knee") << *toneMap.knee << " of the destination peak";
+    if (toneMap.kneeNits) out << ", " << *toneMap.kneeNits << " nits";
+    out << (toneMap.chosenAutomatically ? " (chosen automatically)\n" : "\n");
+  }
   Label(out, "gain") << decisions.gain << '\n';
   Label(out, "preserve") << decisions.colorPreservation << '\n';
   Label(out, "peak, adjusted") << toneMap.adjustedPeak << '\n';
@@ -35,6 +39,12 @@ void ExplainToneMap(std::ostream& out, const Decisions& decisions, const ToneMap
     Label(out, "parameter " + std::to_string(number++))
         << parameter.name << " = " << parameter.value << '\n';
   }
+}
+
+/// Curves that are the same whatever the source's peak, but for how they desaturate.
+bool HasFixedCurve(Algorithm algorithm) {
+  return algorithm == Algorithm::ITU2390MaxRGB || algorithm == Algorithm::ITU2390RGBByChannel ||
+         algorithm == Algorithm::CARToneCurve;
 }
 
 }  // namespace
@@ -67,6 +77,14 @@ void Explain(std::ostream& out, const Decisions& decisions) {
       << '\n';
 }
 
+void WarnOfLight(std::ostream& notes, const Mapper::Source& source, const Decisions& decisions) {
+  for (const std::string& ignored : Mapper::BelieveLight(source).ignored) {
+    notes << "warning: the source tells " << ignored
+          << ", which cannot be and is ignored; it is mapped from a peak of "
+          << decisions.sourcePeak.nits << " nits (" << decisions.sourcePeak.origin << ")\n";
+  }
+}
+
 void NoteOptionsWithoutEffect(std::ostream& notes, const MappingOptions& options,
                               const Decisions& decisions) {
   const auto& settings = options.settings;
@@ -77,6 +95,17 @@ void NoteOptionsWithoutEffect(std::ostream& notes, const MappingOptions& options
   if (!decisions.fitApplies && options.fit == Mapper::GamutFitting::Hue) {
     notes
         << "note: the destination holds every colour of the source's gamut: --fit has no effect\n";
+  }
+  if (decisions.curvePeakNits < decisions.sourcePeak.nits) {
+    notes << "note: the source peak (" << decisions.sourcePeak.nits << " nits) is beyond "
+          << decisions.curvePeakNits << " nits, where " << Mapper::AlgorithmName(settings.algorithm)
+          << " ends: it is held there\n";
+  }
+  const bool peakGiven = options.peak.from != PeakSource::Default;
+  if (peakGiven && decisions.toneMap && HasFixedCurve(settings.algorithm)) {
+    notes << "note: the curve of " << Mapper::AlgorithmName(settings.algorithm)
+          << " is the same from every peak: --peak changes only how highlights lose colour, and "
+             "whether there is a tone map at all\n";
   }
   const bool asked =
       settings.algorithm != Algorithm::Automatic && settings.algorithm != Algorithm::None;

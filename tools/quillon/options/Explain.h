@@ -16,4 +16,8 @@ void Explain(std::ostream& out, const Mapper::Decisions& decisions);
 void NoteOptionsWithoutEffect(std::ostream& notes, const MappingOptions& options,
                               const Mapper::Decisions& decisions);
 
+/// Warns of light levels of the source that cannot be, and says what is taken instead.
+void WarnOfLight(std::ostream& notes, const Mapper::Source& source,
+                 const Mapper::Decisions& decisions);
+
 }  // namespace Quillon::Cli

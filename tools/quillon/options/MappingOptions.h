@@ -5,6 +5,7 @@
 
 #include "mapper/Device.h"
 #include "mapper/Mapping.h"
+#include "mapper/Picture.h"
 #include "tools/quillon/options/SourceTags.h"
 
 namespace Quillon::Cli {
@@ -15,7 +16,14 @@ enum class PeakSource { Default, Number, Metadata, Measure, Scenes };
 /// --peak.
 struct PeakOptions {
   PeakSource from = PeakSource::Default;
-  double nits = 0.0;  ///< where `from` is `Number`
+  double nits = 0.0;                        ///< where `from` is `Number`
+  double percent = Mapper::kSteadyPercent;  ///< where it is measured
+};
+
+/// --exposure.
+struct ExposureOptions {
+  bool automatic = false;
+  double stops = 0.0;  ///< where it is not automatic
 };
 
 /// How pictures are to be mapped, each value checked on its own: what `quillon map` and the
@@ -23,6 +31,7 @@ struct PeakOptions {
 struct MappingOptions {
   SourceOverride source;
   PeakOptions peak;
+  std::optional<ExposureOptions> exposure;
   Mapper::Target target;
   Mapper::Settings settings;
   std::optional<Mapper::GamutFitting> fit;  ///< --fit, which `SettleFit` puts into the settings

@@ -1,11 +1,14 @@
 #include "tools/quillon/options/SourceTags.h"
 
+#include "host/pavix/ColorSpaceUtils.h"
+#include "refhost/orvmediatypes/H273.h"
 #include "tools/quillon/options/ColorSpaceNames.h"
 #include "tools/quillon/process/ExitCodes.h"
 
 namespace Quillon::Cli {
 
 using orvmediatypes::color::ColorDescription;
+using orvmediatypes::color::ColorSpace;
 
 namespace {
 
@@ -15,14 +18,33 @@ ColorDescription Override(const ColorDescription& file, const SourceOverride& gi
   ColorDescription tagged = file;
   tagged.primaries = given.colors->primaries;
   tagged.transfer = given.colors->transfer;
-  tagged.chromaticities = {};
+  tagged.chromaticities = given.colors->chromaticities;
   if (given.tellsMatrix || !Mapper::Tells(file.matrix)) {
     tagged.matrix = given.colors->matrix;
   }
   return tagged;
 }
 
+/// What linear light of these primaries is called.
+std::string LinearOption(const ColorDescription& colors) {
+  for (const char* name : {"linear-bt709", "linear-p3", "linear-bt2020"}) {
+    if (ColorSpaceOfName(name).primaries == colors.primaries) return std::string(" ") + name;
+  }
+  return "-cicp " + std::to_string(colors.primaries) + "/8/0";
+}
+
 }  // namespace
+
+void RefuseGammaOfFloats(const std::filesystem::path& path, const ColorDescription& file,
+                         bool isFloat, const SourceOverride& given) {
+  const bool isLight = isFloat && file.transfer == RefHost::kTransferLinear;
+  if (!isLight || !given.colors || !PX::ColorSpaceUtils::IsSDRColorSpace(ColorSpace(*given.colors)))
+    return;
+  throw CommandError(ExitCode::Usage, path.string() + " holds linear light in floats, and " +
+                                          DescribeColorSpace(*given.colors) +
+                                          " is a signal; --from" + LinearOption(*given.colors) +
+                                          " is what is meant");
+}
 
 ColorDescription TaggedColors(const std::filesystem::path& path, const ColorDescription& file,
                               const SourceOverride& given, const std::string& optionSuffix) {

@@ -24,4 +24,10 @@ orvmediatypes::color::ColorDescription TaggedColors(
     const std::filesystem::path& path, const orvmediatypes::color::ColorDescription& file,
     const SourceOverride& given, const std::string& optionSuffix = {});
 
+/// Refuses a gamma curve for a picture whose file holds linear light in floats, by the name of the
+/// linear light that is meant. Throws CommandError.
+void RefuseGammaOfFloats(const std::filesystem::path& path,
+                         const orvmediatypes::color::ColorDescription& file, bool isFloat,
+                         const SourceOverride& given);
+
 }  // namespace Quillon::Cli

@@ -22,7 +22,7 @@ std::optional<double> CommonHdrPeak(const PX::VideoFrameRef& a, const PX::VideoF
   std::optional<double> peak;
   for (const PX::VideoFrameRef& frame : {a, b}) {
     if (IsSdr(frame)) continue;
-    const double own = MeasureLightLevels(LightOf(frame, white).light, white).peakNits;
+    const double own = MeasureLightLevels(LightOf(frame, white).light, white).steadyPeakNits;
     peak = std::max(peak.value_or(0.0), own);
   }
   return peak;

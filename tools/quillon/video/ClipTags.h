@@ -11,6 +11,8 @@ namespace Quillon::Cli {
 struct ClipTags {
   orvmediatypes::color::ColorDescription colors;
   ContentLight light;
+  /// Luminance that the file of a still gives its linear 1.0, in nits.
+  float whiteNits = 0.0F;
   friend bool operator==(const ClipTags&, const ClipTags&) = default;
 };
 
