@@ -1,5 +1,6 @@
 #include "mapper/FitFrame.h"
 
+#include "base/DefaultFloatingPoint.h"
 #include "host/kestrel/FrameInterfaces.h"
 #include "mapper/EngineMessages.h"
 #include "refhost/kestrel/GPUFrame.h"
@@ -50,6 +51,7 @@ void FitFrame(const GamutFit& fit, const PX::VideoFrameRef& frame) {
   auto* const pixels = static_cast<std::byte*>(memory->GetData());
   const std::ptrdiff_t rowBytes = memory->GetRowBytes();
   RefHost::RunInBands(bounds.height, kBandRows, [&](int first, int last) {
+    const DefaultFloatingPoint mode;
     for (std::ptrdiff_t row = first; row < last; ++row) {
       FitPixels(BestInstructionSet(), fit, reinterpret_cast<float*>(pixels + row * rowBytes),
                 static_cast<std::size_t>(bounds.width));

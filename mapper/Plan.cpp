@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "base/DefaultFloatingPoint.h"
 #include "host/chromant/Applicability.h"
 #include "host/chromant/Conversion.h"
 #include "host/pavix/ColorSpaceUtils.h"
@@ -194,6 +195,7 @@ Result<Plan> Plan::Make(const Source& source, const Target& target, const Settin
   content->settings.toneMapSettings = ToneMapSettingsFor(settings, from, to);
   content->destinationPeakNits = DestinationPeakNits(to, settings.white);
   if (settings.fit != GamutFitting::Clip && MayLackColors(source.colors, to)) {
+    const DefaultFloatingPoint mode;
     content->fit = MakeGamutFit(to, content->destinationPeakNits, settings.white);
   }
   const ColorSpace light = LinearLight(target.colors);
