@@ -51,6 +51,35 @@ TEST(AMappedPicture, KeepsGreyBelowTheKneeAndBringsThePeakToWhite) {
   EXPECT_EQ(mapped.Floats(0, 0)[3], 0.5F);
 }
 
+/// BT.2020's green at 100 nits, in PQ.
+OwnPicture WideGreen() {
+  OwnPicture picture(kBGRAFloat, 1, 1);
+  FillGrey(picture, 0.0F);
+  picture.Floats(0, 0)[1] = static_cast<float>(EncodeSt2084(100.0));
+  return picture;
+}
+
+TEST(AMappedPicture, OfFloatsKeepsWhatLiesBeyondTheGamutUnlessItIsToBeFitted) {
+  const OwnPicture green = WideGreen();
+  OwnPicture mapped(kBGRAFloat, 1, 1);
+  ASSERT_FALSE(PlanTo("srgb").Map(green.Read(), mapped.Shown()));
+  EXPECT_LT(mapped.Floats(0, 0)[2], -0.1F);
+  ASSERT_FALSE(PlanTo("srgb", {.fit = GamutFitting::Hue}).Map(green.Read(), mapped.Shown()));
+  EXPECT_GE(mapped.Floats(0, 0)[2], 0.0F);
+}
+
+TEST(AMappedPicture, OfIntegersIsFittedUnlessItIsToBeClipped) {
+  const OwnPicture green = WideGreen();
+  OwnPicture mapped(kBGRA16, 1, 1);
+  OwnPicture fitted(kBGRA16, 1, 1);
+  OwnPicture clipped(kBGRA16, 1, 1);
+  ASSERT_FALSE(PlanTo("srgb").Map(green.Read(), mapped.Shown()));
+  ASSERT_FALSE(PlanTo("srgb", {.fit = GamutFitting::Hue}).Map(green.Read(), fitted.Shown()));
+  ASSERT_FALSE(PlanTo("srgb", {.fit = GamutFitting::Clip}).Map(green.Read(), clipped.Shown()));
+  EXPECT_EQ(mapped.Bytes(), fitted.Bytes());
+  EXPECT_NE(mapped.Bytes(), clipped.Bytes());
+}
+
 TEST(AMappedPicture, TouchesNeitherTheSourceNorWhatLiesPastTheRows) {
   const Plan plan = PlanTo("srgb");
   OwnPicture source(kBGRA16, kWidth, kHeight);

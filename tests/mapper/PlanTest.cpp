@@ -154,4 +154,44 @@ TEST(Knees, BelongToTwoAlgorithms) {
   EXPECT_FALSE(Quillon::Mapper::HasKnee(Algorithm::Automatic));
 }
 
+TEST(APlan, WorksInThePrimariesOfAnSdrResultWhereTheCurveScalesPixelsAsAWhole) {
+  const auto space = [](const Target& target, const Settings& settings) {
+    const auto from = Decided(kPQ, target, settings).mappedFrom;
+    return std::to_string(from.primaries) + "/" + std::to_string(from.transfer);
+  };
+  for (const Algorithm algorithm :
+       {Algorithm::Automatic, Algorithm::HuePreservationDesaturation, Algorithm::CARToneCurve}) {
+    EXPECT_EQ(space(kSrgb, {.algorithm = algorithm}), "1/8");
+    EXPECT_EQ(space({*ColorSpaceOfName("p3-d65"), {}}, {.algorithm = algorithm}), "12/8");
+    EXPECT_EQ(space({*ColorSpaceOfName("bt2100-pq"), {}}, {.algorithm = algorithm}), "9/16");
+    // The engine's gamut compression goes by the primaries of the source.
+    EXPECT_EQ(space(kSrgb, {.algorithm = algorithm, .gamut = GamutAlgorithm::Desaturation}),
+              "9/16");
+  }
+  for (const Algorithm algorithm :
+       {Algorithm::ITU2446A, Algorithm::ITU2390MaxRGB, Algorithm::ITU2390RGBByChannel}) {
+    EXPECT_EQ(space(kSrgb, {.algorithm = algorithm}), "9/16");
+  }
+}
+
+TEST(APlan, FitsColoursWhereThereMayBeSomeThatTheTargetHasNot) {
+  const auto fits = [](const char* source, const char* target, const Settings& settings = {}) {
+    return Decided({*ColorSpaceOfName(source), {}}, {*ColorSpaceOfName(target), {}}, settings)
+        .fitApplies;
+  };
+  EXPECT_TRUE(fits("bt2100-pq", "srgb"));
+  EXPECT_TRUE(fits("bt2100-hlg", "p3-d65"));
+  EXPECT_TRUE(fits("p3-d65", "srgb"));
+  EXPECT_FALSE(fits("srgb", "p3-d65"));
+  EXPECT_FALSE(fits("bt2100-pq", "bt2100-hlg"));
+  EXPECT_FALSE(fits("bt2100-pq", "srgb", {.fit = Quillon::Mapper::GamutFitting::Clip}));
+  // HDR in BT.709, whose colours come out as they do from other containers.
+  EXPECT_TRUE(Decided({*ColorSpaceOfCicp("1/16/0"), {}}, kSrgb, {}).fitApplies);
+}
+
+TEST(APlan, KeepsMostOfTheColourOfHighlightsUnlessAsked) {
+  EXPECT_EQ(Decided(kPQ, kSrgb, {}).colorPreservation, 0.95F);
+  EXPECT_EQ(Decided(kPQ, kSrgb, {.colorPreservation = 0.5F}).colorPreservation, 0.5F);
+}
+
 }  // namespace
