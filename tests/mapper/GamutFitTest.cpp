@@ -177,6 +177,18 @@ TEST(AGamutFit, GrowsSteadilyWithTheChromaThatComesIn) {
   }
 }
 
+TEST(AGamutFit, LeavesRoomForWhatLiesBeyondTheBoundary) {
+  const auto fit = FitIntoBt709();
+  const Pixels onBoundary = {0.0F, 0.3F, 0.0F, 1.0F};
+  const Pixels beyond = {-0.02F, 0.3F, -0.05F, 1.0F};
+  const double kept =
+      Itp(Fitted(*fit, onBoundary).data()).Chroma() / Itp(onBoundary.data()).Chroma();
+  EXPECT_GT(kept, 0.93);
+  EXPECT_LT(kept, 0.97);
+  EXPECT_GT(Itp(Fitted(*fit, beyond).data()).Chroma(),
+            Itp(Fitted(*fit, onBoundary).data()).Chroma() + 1e-3);
+}
+
 TEST(AGamutFit, KeepsBrightColoursBelowTheTopOfItsDestination) {
   constexpr double kPeak = 600.0;
   const auto fit = FitIntoBt709(kPeak);
