@@ -76,6 +76,7 @@ constexpr RefHost::Matrix3 kLmsOfBt2020 = {1688 / 4096.0, 2146 / 4096.0, 262 / 4
 Chromaticities Bt2020() {
   orvmediatypes::color::ColorDescription description;
   description.primaries = RefHost::kPrimariesBT2020;
+  // NOLINTNEXTLINE(bugprone-unchecked-optional-access): it knows these
   return *RefHost::ChromaticitiesOf(ColorSpace(description));
 }
 
@@ -254,7 +255,8 @@ float SafeRatio(const Gamut& gamut, const GamutFit& fit) {
     for (int row = 1; row < QUILLON_FIT_ROWS - 1; ++row) {
       const float intensity =
           IntensityOfRow(row, fit.table[static_cast<std::size_t>(column)], gamut.TopIntensity());
-      const auto entry = static_cast<std::size_t>((row + 1) * QUILLON_FIT_COLUMNS + column);
+      const auto entry = static_cast<std::size_t>(row + 1) * QUILLON_FIT_COLUMNS +
+                         static_cast<std::size_t>(column);
       const Light light = gamut.LightOf(At(intensity, direction, kShare * fit.table[entry]));
       const auto [least, most] = std::minmax_element(light.begin(), light.end());
       if (*most < kSafeShareOfTop * gamut.Top()) ratio = std::max(ratio, *least / *most);

@@ -105,7 +105,7 @@ ColorSpace CodedAs(const ColorDescription& frame, const ColorDescription& engine
   return ColorSpace(coded);
 }
 
-/// A float BGRA frame in the colours that the engine works from.
+/// A frame in the colours that the engine works from.
 struct WorkingFrame {
   PX::VideoFrameRef frame;
   bool isOwn = false;  ///< made here, so that it may be written
@@ -181,7 +181,7 @@ Failure MapFrame(const Plan& plan, const PX::VideoFrameRef& source,
     return Apply(content, source, destination);
   }
   WorkingFrame working{source};
-  if (!isEngines || !IsFloat(source)) {
+  if (!isEngines || (content.device != nullptr && !IsFloat(source))) {
     const auto floats = ConvertToFloat(source, content.SourceSpace(), content.asked.white);
     if (!floats) return floats.error();
     working = {*floats, true};

@@ -35,7 +35,7 @@ void LoadPixels(const float* from, Lanes* channels) {
   Transpose(channels);
 }
 
-void StorePixels(float* to, Lanes* channels) {
+[[maybe_unused]] void StorePixels(float* to, Lanes* channels) {
   Transpose(channels);
   for (int i = 0; i < kFloatsPerPixel; ++i) Store(to + i * kLanes, channels[i]);
 }

@@ -47,12 +47,15 @@ bool ConvertQuickly(const ConversionParams& params, const QuickTables& tables,
                     const Planes& planes) {
   constexpr int kPQ = 16;
   constexpr int kLinear = 8;
-  if (params.source.transfer != kPQ || params.destination.transfer != kLinear ||
-      params.hasMatrix != 0) {
-    return false;
-  }
+  if (params.source.transfer != kPQ || params.destination.transfer != kLinear) return false;
   const double white = params.source.whiteNits;
   const QuickPQDecoder decode = {tables, PQDecoder{white}, 10000.0 / white};
+  if (params.hasMatrix != 0) {
+    const QuickPQTransformer transform = {decode, params.matrix, params.hasCommonGrey != 0};
+    const auto& [red, green, blue] = planes.components;
+    for (std::size_t i = 0; i < kBlock; i += kLanes) transform(red + i, green + i, blue + i);
+    return true;
+  }
   for (float* component : planes.components) {
     for (std::size_t i = 0; i < kBlock; i += kLanes) decode(component + i, component + i);
   }
@@ -120,13 +123,13 @@ void Encode(const TransferParams& params, const QuickTables& tables, const Light
 void Transform(const double* m, bool keepsGrey, Light& light) {
   auto& [reds, greens, blues] = light.components;
   for (std::size_t i = 0; i < kBlock; i += kLanes) {
-    const auto x = Load<WideLanes>(reds + i);
-    const auto y = Load<WideLanes>(greens + i);
-    const auto z = Load<WideLanes>(blues + i);
-    const auto isKept = (x == y) & (y == z) & (keepsGrey ? -1LL : 0LL);
-    Store(reds + i, isKept ? x : m[0] * x + m[1] * y + m[2] * z);
-    Store(greens + i, isKept ? y : m[3] * x + m[4] * y + m[5] * z);
-    Store(blues + i, isKept ? z : m[6] * x + m[7] * y + m[8] * z);
+    const WideLanes from[3] = {Load<WideLanes>(reds + i), Load<WideLanes>(greens + i),
+                               Load<WideLanes>(blues + i)};
+    WideLanes to[3];
+    MixLight(m, keepsGrey, from, to);
+    Store(reds + i, to[0]);
+    Store(greens + i, to[1]);
+    Store(blues + i, to[2]);
   }
 }
 

@@ -99,15 +99,73 @@ struct QuickPQDecoder {
   PQDecoder model;
   double scale;  ///< 10000 nits over white
 
-  [[gnu::always_inline]] void operator()(const float* from, float* to) const {
-    const WideLanes signal = LoadWidened(from);
+  /// Light, and which lanes it is right for: those that are usual, and those that are dark.
+  struct Decoded {
+    WideLanes light;
+    __mmask8 usual;
+    __mmask8 dark;
+  };
+
+  [[gnu::always_inline]] Decoded Decode(WideLanes signal) const {
     const WideLanes p = QuickPower(tables.pqSignal, signal);
     const WideLanes ratio = (p - 0.8359375) / (18.8515625 - 18.6875 * p);
-    const WideLanes light = scale * QuickPower(tables.pqLight, ratio);
-    const __mmask8 usual = AreFromUpTo(0x1p-7, signal, 1.0);
-    const __mmask8 dark = _mm512_cmp_pd_mask(__builtin_bit_cast(__m512d, signal),
-                                             __builtin_bit_cast(__m512d, WideLanes{}), _CMP_LE_OQ);
-    StoreSure(to, light, usual, dark, WideLanes{}, [&]() { return model(signal); });
+    return {scale * QuickPower(tables.pqLight, ratio), AreFromUpTo(0x1p-7, signal, 1.0),
+            _mm512_cmp_pd_mask(__builtin_bit_cast(__m512d, signal),
+                               __builtin_bit_cast(__m512d, WideLanes{}), _CMP_LE_OQ)};
+  }
+
+  [[gnu::always_inline]] void operator()(const float* from, float* to) const {
+    const WideLanes signal = LoadWidened(from);
+    const Decoded quick = Decode(signal);
+    StoreSure(to, quick.light, quick.usual, quick.dark, WideLanes{},
+              [&]() { return model(signal); });
+  }
+};
+
+/// PQ to linear light of other primaries. What the matrix makes of lights that are a little off is
+/// rounded both ways: where both give one float it is the right one.
+struct QuickPQTransformer {
+  QuickPQDecoder decode;
+  const double* matrix;
+  bool keepsGrey;
+
+  [[gnu::always_inline]] void operator()(float* red, float* green, float* blue) const {
+    const WideLanes signals[3] = {LoadWidened(red), LoadWidened(green), LoadWidened(blue)};
+    WideLanes lights[3];
+    __mmask8 known = 0xff;
+    for (int c = 0; c < 3; ++c) {
+      const auto quick = decode.Decode(signals[c]);
+      lights[c] = Only(quick.usual, quick.light);
+      known &= quick.usual | quick.dark;
+    }
+    float* const to[3] = {red, green, blue};
+    WideLanes mixed[3];
+    MixLight(matrix, keepsGrey, lights, mixed);
+    // Twice what a quick curve may be off.
+    constexpr double kOff = 0x1p-35;
+    const double* m = matrix;
+    FloatLanes rounded[3];
+    bool isSure = known == 0xff;
+    for (int c = 0; c < 3; ++c, m += 3) {
+      const WideLanes off = kOff * (MagnitudeOf(Everywhere(m[0])) * lights[0] +
+                                    MagnitudeOf(Everywhere(m[1])) * lights[1] +
+                                    MagnitudeOf(Everywhere(m[2])) * lights[2] + lights[c]);
+      rounded[c] = __builtin_convertvector(mixed[c] - off, FloatLanes);
+      isSure = isSure && AreSame(rounded[c], __builtin_convertvector(mixed[c] + off, FloatLanes));
+    }
+    if (__builtin_expect(static_cast<int>(isSure), 1) != 0) {
+      for (int c = 0; c < 3; ++c) Store(to[c], rounded[c]);
+      return;
+    }
+    for (int c = 0; c < 3; ++c) lights[c] = decode.model(signals[c]);
+    MixLight(matrix, keepsGrey, lights, mixed);
+    for (int c = 0; c < 3; ++c) StoreNarrowed(to[c], mixed[c]);
+  }
+
+ private:
+  [[gnu::always_inline]] static bool AreSame(FloatLanes a, FloatLanes b) {
+    return _mm256_cmp_ps_mask(__builtin_bit_cast(__m256, a), __builtin_bit_cast(__m256, b),
+                              _CMP_NEQ_UQ) == 0;
   }
 };
 

@@ -82,5 +82,14 @@ struct PQEncoder {
   }
 };
 
+/// ConvertPrimaries, or TransformByMatrix3 where grey has no claim to stay grey.
+[[gnu::always_inline]] inline void MixLight(const double* m, bool keepsGrey, const WideLanes* from,
+                                            WideLanes* to) {
+  const auto isKept = (from[0] == from[1]) & (from[1] == from[2]) & (keepsGrey ? -1LL : 0LL);
+  for (int c = 0; c < 3; ++c, m += 3) {
+    to[c] = isKept ? from[c] : m[0] * from[0] + m[1] * from[1] + m[2] * from[2];
+  }
+}
+
 }  // namespace
 }  // namespace RefHost

@@ -222,6 +222,14 @@ TEST_P(ConvertRowsBy, DecodesPQAllAlongTheSignalWithTheBitsOfPixels) {
   }
 }
 
+TEST_P(ConvertRowsBy, DecodesPQToOtherPrimariesWithTheBitsOfPixels) {
+  std::vector<float> signals = EverySignal(kStride);
+  // Neighbours, and colours of all kinds.
+  EXPECT_EQ(CountDifferences(GetParam(), ParamsOf(kBT2020, 16, kBT709, 8), signals), 0U);
+  std::shuffle(signals.begin(), signals.end(), std::mt19937(3));
+  EXPECT_EQ(CountDifferences(GetParam(), ParamsOf(kBT2020, 16, kBT709, 8), signals), 0U);
+}
+
 TEST_P(ConvertRowsBy, EncodesBt1886AllAlongTheLightWithTheBitsOfPixels) {
   const std::vector<float> signals = EverySignal(kStride);
   for (const int primaries : {kBT2020, kBT709}) {

@@ -57,7 +57,8 @@ void CheckOptions(const MapOptions& options) {
 /// RGB has no subsampled components.
 void CheckMatrix(const MapOptions& options, const PictureSource& source) {
   const SourceOverride& given = options.mapping.source;
-  if (!given.tellsMatrix || given.colors->matrix != RefHost::kMatrixIdentity) return;
+  if (!given.tellsMatrix || !given.colors) return;
+  if (given.colors->matrix != RefHost::kMatrixIdentity) return;
   const Sampling sampling = source.Samples().sampling;
   if (sampling != Sampling::C420 && sampling != Sampling::C422) return;
   Refuse(

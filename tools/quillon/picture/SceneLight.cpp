@@ -33,7 +33,7 @@ bool IsSceneLinear(const ColorDescription& colors) {
 PX::VideoFrameRef ScaleLight(const PX::VideoFrameRef& frame, double factor, int white) {
   if (factor == 1.0) return frame;
   const bool isFloat = frame->GetPixelFormat() == orvmediatypes::kLinearFloatBGRA;
-  const PX::VideoFrameRef scaled =
+  PX::VideoFrameRef scaled =
       isFloat ? frame
               : ConvertToFloat(
                     frame, CHR::ORVColorSpaceToEquivalentLinearColorSpace(frame->GetColorSpace()),
